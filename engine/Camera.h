@@ -1,0 +1,35 @@
+#pragma once
+
+#include "math/Quaternion.h"
+#include "math/Vector3.h"
+
+/// The viewer: a position and an orientation. Rotations are gathered during a frame and take effect, together
+/// and once, in setCamera(). Angles in radians, positions in world units; main thread only.
+///
+/// With no rotation it looks along +z with +y up, so the right of the screen is -x.
+class Camera
+{
+public:
+    void setPosition(Vector3 newPosition) { position = newPosition; }
+    /// Neither the pending rotation nor the view's directions change.
+    void setOrientation(Quaternion& newOrientation) { orientation = newOrientation; }
+    Quaternion& getOrientation() { return orientation; }
+
+    void roll(float angle);
+    void yaw(float angle);
+    void pitch(float angle);
+
+    /// Applies the pending rotation, multiplies the view onto the current matrix, and returns the position.
+    Vector3 setCamera();
+    /// Nothing: whoever owns the camera moves it by setPosition.
+    void move(float forward, float sideways);
+
+    Quaternion rotation;  ///< requested since the last setCamera()
+    Quaternion orientation;
+    Vector3 position;
+    Vector3 up = {0.0F, 1.0F, 0.0F};
+    Vector3 direction = {0.0F, 0.0F, 1.0F};
+
+private:
+    void request(float angle, Vector3 axis);
+};

@@ -1,0 +1,3 @@
+#include "engine/VTObject.h"
+
+void VTObject::keyboardEvent(SDL_Event /*event*/) {}

@@ -1,0 +1,121 @@
+#include "scene/General.h"
+
+#include "math/SaturatingTruncation.h"
+#include "scene/SceneGraph.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+
+General* General::instance = nullptr;
+
+namespace {
+
+constexpr Vector3 blueBase(-500.0F, 0.0F, 0.0F);
+constexpr Vector3 redBase(500.0F, 0.0F, 0.0F);
+constexpr Vector3 teamBox(1.0F, 100.0F, 100.0F);
+constexpr Vector3 sharedBox(500.0F, 200.0F, 200.0F);
+constexpr float stepsPerUnit = 100.0F;  ///< random points lie on a grid of this fineness
+
+int truncated(float value)
+{
+    return saturatingTruncation(static_cast<double>(value));
+}
+
+int nextOdd(int n)
+{
+    return n % 2 == 0 ? n + 1 : n;
+}
+
+float randomCoordinate(float centre, float size)
+{
+    const int steps = truncated(size * stepsPerUnit);
+    const int drawn = std::rand();  // also for a side too short for a step: the other axes draw as always
+    const int step = steps == 0 ? 0 : drawn % steps;
+    return centre - (static_cast<float>(step) + size * stepsPerUnit * -0.5F) / stepsPerUnit;
+}
+
+float numberOfPlayers()
+{
+    const auto* players = SceneGraph::getInstance()->getListOfType(SGT_PLAYER);
+    return players == nullptr ? 0.0F : static_cast<float>(players->size());
+}
+
+// A grid of about one cell per player, in the proportions of the box.
+Vector3 gridPoint(Vector3 centre, Vector3 size, int slot)
+{
+    const float q = numberOfPlayers() / (size.y / size.x) / (size.z / size.x);
+    constexpr double third = 0.3333333432674408;  // the float nearest to one third
+    const int n = saturatingTruncation(std::pow(static_cast<double>(q), third));
+    const int proportionalLayers = truncated(static_cast<float>(n) * size.z / size.x);
+    const int layers = proportionalLayers == 0 ? 1 : proportionalLayers;
+    const int columns = nextOdd(n);
+    const int rows = nextOdd(truncated(static_cast<float>(n) * size.y / size.x));
+
+    const auto cells = static_cast<std::int64_t>(layers) * columns * rows;
+    const auto index = static_cast<int>(slot % cells);
+    const int k = index / (rows * columns);
+    const int rest = index - columns * k * rows;
+    const int j = rest / columns;
+    const int i = rest % columns;
+    const auto along = [](float c, float s, int count, int cell) {
+        return c + (s / static_cast<float>(count) * static_cast<float>(cell) - s * 0.5F);
+    };
+    return {along(centre.x, size.x, columns, i), along(centre.y, size.y, rows, j),
+            along(centre.z, size.z, layers, k)};
+}
+
+}  // namespace
+
+General* General::getInstance()
+{
+    if (instance == nullptr) {
+        instance = new General;
+    }
+    return instance;
+}
+
+Vector3 General::blueStart()
+{
+    return startOf(blueBase, blueSlot);
+}
+
+Vector3 General::redStart()
+{
+    return startOf(redBase, redSlot);
+}
+
+Vector3 General::startOf(Vector3 fixedPoint, std::int32_t& slot)
+{
+    switch (mode) {
+        case RANDOM:
+            return getStartingPointWithin(fixedPoint, teamBox, true, 0);
+        case GRID:
+            slot += 2;
+            return getStartingPointWithin({}, sharedBox, false, slot);
+        default:
+            return fixedPoint;
+    }
+}
+
+Vector3 General::getStartingPointWithin(Vector3 centre, Vector3 size, bool random, int seed)
+{
+    if (!random) {
+        return gridPoint(centre, size, seed);
+    }
+    seedGenerator(seed);
+    const float x = randomCoordinate(centre.x, size.x);
+    const float y = randomCoordinate(centre.y, size.y);
+    const float z = randomCoordinate(centre.z, size.z);
+    return {x, y, z};
+}
+
+void General::seedGenerator(int seed)
+{
+    if (seed != 0) {
+        std::srand(static_cast<unsigned int>(seed));
+    } else if (!seeded) {
+        std::srand(static_cast<unsigned int>(std::time(nullptr)));
+        seeded = true;
+    }
+}

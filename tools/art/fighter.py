@@ -1,0 +1,183 @@
+"""fighter.obj: nose along +z, up +y, drawn at 0.05; 72 model units long.
+
+The chase camera sits 100 model units behind and 40 above, so the stern, the upper
+wings and the fins carry the look; the stern stays short to keep it in the picture.
+"""
+
+import numpy as np
+
+import mesh
+from textures import (FIGHTER_BRIGHT, FIGHTER_DARK, FIGHTER_GLASS, FIGHTER_GLOW,
+                      FIGHTER_HULL, FIGHTER_UNITS, FIGHTER_VENT, FIGHTER_WINGS)
+
+SCALE = 0.05
+RELIEF = 0.7  # shorter normals: what faces up is not yet lit to the full, so shapes show
+
+# z, half width, height of the side chine, top, bottom
+FUSELAGE = [
+    (-23.0, 4.4, 0.6, 4.0, -2.8),
+    (-14.0, 5.6, 0.6, 5.0, -3.4),
+    (0.0, 6.0, 0.3, 5.0, -3.6),
+    (12.0, 5.2, 0.0, 3.8, -3.2),
+    (26.0, 3.6, -0.4, 2.3, -2.6),
+    (38.0, 2.0, -0.8, 0.8, -1.9),
+    (46.0, 0.5, -1.1, -0.7, -1.4),
+]
+
+# z, half width, foot, top
+CANOPY = [
+    (-6.0, 1.6, 4.0, 5.6),
+    (3.0, 3.0, 3.6, 8.0),
+    (11.0, 3.0, 2.6, 7.2),
+    (19.0, 2.2, 1.8, 4.7),
+    (25.0, 0.5, 1.4, 2.4),
+]
+
+# z, radius
+NACELLE = [(-22.0, 3.7), (-16.0, 4.6), (-4.0, 4.6), (6.0, 3.8)]
+NACELLE_CENTRE = (9.6, 0.6)
+NACELLE_SIDES = 10
+
+
+def hull_map(v_centre=0.625, shift=0.0):
+    return mesh.planar(FIGHTER_UNITS, v_centre, shift)
+
+
+def cell_map(cell, points):
+    """Stretches a texture cell (u0, v0, u1, v1) over four corners."""
+    u0, v0, u1, v1 = cell
+    return list(zip(points, [(u0, v0), (u1, v0), (u1, v1), (u0, v1)]))
+
+
+def fuselage(shape):
+    rings = []
+    for z, w, chine, top, bottom in FUSELAGE:
+        shoulder = chine + (top - chine) * 0.72
+        rings.append([(w, chine, z), (w * 0.62, shoulder, z), (w * 0.2, top, z),
+                      (-w * 0.2, top, z), (-w * 0.62, shoulder, z), (-w, chine, z),
+                      (-w * 0.5, bottom, z), (w * 0.5, bottom, z)])
+    upper, lower = shape.new_group(), shape.new_group()
+    coords = mesh.arc_coords(rings, FIGHTER_UNITS, FIGHTER_HULL[0] + 0.30)
+    shape.loft(rings, coords, [upper] * 5 + [lower] * 3)
+    shape.face(rings[0][::-1], mesh.planar(FIGHTER_UNITS, 0.7))
+    shape.face(rings[-1], mesh.planar(FIGHTER_UNITS, 0.7))
+
+
+def canopy(shape):
+    rings = []
+    for z, w, foot, top in CANOPY:
+        rings.append([(w, foot, z), (w * 0.72, foot + (top - foot) * 0.68, z), (0, top, z),
+                      (-w * 0.72, foot + (top - foot) * 0.68, z), (-w, foot, z)])
+    u0, v0, u1, v1 = FIGHTER_GLASS
+    first, last = CANOPY[0][0], CANOPY[-1][0]
+
+    def coords(i, j):
+        along = (CANOPY[i][0] - first) / (last - first)
+        return (u0 + (u1 - u0) * along, v0 + (v1 - v0) * j / 4)
+    shape.loft(rings, coords, closed=False)
+    shape.face(rings[0][::-1], mesh.constant(*FIGHTER_BRIGHT))
+
+
+def nacelle(half):
+    """One engine: intake in front, glowing nozzle at the back."""
+    def ring(z, radius):
+        return mesh.ring_points(NACELLE_SIDES, radius, z, NACELLE_CENTRE)
+    rings = [ring(z, r) for z, r in NACELLE]
+    half.loft(rings, mesh.arc_coords(rings, FIGHTER_UNITS, FIGHTER_HULL[0] + 0.2, 0.4))
+
+    nozzle = [ring(-25.5, 3.0), ring(-22.0, 3.7)]
+    half.loft(nozzle, lambda i, j: (0.52 + 0.02 * j, 0.02 + 0.15 * i))
+    throat = ring(-23.0, 2.7)
+    dark = mesh.constant(*FIGHTER_DARK)
+    edge = ring(-25.5, 3.0)
+    for j in range(NACELLE_SIDES):
+        k = (j + 1) % NACELLE_SIDES
+        half.face([edge[j], throat[j], throat[k], edge[k]], dark)
+    (cu, cv), radius = FIGHTER_GLOW
+    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], -23.0)
+    half.fan(throat[::-1], centre, mesh.disc_coords(NACELLE_SIDES, (cu, cv), radius)[::-1],
+             (cu, cv), normal=mesh.GLOWING)
+
+    lip, mouth = ring(6.0, 3.8), ring(3.5, 2.9)
+    for j in range(NACELLE_SIDES):
+        k = (j + 1) % NACELLE_SIDES
+        half.face([lip[j], lip[k], mouth[k], mouth[j]], mesh.constant(*FIGHTER_BRIGHT))
+    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], 4.5)
+    dark_uv = [FIGHTER_DARK] * NACELLE_SIDES
+    half.fan(mouth, centre, dark_uv, FIGHTER_DARK, half.new_group())
+
+
+def wing_section(x, y, lead, trail, thick):
+    """Four corners of a wing's cut, seen from its tip: nose, top, tail, bottom."""
+    middle = lead + (trail - lead) * 0.42
+    return [(x, y, lead), (x, y + thick, middle), (x, y, trail), (x, y - thick, middle)]
+
+
+def skin_wing(half, sections, coords):
+    """Joins wing cuts, root first, and closes both ends."""
+    for inner, outer in zip(sections, sections[1:]):
+        for j in range(4):
+            k = (j + 1) % 4
+            half.face([inner[j], outer[j], outer[k]], coords)
+            half.face([inner[j], outer[k], inner[k]], coords)
+    half.face(sections[0], coords)
+    half.face(sections[-1][::-1], coords)
+
+
+def wing(half):
+    skin_wing(half, [wing_section(12.6, 0.9, 11.0, -21.0, 1.5),
+                     wing_section(18.0, 0.0, 0.0, -21.5, 1.1),
+                     wing_section(28.5, -2.2, -10.5, -23.0, 0.55)],
+              hull_map(v_centre=FIGHTER_WINGS, shift=0.17))
+    # the strake from the nose to the engine
+    skin_wing(half, [wing_section(3.4, -0.2, 27.0, -4.0, 0.9),
+                     wing_section(8.0, 0.3, 9.0, -4.0, 0.7)],
+              hull_map(v_centre=0.45, shift=0.55))
+
+
+def fin(half):
+    """A tail fin that leans outwards."""
+    low = np.array([(11.6, 3.4, -3.0), (10.6, 3.4, -3.0), (10.8, 3.2, -20.0), (11.4, 3.2, -20.0)])
+    top = np.array([(15.2, 13.2, -16.5), (14.9, 13.2, -16.5), (14.9, 12.2, -25.0),
+                    (15.2, 12.2, -25.0)])
+    half.hexahedron(top[::-1], low[::-1], hull_map(v_centre=0.5, shift=0.3), skip=("far",))
+
+
+def cannon(half):
+    """A gun at the wing tip."""
+    def ring(z, radius):
+        return mesh.ring_points(6, radius, z, (28.6, -2.2))
+    body = [ring(-24.0, 1.1), ring(-9.0, 1.5), ring(-5.0, 0.7)]
+    half.loft(body, mesh.arc_coords(body, FIGHTER_UNITS, 0.45, 0.2))
+    half.face(body[0][::-1], mesh.constant(*FIGHTER_BRIGHT))
+    half.face(body[-1], mesh.constant(*FIGHTER_DARK))
+    barrel = [ring(z, r)[::2] for z, r in ((-5.0, 0.55), (8.0, 0.45))]
+    half.loft(barrel, lambda i, j: FIGHTER_VENT[:2])
+    half.face(barrel[1], mesh.constant(*FIGHTER_BRIGHT))
+
+
+def spine(shape):
+    """A dark ridge behind the canopy and the grille between the engines."""
+    shape.box((-1.1, 4.0, -20.0), (1.1, 6.0, -5.0), hull_map(0.6, 0.75), skip=("far",),
+              taper=(0.6, 0.75))
+    grille = [(3.4, -1.6, -23.2), (-3.4, -1.6, -23.2), (-3.0, 2.6, -23.2), (3.0, 2.6, -23.2)]
+    corners = cell_map(FIGHTER_VENT, grille)
+    shape.face([p for p, _ in corners], [c for _, c in corners])
+
+
+def build():
+    shape = mesh.Mesh()
+    fuselage(shape)
+    canopy(shape)
+    spine(shape)
+    half = mesh.Mesh()
+    nacelle(half)
+    wing(half)
+    fin(half)
+    cannon(half)
+    shape.add_both_sides(half)
+    return shape
+
+
+def make(path):
+    return mesh.write_obj(path, "fighter", build(), (0, 0, 0), SCALE * RELIEF)

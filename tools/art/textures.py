@@ -1,0 +1,125 @@
+"""The two hull textures. Both are light gray, for the client multiplies a team colour in.
+
+The atlas rectangles at the top are what the models' texture maps refer to; coordinates
+are (u, v) with v upwards, as in OBJ files.
+"""
+
+import numpy as np
+from PIL import Image
+
+import panels
+
+# texture-white.png: plating above, four square cells below
+FIGHTER_UNITS = 64.0         # model units that the whole texture covers
+FIGHTER_HULL = (0.25, 1.0)   # v range of the plating; it tiles in u
+FIGHTER_WINGS = 0.06         # v of the wings' x = 0; they span x = 12 to 28
+FIGHTER_GLASS = (0.01, 0.01, 0.24, 0.24)
+FIGHTER_GLOW = ((0.375, 0.125), 0.118)     # centre and radius
+FIGHTER_VENT = (0.51, 0.01, 0.74, 0.24)
+FIGHTER_BRIGHT = (0.80, 0.19)
+FIGHTER_DARK = (0.93, 0.06)
+
+# carrier-texture-white.png: plating, windows, machinery, then cells
+CARRIER_UNITS = 128.0
+CARRIER_HULL = (0.50, 1.0)
+CARRIER_WINDOWS = (0.375, 0.50)
+CARRIER_TRENCH = (0.25, 0.375)
+CARRIER_DECK = (0.0, 0.005, 0.5, 0.245)    # 64 units of the flight deck, seamless in u
+CARRIER_GLOW = ((0.625, 0.125), 0.118)
+CARRIER_BAY = (0.755, 0.13, 0.995, 0.245)
+CARRIER_BRIGHT = (0.80, 0.09)
+CARRIER_DARK = (0.95, 0.03)
+
+
+def save_gray_as_rgb(path, canvas):
+    """RGB on purpose: the client refuses palette and gray images."""
+    level = np.clip(np.rint(canvas * 255.0), 0, 255).astype(np.uint8)
+    Image.fromarray(np.repeat(level[:, :, None], 3, axis=2), "RGB").save(path, optimize=True)
+
+
+def stripes(area, period, dark):
+    """Diagonal warning stripes."""
+    y, x = np.mgrid[0:area.shape[0], 0:area.shape[1]]
+    area[(x + y) % period < period // 2] *= dark
+
+
+def wing_band(hull):
+    """The squadron's dark band across each wing, between two thin bright lines."""
+    def row(x):
+        return int(512 * (1.0 - FIGHTER_WINGS - x / FIGHTER_UNITS))
+    hull[row(25.6):row(22.4), :] *= 0.36
+    hull[row(26.2):row(25.9), :] = 1.0
+    hull[row(22.0):row(21.7), :] = 1.0
+
+
+def fighter_texture(path):
+    rng = np.random.default_rng(21042)
+    canvas = np.ones((512, 512))
+    hull = canvas[:384]
+    panels.Plating(rng, hull, tone=0.84, spread=0.105, smallest=15).cut(0, 0, 512, 384)
+    panels.scratches(rng, hull, 260)
+    panels.wear(rng, hull, 0.035)
+    stripes(hull[40:52, 330:420], 12, 0.45)
+    stripes(hull[250:262, 60:150], 12, 0.45)
+
+    wing_band(hull)
+
+    canvas[384:, :128] = panels.glass(rng, 128, 128)
+    canvas[384:, 128:256] = panels.glow(128, hot=0.80)
+    vent = canvas[384:, 256:384]
+    vent[:] = 0.30
+    vent[:, ::8] = 0.10
+    vent[:, 1::8] = 0.16
+    vent[::32, :] = 0.5
+    canvas[384:448, 384:] = 1.0
+    canvas[448:, 384:] = 0.16
+    save_gray_as_rgb(path, canvas)
+
+
+def deck_cell(rng, canvas):
+    """A stretch of flight deck: plating, side lines, centre dashes, lamps."""
+    height, width = canvas.shape
+    panels.Plating(rng, canvas, tone=0.40, spread=0.035, smallest=22).cut(0, 0, width, height)
+    panels.wear(rng, canvas, 0.05)
+    middle = height // 2
+    for y in (int(height * 0.10), int(height * 0.88)):
+        canvas[y:y + 5, :] = 0.95
+    stripes(canvas[:int(height * 0.08), :], 32, 0.5)
+    stripes(canvas[int(height * 0.93):, :], 32, 0.5)
+    for x in range(0, width, 128):
+        canvas[middle - 4:middle + 4, x + 24:x + 88] = 0.98
+        for y in (int(height * 0.17), int(height * 0.82)):
+            canvas[y - 5:y + 6, x + 58:x + 69] *= 0.6
+            canvas[y - 3:y + 4, x + 60:x + 67] = 1.0
+
+
+def bay_cell(rng, canvas):
+    """The back wall of a hangar: dark, with lit galleries and a bright lower door."""
+    height, width = canvas.shape
+    canvas[:] = 0.20
+    panels.windows(rng, canvas, 14, lit=0.95, dark=0.1)
+    canvas[int(height * 0.55):, width // 4:3 * width // 4] = 0.75
+    canvas[int(height * 0.55):, width // 4:3 * width // 4:12] = 0.25
+
+
+def carrier_texture(path):
+    rng = np.random.default_rng(42)
+    canvas = np.ones((1024, 1024))
+    hull = canvas[:512]
+    panels.Plating(rng, hull, tone=0.82, spread=0.10, smallest=16).cut(0, 0, 1024, 512)
+    panels.scratches(rng, hull, 700)
+    panels.wear(rng, hull, 0.05)
+    for y in (96, 230, 410):
+        panels.windows(rng, hull[y:y + 14], 14, lit=1.0, dark=0.25)
+
+    decks = canvas[512:640]
+    panels.Plating(rng, decks, tone=0.68, spread=0.05, smallest=26).cut(0, 0, 1024, 128)
+    panels.windows(rng, decks, 16, lit=1.0, dark=0.22)
+    panels.machinery(rng, canvas[640:768])
+
+    deck_cell(rng, canvas[768:, :512])
+    canvas[768:, 512:768] = panels.glow(256, hot=0.84)
+    bay_cell(rng, canvas[768:896, 768:])
+    canvas[896:960, 768:] = 1.0
+    canvas[960:, 768:] = 0.13
+    save_gray_as_rgb(path, canvas)
