@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <random>
+
+namespace practice {
+
+/// The only source of chance in a match.
+///
+/// The engine's sequence is fixed by the language standard, the library's distributions are not;
+/// the mapping to floats is therefore our own and a seed means the same match everywhere.
+class Random
+{
+public:
+    explicit Random(std::uint32_t seed) : engine(seed) {}
+
+    /// Uniform in [0, 1).
+    float unit() { return static_cast<float>(engine() >> 8U) * (1.0F / 16777216.0F); }
+
+    /// Uniform in [low, high).
+    float between(float low, float high) { return low + (high - low) * unit(); }
+
+private:
+    std::mt19937 engine;
+};
+
+}  // namespace practice
