@@ -1,5 +1,9 @@
 #include "Common/DebugPrint.h"
 
+#include <poll.h>
+
+#include <algorithm>
+#include <climits>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
@@ -7,10 +11,34 @@
 
 namespace {
 
+constexpr int patience = 1000;  // milliseconds
+
 bool endsLine(const char* format)
 {
     const std::size_t length = std::strlen(format);
     return length > 0 && format[length - 1] == '\n';
+}
+
+// Whether standard output takes PIPE_BUF more bytes at once. Called with its lock held.
+bool someoneReads()
+{
+    static bool stuck = false;
+    pollfd output = {fileno(stdout), POLLOUT, 0};
+    stuck = output.fd >= 0 && poll(&output, 1, stuck ? 0 : patience) == 0;
+    return !stuck;
+}
+
+void write(const char* text, std::size_t length)
+{
+    flockfile(stdout);
+    while (length > 0 && someoneReads()) {
+        const std::size_t piece = std::min<std::size_t>(length, PIPE_BUF);
+        std::fwrite(text, 1, piece, stdout);
+        std::fflush(stdout);
+        text += piece;
+        length -= piece;
+    }
+    funlockfile(stdout);
 }
 
 }  // namespace
@@ -26,8 +54,7 @@ void DebugPrint(const char* format, ...)
         return;
     }
     if (static_cast<std::size_t>(length) >= sizeof text && endsLine(format)) {
-        text[sizeof text - 2] = '\n';  // a cut line still ends
+        text[sizeof text - 2] = '\n';
     }
-    std::fputs(text, stdout);
-    std::fflush(stdout);
+    write(text, std::min(static_cast<std::size_t>(length), sizeof text - 1));
 }

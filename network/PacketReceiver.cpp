@@ -16,7 +16,6 @@
 
 #include <boost/asio/error.hpp>
 #include <boost/date_time/posix_time/posix_time_types.hpp>
-#include <boost/thread/thread.hpp>
 
 #include <cstdlib>
 #include <string>
@@ -98,24 +97,9 @@ void leaveExplosion(Vector3 position)
     factory->ship(explosion);
 }
 
-// The main thread may be anywhere: drawing, waiting, or holding standard output because nobody reads it. So
-// no destructor and no exit handler runs, and should our own message get stuck behind that, the process ends
-// all the same a second later.
-void endProcessInASecond()
-{
-    try {
-        boost::thread([] {
-            boost::this_thread::sleep(boost::posix_time::seconds(1));
-            std::_Exit(EXIT_FAILURE);
-        }).detach();
-    } catch (const boost::thread_resource_error&) {
-        DebugPrint("Error no thread left to end the process with\n");
-    }
-}
-
+// The main thread may be anywhere, drawing or on its way out: so no destructor and no exit handler runs.
 [[noreturn]] void endProcessFromNetworkThread(unsigned int seconds, const std::string& reason)
 {
-    endProcessInASecond();
     DebugPrint("No UDP packet received in %u - exiting with error %s\n", seconds, reason.c_str());
     std::_Exit(EXIT_FAILURE);
 }
