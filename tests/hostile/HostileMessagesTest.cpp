@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <limits>
 #include <random>
 #include <vector>
@@ -24,12 +25,16 @@ constexpr float largest = std::numeric_limits<float>::max();
 constexpr std::uint64_t lastId = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t beyondSigned = 0x8000000000000000U;
 
-/// Swallows what the client says about it all.
+/// Swallows what the client says about it all, unless a test fails.
 class Hostile : public testing::Test
 {
 protected:
     Hostile() { testing::internal::CaptureStdout(); }
-    ~Hostile() override { testing::internal::GetCapturedStdout(); }
+    ~Hostile() override
+    {
+        const std::string said = testing::internal::GetCapturedStdout();
+        std::fputs(HasFailure() ? said.c_str() : "", stdout);
+    }
 
     void play(const Script& script, const char* name)
     {

@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <unistd.h>
+#include <memory>
 
 namespace {
 

@@ -301,7 +301,7 @@ TEST_F(ServerMessages, OnlyDatagramsPushTheWatchdogForward)
 
     peer.sendTo(*receiver.getUDPSocket(), "?");
     testing::internal::CaptureStdout();
-    ASSERT_TRUE(loopback::runUntil(service, [&] { return receiver.watchdog.expires_at() != early; }));
+    loopback::runUntil(service, [&] { return receiver.watchdog.expires_at() != early; });
     testing::internal::GetCapturedStdout();
     EXPECT_GT(receiver.watchdog.expires_from_now(), boost::posix_time::seconds(990)) << "even a useless one";
 
