@@ -28,9 +28,9 @@ void VT_InputHandler::handleEvents()
             if (symbol < keyStates.size()) {
                 keyStates[symbol] = event.type == SDL_KEYDOWN;
             }
-            // By index: a subscriber may subscribe another one.
-            for (std::size_t i = 0; i < keyboardSubscribers.size(); ++i) {
-                keyboardSubscribers[i]->keyboardEvent(event);
+            const std::vector<VTObject*> subscribers = keyboardSubscribers;  // one may subscribe another
+            for (VTObject* subscriber : subscribers) {
+                subscriber->keyboardEvent(event);
             }
         }
     }

@@ -17,14 +17,19 @@ void appendFrame(std::string& out, MessageTypes::MessageType type, const google:
     message.AppendToString(&out);
 }
 
+unsigned short frameLength(const char* data)
+{
+    const auto low = static_cast<unsigned char>(data[0]);
+    const auto high = static_cast<unsigned char>(data[1]);
+    return static_cast<unsigned short>(low + 256U * high);
+}
+
 unsigned short wholeFrameLength(const char* data, std::size_t size)
 {
     if (size < lengthSize) {
         return 0;
     }
-    const auto low = static_cast<unsigned char>(data[0]);
-    const auto high = static_cast<unsigned char>(data[1]);
-    const auto length = static_cast<unsigned short>(low + 256U * high);
+    const unsigned short length = frameLength(data);
     return length > size - lengthSize ? static_cast<unsigned short>(0) : length;
 }
 

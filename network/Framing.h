@@ -28,6 +28,9 @@ void appendUint16(std::string& out, unsigned short value);
 /// dozen.
 void appendFrame(std::string& out, MessageTypes::MessageType type, const google::protobuf::Message& message);
 
+/// L of the frame that `data`, of at least lengthSize bytes, starts with.
+unsigned short frameLength(const char* data);
+
 /// L where `data` starts with a whole frame, else 0. A frame of length 0 thus never counts as whole.
 unsigned short wholeFrameLength(const char* data, std::size_t size);
 

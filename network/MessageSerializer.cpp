@@ -7,6 +7,7 @@
 
 #include <boost/make_shared.hpp>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -78,6 +79,24 @@ std::size_t cutFrames(const char* data, std::size_t size, EventList& events)
     return used;
 }
 
+// Appends to `tail` what the frame that it starts with still lacks, as far as `data` reaches; returns how
+// many bytes that took.
+std::size_t completeFrame(std::string& tail, const char* data, std::size_t size)
+{
+    std::size_t used = 0;
+    const auto fillTo = [&](std::size_t length) {
+        const std::size_t lacking = length - std::min(length, tail.size());
+        const std::size_t taken = std::min(lacking, size - used);
+        tail.append(data + used, taken);
+        used += taken;
+    };
+    fillTo(framing::lengthSize);
+    if (tail.size() >= framing::lengthSize) {
+        fillTo(framing::lengthSize + framing::frameLength(tail.data()));
+    }
+    return used;
+}
+
 }  // namespace
 
 std::string MessageSerializer::getSerializedMsg(MessageTypes::MessageType type,
@@ -122,14 +141,20 @@ EventList MessageSerializer::deserializeMessageArray(const char* data, std::size
                                                      std::string* leftover)
 {
     EventList events;
-    if (leftover->empty()) {
-        // The common case: the run starts with a frame, so it is cut where it lies.
-        const std::size_t used = cutFrames(data, size, events);
-        leftover->append(data + used, size - used);
-    } else {
-        leftover->append(data, size);
-        leftover->erase(0, cutFrames(leftover->data(), leftover->size(), events));
+    std::size_t used = 0;
+    // First the frame that the previous run broke off in; then the rest is cut where it lies.
+    while (!leftover->empty()) {
+        used += completeFrame(*leftover, data + used, size - used);
+        const std::size_t cut = cutFrames(leftover->data(), leftover->size(), events);
+        if (cut == 0) {
+            break;
+        }
+        leftover->erase(0, cut);
     }
+    if (leftover->empty()) {
+        used += cutFrames(data + used, size - used, events);
+    }
+    leftover->append(data + used, size - used);
     return events;
 }
 

@@ -44,9 +44,8 @@ public:
     /// Cuts *leftover followed by `data` into events, in order; the incomplete tail becomes the new
     /// *leftover.
     ///
-    /// Costs one pass over the bytes, whatever the number of frames, and no copy of a body; a run that
-    /// completes a kept tail is appended to it once. A length field of
-    /// 0 is never passed: that stream yields nothing more.
+    /// Costs one pass over the bytes, whatever the number of frames, and copies no body but one that two runs
+    /// share. A length field of 0 is never passed: that stream yields nothing more.
     static std::list<boost::shared_ptr<NetworkEvent>> deserializeMessageArray(const char* data,
                                                                               std::size_t size,
                                                                               std::string* leftover);
