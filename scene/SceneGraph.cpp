@@ -25,14 +25,18 @@ Transform* lookUp(const Table& table, const Key& key)
 class PendingAddresses
 {
 public:
-    explicit PendingAddresses(const std::vector<Transform*>& pending)
+    /// Lives in `storage`, which is kept from walk to walk: freeing a block of this size makes the allocator
+    /// tidy up all the small ones that the walk has just freed.
+    template <class Iterator>
+    PendingAddresses(Iterator begin, Iterator end, std::vector<const void*>& storage) : slots(storage)
     {
-        while ((std::size_t{1} << bits) < 2 * pending.size()) {
+        const auto count = static_cast<std::size_t>(std::distance(begin, end));
+        while ((std::size_t{1} << bits) < 2 * count) {
             ++bits;
         }
-        slots.resize(std::size_t{1} << bits);
-        for (const Transform* t : pending) {
-            slots[slotOf(t)] = t;
+        slots.assign(std::size_t{1} << bits, nullptr);
+        for (; begin != end; ++begin) {
+            slots[slotOf(*begin)] = *begin;
         }
     }
 
@@ -58,22 +62,23 @@ private:
     }
 
     unsigned int bits = 1;
-    std::vector<const void*> slots;
+    std::vector<const void*>& slots;
 };
 
 // Unlinks each object of `gone` once. Compares addresses and never looks behind them: a list may hold objects
 // that died elsewhere. Objects mostly go in the order they came, so a walk with a cursor finds them; what is
 // out of order is left to a second walk.
-void unlink(std::list<Transform*>& from, const std::vector<Transform*>& gone)
+template <class Objects>
+void unlink(std::list<Transform*>& from, const Objects& gone, std::vector<const void*>& storage)
 {
     auto next = gone.begin();
     from.remove_if([&](const Transform* t) {
         const bool found = next != gone.end() && t == *next;
-        next += found ? 1 : 0;
+        std::advance(next, found ? 1 : 0);
         return found;
     });
     if (next != gone.end()) {
-        PendingAddresses pending({next, gone.end()});
+        PendingAddresses pending(next, gone.end(), storage);
         from.remove_if([&](const Transform* t) { return pending.take(t); });
     }
 }
@@ -161,7 +166,7 @@ void SceneGraph::applyRemoveList()
         return;
     }
     for (const RemoveRequest& request : removeRequests) {
-        unlink(*request.from, {request.objects.begin(), request.objects.end()});
+        unlink(*request.from, request.objects, walkStorage);
     }
     unlinkFromTypeLists();
     for (Transform* t : removeList) {
@@ -177,13 +182,13 @@ void SceneGraph::applyRemoveList()
 void SceneGraph::unlinkFromTypeLists()
 {
     for (auto& [objectType, objects] : typeLists) {
-        std::vector<Transform*> gone;
+        gone.clear();
         if (objectType != SGT_NONE) {
             std::copy_if(removeList.begin(), removeList.end(), std::back_inserter(gone),
                          [wanted = objectType](const Transform* t) { return t->type == wanted; });
         }
         if (!gone.empty()) {
-            unlink(objects, gone);
+            unlink(objects, gone, walkStorage);
         }
     }
 }

@@ -3,10 +3,10 @@
 #include "scene/SceneGraphType.h"
 #include "scene/Transform.h"
 
-#include <boost/unordered_map.hpp>
-
 #include <list>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 /// The root of the scene and the registry of everything in it: a list per type, three look-up tables, and the
 /// list of what is to be removed.
@@ -44,7 +44,8 @@ public:
     /// Queues `t` for removal from `from`, a list that outlives the next applyRemoveList. Searches the lists
     /// named so far: usually one, since everything hangs off the root.
     void addToRemoveList(std::list<Transform*>* from, Transform* t);
-    /// Unlinks and deletes what is queued. One pass over each list that loses objects, however many they are.
+    /// Unlinks and deletes what is queued, in at most two walks over each list that loses objects, however
+    /// many.
     void applyRemoveList();
 
     struct RemoveRequest
@@ -56,11 +57,15 @@ public:
     std::list<RemoveRequest> removeRequests;
     std::list<Transform*> removeList;
     std::list<std::pair<SceneGraphType, std::list<Transform*>>> typeLists;
-    boost::unordered_map<void*, Transform*> tcpTable;
-    boost::unordered_map<long long, Transform*> udpTable;
-    boost::unordered_map<long long, Transform*> idTable;
+    std::unordered_map<void*, Transform*> tcpTable;
+    std::unordered_map<long long, Transform*> udpTable;
+    std::unordered_map<long long, Transform*> idTable;
 
 private:
     void unlinkFromTypeLists();
     void forget(Transform* t);
+
+    // Kept between calls for their memory alone.
+    std::vector<const void*> walkStorage;
+    std::vector<Transform*> gone;
 };

@@ -1,0 +1,149 @@
+// Loading a model and a texture, against the importer and the decoder with the same OpenGL work.
+#include "engine/ModelLoader.h"
+#include "engine/TextureLoader.h"
+
+#include <SDL_image.h>
+#include <SDL_opengl.h>
+#include <assimp/postprocess.h>
+#include <assimp/scene.h>
+#include <benchmark/benchmark.h>
+#include <assimp/Importer.hpp>
+
+#include <memory>
+
+namespace {
+
+const std::string modelPath = std::string(VANTOR_RESOURCES) + "fighter.obj";
+const std::string texturePath = std::string(VANTOR_RESOURCES) + "texture-white.png";
+
+constexpr unsigned int importFlags = aiProcess_CalcTangentSpace | aiProcess_JoinIdenticalVertices |
+                                     aiProcess_Triangulate | aiProcess_SortByPType;
+
+void emitTriangle(const aiMesh& mesh, const aiFace& face)
+{
+    glBegin(GL_TRIANGLES);
+    for (unsigned int k = 0; k < face.mNumIndices; ++k) {
+        const unsigned int i = face.mIndices[k];
+        if (mesh.HasNormals()) {
+            glNormal3f(mesh.mNormals[i].x, mesh.mNormals[i].y, mesh.mNormals[i].z);
+        }
+        if (mesh.HasTextureCoords(0)) {
+            const aiVector3D& at = mesh.mTextureCoords[0][i];
+            glTexCoord2d(static_cast<double>(at.x), 1.0 - static_cast<double>(at.y));
+        }
+        glVertex3f(mesh.mVertices[i].x, mesh.mVertices[i].y, mesh.mVertices[i].z);
+    }
+    glEnd();
+}
+
+unsigned int compile(const aiScene& scene)
+{
+    const unsigned int list = glGenLists(1);
+    glNewList(list, GL_COMPILE);
+    for (unsigned int m = 0; m < scene.mNumMeshes; ++m) {
+        for (unsigned int f = 0; f < scene.mMeshes[m]->mNumFaces; ++f) {
+            emitTriangle(*scene.mMeshes[m], scene.mMeshes[m]->mFaces[f]);
+        }
+    }
+    glEndList();
+    return list;
+}
+
+unsigned int upload(const SDL_Surface& surface)
+{
+    unsigned int texture = 0;
+    glGenTextures(1, &texture);
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    const GLenum format = surface.format->BytesPerPixel == 3 ? GL_RGB : GL_RGBA;
+    gluBuild2DMipmaps(GL_TEXTURE_2D, surface.format->BytesPerPixel, surface.w, surface.h, format,
+                      GL_UNSIGNED_BYTE, surface.pixels);
+    return texture;
+}
+
+using Surface = std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)>;
+
+Surface decode()
+{
+    return {IMG_Load(texturePath.c_str()), SDL_FreeSurface};
+}
+
+// load() returns the name of a new list or texture, or 0; drop(name) deletes it.
+template <class Load, class Drop>
+void measure(benchmark::State& state, Load load, Drop drop)
+{
+    while (state.KeepRunning()) {
+        const unsigned int name = load();
+        if (name == 0) {
+            state.SkipWithError("nothing to load");
+            break;
+        }
+        drop(name);
+        glFinish();
+    }
+}
+
+void dropList(unsigned int list)
+{
+    glDeleteLists(list, 1);
+}
+void dropTexture(unsigned int texture)
+{
+    glDeleteTextures(1, &texture);
+}
+
+unsigned int importAndCompile()
+{
+    Assimp::Importer importer;
+    const aiScene* scene = importer.ReadFile(modelPath, importFlags);
+    return scene == nullptr ? 0 : compile(*scene);
+}
+
+unsigned int decodeAndUpload()
+{
+    const Surface surface = decode();
+    return surface ? upload(*surface) : 0;
+}
+
+void modelOurs(benchmark::State& state)
+{
+    measure(
+        state, [] { return loadModelFile(modelPath); }, dropList);
+}
+void modelImporter(benchmark::State& state)
+{
+    measure(state, importAndCompile, dropList);
+}
+void modelGL(benchmark::State& state)
+{
+    Assimp::Importer importer;
+    const aiScene* scene = importer.ReadFile(modelPath, importFlags);
+    measure(
+        state, [scene] { return scene == nullptr ? 0 : compile(*scene); }, dropList);
+}
+
+void textureOurs(benchmark::State& state)
+{
+    measure(
+        state, [] { return loadTextureFile(texturePath); }, dropTexture);
+}
+void textureDecoder(benchmark::State& state)
+{
+    measure(state, decodeAndUpload, dropTexture);
+}
+void textureGL(benchmark::State& state)
+{
+    const Surface surface = decode();
+    measure(
+        state, [&surface] { return surface ? upload(*surface) : 0; }, dropTexture);
+}
+
+BENCHMARK(modelOurs)->Name("loading/model/ours")->UseRealTime();
+BENCHMARK(modelImporter)->Name("loading/model/importer")->UseRealTime();
+BENCHMARK(modelGL)->Name("loading/model/gl")->UseRealTime();
+BENCHMARK(textureOurs)->Name("loading/texture/ours")->UseRealTime();
+BENCHMARK(textureDecoder)->Name("loading/texture/decoder")->UseRealTime();
+BENCHMARK(textureGL)->Name("loading/texture/gl")->UseRealTime();
+
+}  // namespace
