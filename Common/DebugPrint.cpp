@@ -19,12 +19,14 @@ bool endsLine(const char* format)
     return length > 0 && format[length - 1] == '\n';
 }
 
-// Whether standard output takes PIPE_BUF more bytes at once. Called with its lock held.
+// Whether standard output takes more: of a pipe, PIPE_BUF bytes without blocking. A signal that breaks the
+// wait off counts as a no, since blocking with the lock held would stop every thread that prints. Called with
+// the lock held.
 bool someoneReads()
 {
     static bool stuck = false;
     pollfd output = {fileno(stdout), POLLOUT, 0};
-    stuck = output.fd >= 0 && poll(&output, 1, stuck ? 0 : patience) == 0;
+    stuck = output.fd >= 0 && poll(&output, 1, stuck ? 0 : patience) <= 0;
     return !stuck;
 }
 

@@ -44,6 +44,7 @@ int serve(const practice::ServerOptions& options)
 
 int main(int argc, char** argv)
 {
+    std::signal(SIGPIPE, SIG_IGN);  // nor may a reader that is gone end the match
     try {
         const auto parsed = practice::readServerOptions(argc, argv);
         if (const auto* end = std::get_if<practice::OptionsEnd>(&parsed)) {

@@ -14,9 +14,12 @@
 #include "scene/SceneGraph.h"
 #include "scene/SceneObjectFactory.h"
 
+#include <unistd.h>
+
 #include <boost/asio/error.hpp>
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
+#include <csignal>
 #include <cstdlib>
 #include <string>
 
@@ -97,9 +100,13 @@ void leaveExplosion(Vector3 position)
     factory->ship(explosion);
 }
 
-// The main thread may be anywhere, drawing or on its way out: so no destructor and no exit handler runs.
+// The main thread may be anywhere: drawing, on its way out, or holding standard output while its terminal is
+// stopped. So no destructor and no exit handler runs, and should our last words get stuck, the alarm ends the
+// process instead.
 [[noreturn]] void endProcessFromNetworkThread(unsigned int seconds, const std::string& reason)
 {
+    std::signal(SIGALRM, [](int) { _exit(EXIT_FAILURE); });
+    alarm(2);
     DebugPrint("No UDP packet received in %u - exiting with error %s\n", seconds, reason.c_str());
     std::_Exit(EXIT_FAILURE);
 }

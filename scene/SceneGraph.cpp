@@ -65,22 +65,13 @@ private:
     std::vector<const void*>& slots;
 };
 
-// Unlinks each object of `gone` once. Compares addresses and never looks behind them: a list may hold objects
-// that died elsewhere. Objects mostly go in the order they came, so a walk with a cursor finds them; what is
-// out of order is left to a second walk.
+// Unlinks each object of `gone` once, at its first place. Compares addresses and never looks behind them: a
+// list may hold objects that died elsewhere.
 template <class Objects>
 void unlink(std::list<Transform*>& from, const Objects& gone, std::vector<const void*>& storage)
 {
-    auto next = gone.begin();
-    from.remove_if([&](const Transform* t) {
-        const bool found = next != gone.end() && t == *next;
-        std::advance(next, found ? 1 : 0);
-        return found;
-    });
-    if (next != gone.end()) {
-        PendingAddresses pending(next, gone.end(), storage);
-        from.remove_if([&](const Transform* t) { return pending.take(t); });
-    }
+    PendingAddresses pending(gone.begin(), gone.end(), storage);
+    from.remove_if([&](const Transform* t) { return pending.take(t); });
 }
 
 }  // namespace
