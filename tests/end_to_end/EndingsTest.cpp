@@ -3,126 +3,105 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <string>
-#include <vector>
+#include <functional>
+
+using namespace std::chrono_literals;
+using support::Clock;
+using support::Process;
+using support::ScriptedServer;
 
 namespace {
 
-using namespace std::chrono_literals;
-using support::ClientProcess;
-using support::Clock;
-using support::ScriptedServer;
-
-// A port that was free a moment ago.
-std::string closedPort()
+// A person's click needs a window manager, and that needs a moment to take charge of the window.
+void closeWindow(GameSession& game)
 {
-    return ScriptedServer().port();
+    const std::string display = "DISPLAY=" + game.display.name();
+    const Process windowManager({"env", display, "openbox"});
+    support::eventually([&] {
+        Process({"env", display, "wmctrl", "-x", "-c", "vantor"}).end();
+        return game.client->end(500ms) != "still running";
+    });
+}
+
+std::string endOf(Process& client, const std::string& lastWords)
+{
+    const std::string end = client.end();
+    EXPECT_TRUE(client.hasPrinted(lastWords)) << client.output();
+    return end;
 }
 
 }  // namespace
 
-TEST(Endings, EscapeEndsWithStatusZero)
+TEST(Endings, InPeaceHaveStatusZero)
 {
-    GameSession game;
-    EXPECT_EQ(game.leave(), "status 0");
-}
-
-TEST(Endings, AClosedWindowEndsWithStatusZero)
-{
-    GameSession::Options options;
-    options.windowManager = true;
-    GameSession game(options);
-    game.join(lonelyShip());
-    game.display.closeWindow("vantor");
-    EXPECT_EQ(game.client->end(), "status 0");
-}
-
-TEST(Endings, SigtermEndsLikeAClosedWindow)
-{
-    GameSession game;
-    game.client->signal(SIGTERM);
-    EXPECT_EQ(game.client->end(), "status 0");
-}
-
-TEST(Endings, AServerThatClosesTheConnectionEndsTheClientWithStatusZero)
-{
-    GameSession game;
-    game.join(lonelyShip());
-    game.server.closeTcp();
-    EXPECT_EQ(game.client->end(), "status 0");
-    EXPECT_TRUE(
-        game.client->hasPrinted("TCP connection CLOSED err:End of file\nConnection closed - exiting\n"));
+    const struct
+    {
+        const char* what;
+        std::function<void(GameSession&)> happens;
+        const char* lastWords;
+    } cases[] = {
+        {"Escape", [](GameSession& game) { game.leave(); }, ""},
+        {"the window is closed", closeWindow, ""},
+        {"SIGTERM", [](GameSession& game) { game.client->signal(SIGTERM); }, ""},
+        {"the server closes the connection", [](GameSession& game) { game.server.closeTcp(); },
+         "TCP connection CLOSED err:End of file\nConnection closed - exiting\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        GameSession game;
+        game.join(lonelyShip());
+        c.happens(game);
+        EXPECT_EQ(endOf(*game.client, c.lastWords), "status 0");
+    }
 }
 
 TEST(Endings, UdpSilenceEndsTheClientWithStatusOneOnlyAfterTheTimeout)
 {
-    GameSession::Options options;
-    options.arguments = {"--udp-timeout", "2"};
-    GameSession game(options);
+    GameSession game({"--udp-timeout", "2"});
     game.join(lonelyShip());
     EXPECT_EQ(game.client->end(4s), "still running") << "the heartbeat keeps it alive";
     game.server.stopHeartbeat();
     const Clock::time_point silent = Clock::now();
-    EXPECT_EQ(game.client->end(), "status 1");
+    EXPECT_EQ(endOf(*game.client, "No UDP packet received in 2 - exiting with error Success\n"), "status 1");
     EXPECT_GT(Clock::now() - silent, 1700ms);  // the last beat may lie 100 ms back
     EXPECT_LT(Clock::now() - silent, 5s);
-    EXPECT_TRUE(game.client->hasPrinted("No UDP packet received in 2 - exiting with error Success\n"));
 }
 
 TEST(Endings, WithoutAConnectionTheClientEndsWithStatusOneAndSaysWhere)
 {
-    struct Case
-    {
-        std::string host, port;
-    };
+    const std::string closedPort = ScriptedServer().port();  // free a moment ago
     // A label of more than 63 characters is no name: the resolver asks nobody.
-    for (const Case& c : {Case{"127.0.0.1", closedPort()}, Case{std::string(70, 'x'), "21042"},
-                          Case{"127.0.0.1", "no-such-service"}}) {
-        SCOPED_TRACE(c.host + ":" + c.port);
-        ClientProcess client({{"--host", c.host, "--port", c.port}, "", -1, {}});
-        EXPECT_EQ(client.end(), "status 1");
-        EXPECT_TRUE(client.hasPrinted("Could not connect to " + c.host + ":" + c.port + "\nException: "))
-            << client.output();
+    const std::pair<std::string, std::string> cases[] = {
+        {"127.0.0.1", closedPort}, {std::string(70, 'x'), "21042"}, {"127.0.0.1", "no-such-service"}};
+    for (const auto& [host, port] : cases) {
+        Process client(support::clientCommand("", {"--host", host, "--port", port}));
+        EXPECT_EQ(endOf(client, "Could not connect to " + host + ":" + port + "\nException: "), "status 1");
     }
 }
 
 TEST(Endings, HelpListsTheOptionsInOrderConnectsToNobodyAndEndsWithStatusOne)
 {
-    ScriptedServer server;
-    ClientProcess client({{"--host", "127.0.0.1", "--port", server.port(), "--help"}, "", -1, {}});
+    const ScriptedServer server;
+    Process client(support::clientCommand("", {"--host", "127.0.0.1", "--port", server.port(), "--help"}));
     EXPECT_EQ(client.end(), "status 1");
-    EXPECT_FALSE(server.wasConnected());
+    EXPECT_FALSE(server.isConnected());
     const std::string text = client.output();
     std::size_t at = 0;
-    for (const char* part : {"Allowed options:", "--help", "produce help message", "--host",
-                             "set game server host", "--port", "(=21042)", "set game server port",
-                             "--udp-timeout", "(=10)", "exit if no packets received", "\n\n"}) {
-        const std::size_t found = text.find(part, at);
-        ASSERT_NE(found, std::string::npos) << part << " is missing or out of order in\n" << text;
-        at = found;
+    for (const char* part :
+         {"Allowed options:", "--help", "produce help message", "--host", "set game server host", "--port",
+          "(=21042)", "set game server port", "--udp-timeout", "(=10)", "exit if no packets received"}) {
+        at = text.find(part, at);
+        ASSERT_NE(at, std::string::npos) << part << " is missing or out of order in\n" << text;
     }
 }
 
 TEST(Endings, AMalformedCommandLineEndsAbnormally)
 {
-    const std::vector<std::vector<std::string>> commandLines = {
+    const std::vector<std::vector<std::string>> cases = {
         {"--no-such-option"}, {"--udp-timeout", "soon"}, {"--port"}};
-    for (const std::vector<std::string>& arguments : commandLines) {
+    for (const std::vector<std::string>& arguments : cases) {
         SCOPED_TRACE(arguments.front());
-        ClientProcess client({arguments, "", -1, {}});
+        Process client(support::clientCommand("", arguments));
         EXPECT_EQ(client.end(), "signal " + std::to_string(SIGABRT)) << client.output();
-    }
-}
-
-TEST(Endings, WithoutADisplayTheClientSaysSoAndEndsWithStatusOneOrTwo)
-{
-    ScriptedServer server;
-    ClientProcess client({{"--host", "127.0.0.1", "--port", server.port()}, "", -1, {}});
-    const std::string end = client.end();
-    if (end == "status 1") {
-        EXPECT_TRUE(client.hasPrinted("Couldn't initialize SDL: ")) << client.output();
-    } else {
-        EXPECT_EQ(end, "status 2");
-        EXPECT_TRUE(client.hasPrinted("Couldn't set 800x600 OpenGL video mode: ")) << client.output();
     }
 }

@@ -5,31 +5,14 @@
 #include <cmath>
 #include <iostream>
 
-namespace {
-
 using namespace std::chrono_literals;
 
-const Vector3 cameraOffset(0.0F, 2.0F, -5.0F);  // in the own ship's frame
-const float pixelsPerSlope =
-    300.0F * std::sqrt(3.0F);  // half the height, over the tangent of half of 60 degrees
-
-std::vector<std::string> clientArguments(const std::string& port, const std::vector<std::string>& more)
+GameSession::GameSession(std::vector<std::string> arguments, const std::vector<std::string>& wrapper)
 {
-    std::vector<std::string> arguments = {"--host", "127.0.0.1", "--port", port};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return arguments;
-}
-
-}  // namespace
-
-GameSession::GameSession(const Options& options)
-{
-    if (options.windowManager) {
-        display.startWindowManager();
-    }
-    client.emplace(support::ClientProcess::Options{clientArguments(server.port(), options.arguments),
-                                                   display.name(), -1, options.wrapper});
-    if (!server.awaitConnection() || !server.awaitDatagram()) {
+    const std::vector<std::string> address = {"--host", "127.0.0.1", "--port", server.port()};
+    arguments.insert(arguments.end(), address.begin(), address.end());
+    client.emplace(support::clientCommand(display.name(), arguments, wrapper));
+    if (!support::eventually([this] { return !server.datagrams().empty(); }, 40s)) {
         throw std::runtime_error("the client sends no datagram; it printed:\n" + client->output());
     }
 }
@@ -37,45 +20,50 @@ GameSession::GameSession(const Options& options)
 GameSession::~GameSession()
 {
     if (testing::Test::HasFailure()) {
-        std::cout << "---- the client: " << client->end(0s) << ", it printed:\n"
-                  << client->output() << "----\n";
+        std::cout << "---- the client: " << client->end(0s) << "\n" << client->output() << "----\n";
     }
 }
 
 void GameSession::join(const support::Ship& ownShip)
 {
-    ownPosition = ownShip.position;
-    ownOrientation = ownShip.orientation;
-    server.sendTcp(support::welcome(ownId, 1));
-    server.sendTcp(support::shipInfo(ownShip));
+    own = ownShip;
+    server.sendTcp(support::welcome(ownId, 1) + support::shipInfo(own));
     EXPECT_TRUE(server.awaitUpdate([](const support::Steering& s) { return s.qport == 1; }));
     std::this_thread::sleep_for(300ms);  // the frames in which the first mouse reading turns the view
 }
 
 std::string GameSession::leave()
 {
-    display.keyDown("Escape");
+    display.xdotool("keydown Escape");
     return client->end();
+}
+
+support::Picture GameSession::soon() const
+{
+    std::this_thread::sleep_for(250ms);
+    return display.screenshot();
 }
 
 Vector3 GameSession::inView(float right, float up, float ahead) const
 {
     // The viewer looks along +z with +y up, so its right is -x.
-    const Vector3 camera = ownPosition + ownOrientation.rotate(cameraOffset);
+    const Vector3 camera = own.position + own.orientation.rotate(Vector3(0.0F, 2.0F, -5.0F));
     return camera + server.lastSteering().orientation.rotate(Vector3(-right, up, ahead));
 }
 
-support::Region GameSession::onScreen(float right, float up, float ahead, int half)
+support::Region GameSession::onScreen(float right, float up, float ahead)
 {
+    // Half the height, over the tangent of half of 60 degrees.
+    const float pixelsPerSlope = 300.0F * std::sqrt(3.0F);
     const int x = static_cast<int>(400.0F + right / ahead * pixelsPerSlope);
     const int y = static_cast<int>(300.0F - up / ahead * pixelsPerSlope);
-    return {x - half, y - half, 2 * half, 2 * half};
+    return {x - 25, y - 25, 50, 50};
 }
 
-support::Ship lonelyShip()
+support::Ship lonelyShip(std::uint64_t id)
 {
     support::Ship ship;
-    ship.id = GameSession::ownId;
+    ship.id = id;
     ship.position = Vector3(0.0F, 0.0F, 3000.0F);
     return ship;
 }

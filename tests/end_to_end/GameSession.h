@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tests/support/ClientProcess.h"
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/VirtualDisplay.h"
 
@@ -16,36 +15,30 @@ class GameSession
 public:
     static constexpr std::uint64_t ownId = 7;
 
-    struct Options
-    {
-        std::vector<std::string> arguments;
-        std::vector<std::string> wrapper;
-        bool windowManager = false;
-    };
-
-    GameSession() : GameSession(Options()) {}
-    explicit GameSession(const Options& options);
+    /// Starts the client with more arguments, perhaps within another command.
+    explicit GameSession(std::vector<std::string> arguments = {},
+                         const std::vector<std::string>& wrapper = {});
     ~GameSession();
 
     /// Welcomes the client and gives it its ship, then waits until the mouse has come to rest.
     void join(const support::Ship& ownShip);
-
     /// Presses Escape and tells how the client ended.
     std::string leave();
+    /// What the screen shows after some frames.
+    support::Picture soon() const;
 
     /// The point so far to the right, up and ahead of the viewer, in world units, as the client shows it now.
     Vector3 inView(float right, float up, float ahead) const;
-    /// The square of window pixels, 2 * half wide, around where that point is on the screen.
-    static support::Region onScreen(float right, float up, float ahead, int half);
+    /// The square of 50 window pixels around where that point is on the screen.
+    static support::Region onScreen(float right, float up, float ahead);
 
     support::VirtualDisplay display;
     support::ScriptedServer server;
-    std::optional<support::ClientProcess> client;
+    std::optional<support::Process> client;
 
 private:
-    Vector3 ownPosition;
-    Quaternion ownOrientation;
+    support::Ship own;
 };
 
-/// An own ship far from the carriers, which thus are nowhere in sight.
-support::Ship lonelyShip();
+/// A ship far from the carriers, which thus are nowhere in sight.
+support::Ship lonelyShip(std::uint64_t id = GameSession::ownId);

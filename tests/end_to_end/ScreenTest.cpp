@@ -2,53 +2,30 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
-
-namespace {
-
 using namespace std::chrono_literals;
-using support::Clock;
 using support::countChanged;
-using support::isBluish;
-using support::isReddish;
 using support::Picture;
+using support::Pixel;
 using support::Region;
 using support::Ship;
 
-constexpr std::uint64_t redId = 11;
-constexpr std::uint64_t blueId = 12;
-constexpr std::uint64_t shotId = 13;
-constexpr int half = 25;    // pixels, of the square in which an object is looked for
-constexpr int enough = 60;  // of its 2,500 pixels show the object
-constexpr auto someFrames = 250ms;
+namespace {
 
-Ship shipAt(std::uint64_t id, bool blueTeam, Vector3 position)
+constexpr int enough = 60;  // of the 2,500 pixels of a place show the object there
+
+std::string shipAt(Ship ship, Vector3 position)
 {
-    Ship ship;
-    ship.id = id;
-    ship.blueTeam = blueTeam;
     ship.position = position;
-    return ship;
-}
-
-Picture soon(const GameSession& game)
-{
-    std::this_thread::sleep_for(someFrames);
-    return game.display.screenshot();
+    return support::shipInfo(ship);
 }
 
 // States as a server sends them to move a ship and let it rest: the client blends to the last within half a
 // second.
 void fly(GameSession& game, std::uint64_t id, Vector3 from, Vector3 to)
 {
-    constexpr int steps = 10;
-    constexpr int restingStates = 4;
-    std::uint32_t time = 1000;
-    for (int i = 1; i <= steps + restingStates; ++i) {
-        const float way = std::min(1.0F, static_cast<float>(i) / steps);
-        time += 50;
-        game.server.sendUdp(support::update(id, time, from + (to - from) * way));
+    for (unsigned int i = 1; i <= 14; ++i) {
+        const float way = std::min(1.0F, static_cast<float>(i) / 10.0F);
+        game.server.sendUdp(support::update(id, 1000 + 50 * i, from + (to - from) * way));
         std::this_thread::sleep_for(50ms);
     }
     std::this_thread::sleep_for(800ms);
@@ -58,99 +35,94 @@ void fly(GameSession& game, std::uint64_t id, Vector3 from, Vector3 to)
 
 TEST(Screen, ShipsAppearInTheirColoursMoveAndVanish)
 {
-    const Region left = GameSession::onScreen(-4, 3, 15, half);
-    const Region right = GameSession::onScreen(4, 3, 15, half);
-    const Region lower = GameSession::onScreen(-4, 0, 15, half);
+    const Region left = GameSession::onScreen(-4, 3, 15);
+    const Region right = GameSession::onScreen(4, 3, 15);
+    const Region lower = GameSession::onScreen(-4, 0, 15);
+    Ship red = lonelyShip(11);
+    Ship blue = lonelyShip(12);
+    blue.blueTeam = true;
     GameSession game;
     game.join(lonelyShip());
     const Picture empty = game.display.screenshot();
+    const auto shows = [&empty](const Picture& picture, Region place, bool (Pixel::*kind)() const) {
+        return picture.count(place, kind) > empty.count(place, kind) + enough;
+    };
 
-    const Vector3 redPlace = game.inView(-4, 3, 15);
-    game.server.sendTcp(support::shipInfo(shipAt(redId, false, redPlace)));
-    game.server.sendUdp(support::shipInfo(shipAt(blueId, true, game.inView(4, 3, 15))));
-    const Picture both = soon(game);
-    EXPECT_GT(both.count(left, isReddish), empty.count(left, isReddish) + enough);
-    EXPECT_GT(both.count(right, isBluish), empty.count(right, isBluish) + enough);
+    game.server.sendTcp(shipAt(red, game.inView(-4, 3, 15)));
+    game.server.sendUdp(shipAt(blue, game.inView(4, 3, 15)));
+    const Picture both = game.soon();
+    EXPECT_TRUE(shows(both, left, &Pixel::isReddish));
+    EXPECT_TRUE(shows(both, right, &Pixel::isBluish));
     EXPECT_EQ(countChanged(empty, both, lower), 0);
 
-    fly(game, redId, redPlace, game.inView(-4, 0, 15));
+    fly(game, red.id, game.inView(-4, 3, 15), game.inView(-4, 0, 15));
     const Picture moved = game.display.screenshot();
-    EXPECT_GT(moved.count(lower, isReddish), empty.count(lower, isReddish) + enough);
+    EXPECT_TRUE(shows(moved, lower, &Pixel::isReddish));
+    EXPECT_TRUE(shows(moved, right, &Pixel::isBluish));
     EXPECT_EQ(countChanged(empty, moved, left), 0);
-    EXPECT_GT(moved.count(right, isBluish), empty.count(right, isBluish) + enough);
 
-    game.server.sendTcp(support::destroy(redId) + support::destroy(blueId));
-    const Picture gone = soon(game);
-    EXPECT_EQ(countChanged(empty, gone, lower), 0);
-    EXPECT_EQ(countChanged(empty, gone, right), 0);
-    EXPECT_EQ(game.leave(), "status 0");
+    game.server.sendTcp(support::destroy(red.id) + support::destroy(blue.id));
+    const Picture gone = game.soon();
+    EXPECT_EQ(countChanged(empty, gone, lower) + countChanged(empty, gone, right), 0);
 }
 
 TEST(Screen, ADestroyedShotLeavesAnExplosionForAboutASecond)
 {
-    const Region place = GameSession::onScreen(0, 8, 40, half);
+    const Region place = GameSession::onScreen(0, 8, 40);
     GameSession game;
     game.join(lonelyShip());
     const Picture empty = game.display.screenshot();
-    game.server.sendUdp(support::shotInfo(shotId, true, game.inView(0, 8, 40)));
-    const Picture shot = soon(game);
-    EXPECT_GT(shot.count(place, isBluish), empty.count(place, isBluish));
+    game.server.sendUdp(support::shotInfo(13, true, game.inView(0, 8, 40)));
+    EXPECT_GT(game.soon().count(place, &Pixel::isBluish), empty.count(place, &Pixel::isBluish));
 
-    const Clock::time_point destroyed = Clock::now();
-    game.server.sendUdp(support::destroy(shotId));
-    const Picture explosion = soon(game);
-    EXPECT_GT(countChanged(empty, explosion, place), 500);
-    Clock::duration seen = 0s;
+    const auto destroyed = support::Clock::now();
+    game.server.sendUdp(support::destroy(13));
+    EXPECT_GT(countChanged(empty, game.soon(), place), 500);
+    auto lastSeen = destroyed;
     const auto isOver = [&] {
-        const Clock::duration asked = Clock::now() - destroyed;
+        const auto asked = support::Clock::now();
         const bool over = countChanged(empty, game.display.screenshot(), place) == 0;
-        seen = over ? seen : asked;
+        lastSeen = over ? lastSeen : asked;
         return over;
     };
     EXPECT_TRUE(support::eventually(isOver, 5s));
-    EXPECT_GT(seen, 700ms);
-    EXPECT_LT(seen, 1600ms);
+    EXPECT_GT(lastSeen - destroyed, 700ms);
+    EXPECT_LT(lastSeen - destroyed, 1600ms);
 }
 
 TEST(Screen, TheDisplayShowsOnlyTheFrameRateUntilTheOwnShipExistsAndThenEveryLineInItsColour)
 {
     constexpr int ink = 8;  // pixels in full colour that even a lone "0" has
-    const Region frameRate = {0, 0, 150, 24};
-    const Region speed = {0, 25, 150, 24};
-    const Region health = {0, 50, 150, 24};
-    const Region score = {200, 0, 45, 24};
-    const Region redScore = {200, 25, 45, 24};
-    const Region blueScore = {200, 50, 45, 24};
+    const Region frameRate = {0, 0, 150, 24}, speed = {0, 25, 150, 24}, health = {0, 50, 150, 24};
+    const Region score = {200, 0, 45, 24}, redScore = {200, 25, 45, 24}, blueScore = {200, 50, 45, 24};
     const Region position = {250, 0, 400, 24};
-
     GameSession game;
     game.server.sendTcp(support::welcome(GameSession::ownId, 1));
-    const Picture before = soon(game);
-    EXPECT_GT(before.count(frameRate, support::isPureRed), 40);
-    EXPECT_LT(before.count(health, support::isPureGreen), ink);
-    EXPECT_LT(before.count(redScore, support::isPureRed), ink);
-    EXPECT_LT(before.count(blueScore, support::isPureBlue), ink);
+    const Picture before = game.soon();
+    EXPECT_GT(before.count(frameRate, &Pixel::isPureRed), 40);
+    EXPECT_LT(before.count(health, &Pixel::isPureGreen), ink);
+    EXPECT_LT(before.count(redScore, &Pixel::isPureRed), ink);
+    EXPECT_LT(before.count(blueScore, &Pixel::isPureBlue), ink);
 
     Ship own = lonelyShip();
     own.health = 20.0F;
-    own.score = -12;
     game.join(own);
     const Picture healthy = game.display.screenshot();
-    EXPECT_GT(healthy.count(frameRate, support::isPureRed), 40);
-    EXPECT_GT(healthy.count(speed, support::isWhite), before.count(speed, support::isWhite) + 40);
-    EXPECT_GT(healthy.count(health, support::isPureGreen), 40);
-    EXPECT_LT(healthy.count(health, support::isPureRed), ink);
-    EXPECT_GT(healthy.count(score, support::isWhite), before.count(score, support::isWhite) + ink);
-    EXPECT_GT(healthy.count(redScore, support::isPureRed), ink);
-    EXPECT_GT(healthy.count(blueScore, support::isPureBlue), ink);
-    EXPECT_GT(healthy.count(position, support::isWhite), before.count(position, support::isWhite) + 100);
+    EXPECT_GT(healthy.count(frameRate, &Pixel::isPureRed), 40);
+    EXPECT_GT(healthy.count(health, &Pixel::isPureGreen), 40);
+    EXPECT_LT(healthy.count(health, &Pixel::isPureRed), ink);
+    EXPECT_GT(healthy.count(redScore, &Pixel::isPureRed), ink);
+    EXPECT_GT(healthy.count(blueScore, &Pixel::isPureBlue), ink);
+    for (const auto& [place, pixels] : {std::pair(speed, 40), {score, ink}, {position, 100}}) {
+        EXPECT_GT(healthy.count(place, &Pixel::isWhite), before.count(place, &Pixel::isWhite) + pixels);
+    }
 
     own.health = 19.99F;
     own.redScore = 888;
     game.server.sendTcp(support::shipInfo(own));
-    const Picture hurt = soon(game);
-    EXPECT_GT(hurt.count(health, support::isPureRed), 40);
-    EXPECT_LT(hurt.count(health, support::isPureGreen), ink);
-    EXPECT_GT(hurt.count(redScore, support::isPureRed), 2 * healthy.count(redScore, support::isPureRed));
+    const Picture hurt = game.soon();
+    EXPECT_GT(hurt.count(health, &Pixel::isPureRed), 40);
+    EXPECT_LT(hurt.count(health, &Pixel::isPureGreen), ink);
+    EXPECT_GT(hurt.count(redScore, &Pixel::isPureRed), 2 * healthy.count(redScore, &Pixel::isPureRed));
     EXPECT_EQ(countChanged(healthy, hurt, blueScore), 0);
 }

@@ -1,15 +1,10 @@
 #include "tests/engine/FreshWorld.h"
 
 #include "GUIClient/Helpers.h"
-#include "GUIClient/VTEntryPoint.h"
-#include "engine/Engine.h"
-#include "engine/ResourceManager.h"
 #include "engine/VT_Skybox.h"
 #include "network/PacketSender.h"
 #include "scene/General.h"
-#include "scene/SceneGraph.h"
 #include "scene/SceneObjectFactory.h"
-#include "tests/engine/GLRecorder.h"
 
 #include <utility>
 
@@ -21,35 +16,25 @@ void drop()
     delete std::exchange(Singleton::instance, nullptr);
 }
 
-void startAfresh()
+}  // namespace
+
+FreshWorld::FreshWorld()
 {
     drop<SceneGraph>();
     drop<General>();
     drop<SceneObjectFactory>();
     drop<ResourceManager>();
+    graph = SceneGraph::getInstance();
+    resources = ResourceManager::getInstance();
+    controller->camera = Camera();
+    controller->thisPlayerID = 0;
     VT.window = VT_Window();
     VT.inputHandler = VT_InputHandler();
     VT.skybox.reset();
-    VTEntryPoint* controller = VTEntryPoint::getInstance();
-    controller->camera = Camera();
-    controller->thisPlayerID = 0;
-    controller->redCarrier = controller->blueCarrier = nullptr;
     *PacketSender::getInstance() = PacketSender();
     mainLoopFunctionsList.clear();
     done = false;
-    glRecorder.reset();
-}
-
-}  // namespace
-
-FreshWorld::FreshWorld()
-{
-    startAfresh();
-}
-
-FreshWorld::~FreshWorld()
-{
-    startAfresh();
+    glRecorder = GLRecorder();
 }
 
 void expectNear(Vector3 actual, Vector3 expected)

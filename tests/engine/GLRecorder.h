@@ -2,81 +2,38 @@
 
 #include <SDL_events.h>
 #include <SDL_video.h>
-#include <gtest/gtest.h>
 
 #include <deque>
-#include <map>
-#include <ostream>
 #include <string>
-#include <vector>
 
-/// One recorded call. A pointer to numbers is recorded as the numbers; other pointers are left out.
-struct Call
+/// Stands in for OpenGL, GLU, SDL, SDL_image and SDL_ttf: a test executable
+/// that links it has their functions from here. It writes down every call in
+/// order, and answers as the fields below say.
+struct GLRecorder
 {
-    std::string name;
-    std::vector<double> values;
-    std::string text;
-};
+    /// From now on images, windows, fonts and rendered texts can be had: a
+    /// surface without pixels.
+    void deliver(int bytesPerPixel, unsigned int redMask, int width, int height);
+    SDL_Surface* delivered() { return surface.format == nullptr ? nullptr : &surface; }
+    /// Queues an event for SDL_PollEvent.
+    void send(Uint8 type, SDLKey symbol = SDLK_UNKNOWN);
+    /// Those of the calls since the last take() that match the regular expression, one a line: the name, its
+    /// numbers to six digits, its text. A pointer to numbers is written as the numbers; other pointers are
+    /// left out.
+    std::string take(const std::string& pattern = "");
 
-/// Numbers are equal within single precision.
-bool operator==(const Call& a, const Call& b);
-inline bool operator!=(const Call& a, const Call& b)
-{
-    return !(a == b);
-}
-std::ostream& operator<<(std::ostream& out, const Call& call);
-
-using TTF_Font = struct _TTF_Font;
-using Calls = std::vector<Call>;
-
-template <class... Values>
-Call call(const char* name, Values... values)
-{
-    return {name, {static_cast<double>(values)...}, ""};
-}
-
-/// An image as a loader would deliver it: sizes and format, no pixels.
-struct FakeImage
-{
-    FakeImage(int bytesPerPixel, unsigned int redMask, int width, int height);
-    FakeImage(const FakeImage&) = delete;
-    FakeImage& operator=(const FakeImage&) = delete;
-
+    std::string calls;
+    unsigned int nextName = 1;  ///< of a texture or a display list
+    std::deque<SDL_Event> events;
+    int mouseX = 400, mouseY = 300;
+    Uint8 mouseButtons = 0;
+    int sdlInitResult = 0;
     SDL_PixelFormat format = {};
     SDL_Surface surface = {};
 };
 
-/// Stands in for OpenGL, GLU, SDL, SDL_image and SDL_ttf: a test executable that links it has their functions
-/// from here. It writes down every call in order, and answers as the fields below say.
-class GLRecorder
-{
-public:
-    void reset();
-    void record(Call made) { calls.push_back(std::move(made)); }
-    /// All calls since the last take() or reset().
-    Calls take();
-    /// The calls of one name since then, without taking them.
-    Calls named(const std::string& name) const;
-
-    Calls calls;
-    unsigned int nextName = 1;  ///< of a texture or a display list
-
-    std::deque<SDL_Event> events;  ///< what SDL_PollEvent delivers
-    int mouseX = 400;
-    int mouseY = 300;
-    Uint8 mouseButtons = 0;
-    int sdlInitResult = 0;
-    FakeImage* screen = nullptr;               ///< null: there is no such video mode
-    std::map<std::string, FakeImage*> images;  ///< by file name without its folder; others fail to load
-    TTF_Font* font = nullptr;                  ///< null: no font opens
-    FakeImage* renderedText = nullptr;         ///< null: SDL_ttf cannot render it
-};
-
 extern GLRecorder glRecorder;
 
-/// Takes the recorded calls and compares them with the script; tells the first that differs. A script names
-/// each call, its numbers (or OpenGL's names for them) and its "text", with a semicolon between two calls.
-testing::AssertionResult recordedExactly(const std::string& script);
-
-/// A key event as SDL delivers it.
-SDL_Event keyEvent(Uint8 type, SDLKey symbol);
+/// The calls as take() tells them, from a text with a semicolon between two and
+/// OpenGL's names for its numbers.
+std::string script(const std::string& text);

@@ -12,39 +12,28 @@ constexpr unsigned int shotType = 1;
 constexpr std::size_t headerSize = 5;  // a client's frame: qport, length, type
 constexpr unsigned int clientUpdateType = 4;
 
-void fill(Vantor::Position& out, Vector3 v)
+template <class Message>
+void fill(Message& out, Vector3 v)
 {
     out.set_x(v.x);
     out.set_y(v.y);
     out.set_z(v.z);
 }
 
-void fill(Vantor::Orientation& out, Quaternion q)
+// What an ObjectInfo and an ObjectUpdate have in common.
+template <class Message>
+void fill(Message& out, std::uint64_t id, std::uint32_t time, Vector3 position, Quaternion orientation)
 {
-    out.set_w(q.w);
-    out.set_x(q.x);
-    out.set_y(q.y);
-    out.set_z(q.z);
-}
-
-Vantor::ObjectInfo objectInfo(std::uint64_t id, unsigned int type, std::uint32_t time, Vector3 position,
-                              Quaternion orientation)
-{
-    Vantor::ObjectInfo info;
-    info.set_id(id);
-    info.set_objecttype(type);
-    info.set_timestamp(time);
-    fill(*info.mutable_position(), position);
-    fill(*info.mutable_orientation(), orientation);
-    return info;
+    out.set_id(id);
+    out.set_timestamp(time);
+    fill(*out.mutable_position(), position);
+    out.mutable_orientation()->set_w(orientation.w);
+    fill(*out.mutable_orientation(), Vector3(orientation.x, orientation.y, orientation.z));
 }
 
 unsigned int uint16At(const std::string& bytes, std::size_t offset)
 {
-    const auto byte = [&](std::size_t i) {
-        return static_cast<unsigned int>(static_cast<unsigned char>(bytes[i]));
-    };
-    return byte(offset) + 256U * byte(offset + 1);
+    return static_cast<unsigned char>(bytes[offset]) + 256U * static_cast<unsigned char>(bytes[offset + 1]);
 }
 
 }  // namespace
@@ -60,7 +49,9 @@ std::string welcome(std::uint64_t id, std::uint32_t qport)
 
 std::string shipInfo(const Ship& ship)
 {
-    Vantor::ObjectInfo info = objectInfo(ship.id, playerType, ship.time, ship.position, ship.orientation);
+    Vantor::ObjectInfo info;
+    info.set_objecttype(playerType);
+    fill(info, ship.id, ship.time, ship.position, ship.orientation);
     Vantor::PlayerData& data = *info.mutable_playerdata();
     data.set_health(ship.health);
     data.set_blueteam(ship.blueTeam);
@@ -73,7 +64,9 @@ std::string shipInfo(const Ship& ship)
 
 std::string shotInfo(std::uint64_t id, bool blueTeam, Vector3 position, Vector3 velocity)
 {
-    Vantor::ObjectInfo info = objectInfo(id, shotType, 1000, position, {});
+    Vantor::ObjectInfo info;
+    info.set_objecttype(shotType);
+    fill(info, id, 1000, position, {});
     info.mutable_projectiledata()->set_blueteam(blueTeam);
     fill(*info.mutable_projectiledata()->mutable_velocity(), velocity);
     return MessageSerializer::serializeMessage(info);
@@ -82,10 +75,7 @@ std::string shotInfo(std::uint64_t id, bool blueTeam, Vector3 position, Vector3 
 std::string update(std::uint64_t id, std::uint32_t time, Vector3 position, Quaternion orientation)
 {
     Vantor::ObjectUpdate message;
-    message.set_id(id);
-    message.set_timestamp(time);
-    fill(*message.mutable_position(), position);
-    fill(*message.mutable_orientation(), orientation);
+    fill(message, id, time, position, orientation);
     return MessageSerializer::serializeMessage(message);
 }
 

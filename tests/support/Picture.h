@@ -1,18 +1,23 @@
 #pragma once
 
-#include <cstddef>
-#include <functional>
 #include <string>
-#include <vector>
 
 namespace support {
 
 struct Pixel
 {
     int red, green, blue;  ///< 0 to 255
+
+    // These two hold also for a lit, textured surface; a pure one is text in its full colour.
+    bool isReddish() const { return red > 40 && red > 2 * green && red > 2 * blue; }
+    bool isBluish() const { return blue > 40 && blue > 2 * green && blue > 2 * red; }
+    bool isPureRed() const { return red > 220 && green < 40 && blue < 40; }
+    bool isPureGreen() const { return green > 220 && red < 40 && blue < 40; }
+    bool isPureBlue() const { return blue > 220 && red < 40 && green < 40; }
+    bool isWhite() const { return red > 220 && green > 220 && blue > 220; }
 };
 
-/// A rectangle of window pixels, from its top left corner.
+/// A rectangle of window pixels, from its top left corner; within the window.
 struct Region
 {
     int x, y, width, height;
@@ -21,15 +26,13 @@ struct Region
 class Picture
 {
 public:
-    /// Reads a binary PPM file with 8 bits per channel; throws where it is none.
-    explicit Picture(const std::string& ppmFile);
+    /// The content of a binary PPM file with 8 bits per channel; throws where it is none.
+    explicit Picture(const std::string& ppm);
 
     Pixel at(int x, int y) const;
-    int width() const { return columns; }
-    int height() const { return rows; }
 
-    /// How many pixels of the region are of the kind. The part outside the picture does not count.
-    int count(Region region, const std::function<bool(Pixel)>& isOfTheKind) const;
+    /// How many pixels of the region are of the kind.
+    int count(Region region, bool (Pixel::*isOfTheKind)() const) const;
 
 private:
     int columns = 0;
@@ -39,14 +42,5 @@ private:
 
 /// How many pixels of the region differ visibly between two pictures of one size.
 int countChanged(const Picture& before, const Picture& after, Region region);
-
-/// Kinds of pixel. The first two hold also for a lit, textured surface; a pure one is text in its full
-/// colour.
-bool isReddish(Pixel p);
-bool isBluish(Pixel p);
-bool isPureRed(Pixel p);
-bool isPureGreen(Pixel p);
-bool isPureBlue(Pixel p);
-bool isWhite(Pixel p);
 
 }  // namespace support

@@ -1,141 +1,68 @@
 #include "tests/support/Process.h"
 
-#include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <sstream>
 #include <stdexcept>
-#include <utility>
 
 namespace support {
 
 namespace {
 
-constexpr int extraNumber = 3;  // where a child finds its extra descriptor
-
-std::string nameOf(const std::string& setting)
-{
-    return setting.substr(0, setting.find('='));
-}
-
-std::vector<std::string> environmentWith(const std::vector<std::string>& changes)
-{
-    std::vector<std::string> result;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string name = nameOf(*entry);
-        if (std::none_of(changes.begin(), changes.end(), [&](const auto& c) { return nameOf(c) == name; })) {
-            result.emplace_back(*entry);
-        }
-    }
-    std::copy_if(changes.begin(), changes.end(), std::back_inserter(result),
-                 [](const std::string& change) { return change.find('=') != std::string::npos; });
-    return result;
-}
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    for (std::string& text : texts) {
-        pointers.push_back(text.data());
-    }
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-// Between fork and exec of a program with threads only system calls are safe: no allocation, no locks.
-[[noreturn]] void becomeChild(const Launch& launch, char** arguments, char** environment)
+// Between fork and exec of a program with threads nothing may allocate or lock.
+[[noreturn]] void becomeChild(char** command, int output)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     constexpr rlimit noCoreFile = {0, 0};
     setrlimit(RLIMIT_CORE, &noCoreFile);
-    if (launch.output >= 0) {
-        dup2(launch.output, STDOUT_FILENO);
-        dup2(launch.output, STDERR_FILENO);
-    }
-    if (launch.extraDescriptor == extraNumber) {
-        fcntl(extraNumber, F_SETFD, 0);
-    } else if (launch.extraDescriptor >= 0) {
-        dup2(launch.extraDescriptor, extraNumber);
-    }
-    execvpe(arguments[0], arguments, environment);
+    dup2(output, STDOUT_FILENO);
+    dup2(output, STDERR_FILENO);
+    execvp(command[0], command);
     _exit(127);
 }
 
-pid_t start(const Launch& launch)
+pid_t start(std::vector<std::string>& command, int output)
 {
-    std::vector<std::string> command = launch.command;
-    std::vector<std::string> environment = environmentWith(launch.environment);
-    const std::vector<char*> arguments = pointersTo(command);
-    const std::vector<char*> settings = pointersTo(environment);
+    std::vector<char*> words;
+    for (std::string& word : command) {
+        words.push_back(word.data());
+    }
+    words.push_back(nullptr);
     const pid_t child = fork();
     if (child < 0) {
         throw std::runtime_error("cannot fork for " + command.front());
     }
     if (child == 0) {
-        becomeChild(launch, const_cast<char**>(arguments.data()), const_cast<char**>(settings.data()));
+        becomeChild(words.data(), output);
     }
     return child;
 }
 
 }  // namespace
 
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept
+Process::Process(std::vector<std::string> command, int output)
+    : kept(memfd_create("output", MFD_CLOEXEC)), pid(start(command, output < 0 ? kept : output))
 {
-    close();
-    fd = other.release();
-    return *this;
 }
-
-int Descriptor::release()
-{
-    return std::exchange(fd, -1);
-}
-
-void Descriptor::close()
-{
-    if (fd >= 0) {
-        ::close(release());
-    }
-}
-
-Pipe::Pipe()
-{
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) {
-        throw std::runtime_error("cannot make a pipe");
-    }
-    readEnd = Descriptor(ends[0]);
-    writeEnd = Descriptor(ends[1]);
-}
-
-Process::Process(const Launch& launch) : pid(start(launch)) {}
 
 Process::~Process()
 {
-    if (!reap()) {
+    if (isRunning()) {
         kill(pid, SIGKILL);
         waitpid(pid, &waitStatus, 0);
     }
-}
-
-bool Process::reap()
-{
-    if (!ended) {
-        ended = waitpid(pid, &waitStatus, WNOHANG) == pid;
-    }
-    return ended;
+    close(kept);
 }
 
 std::string Process::end(Clock::duration timeout)
 {
-    if (!eventually([this] { return reap(); }, timeout)) {
+    const auto hasEnded = [this] { return ended = ended || waitpid(pid, &waitStatus, WNOHANG) == pid; };
+    if (!eventually(hasEnded, timeout)) {
         return "still running";
     }
     return WIFSIGNALED(waitStatus) ? "signal " + std::to_string(WTERMSIG(waitStatus))
@@ -147,24 +74,42 @@ void Process::signal(int number) const
     kill(pid, number);
 }
 
-void requireProgram(const std::string& program, const std::string& debianPackage)
+std::string Process::output() const
 {
-    const char* path = std::getenv("PATH");
-    std::istringstream folders(path == nullptr ? "/usr/bin" : path);
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        if (access((std::filesystem::path(folder) / program).c_str(), X_OK) == 0) {
-            return;
-        }
-    }
-    throw std::runtime_error("no " + program + ": install " + debianPackage);
+    struct stat file = {};
+    fstat(kept, &file);  // a seek would move the place where the child writes
+    std::string text(static_cast<std::size_t>(file.st_size), '\0');
+    text.resize(static_cast<std::size_t>(pread(kept, text.data(), text.size(), 0)));
+    return text;
 }
 
-void run(const Launch& launch)
+std::string outputOf(const std::vector<std::string>& command)
 {
-    const std::string end = Process(launch).end();
+    Process process(command);
+    const std::string end = process.end();
     if (end != "status 0") {
-        throw std::runtime_error(launch.command.front() + ": " + end);
+        throw std::runtime_error(command.front() + ": " + end + "\n" + process.output());
     }
+    return process.output();
+}
+
+// The sanitizer's setting means something only where the client was built with it. Its singletons live for
+// ever on purpose, so leaks are not looked for.
+std::vector<std::string> clientCommand(const std::string& display, const std::vector<std::string>& arguments,
+                                       const std::vector<std::string>& wrapper)
+{
+    std::vector<std::string> command = {"env",
+                                        "-u",
+                                        "WAYLAND_DISPLAY",
+                                        "DISPLAY=" + display,
+                                        "SDL_VIDEODRIVER=x11",
+                                        "SDL_AUDIODRIVER=dummy",
+                                        "LIBGL_ALWAYS_SOFTWARE=1",
+                                        "ASAN_OPTIONS=detect_leaks=0"};
+    command.insert(command.end(), wrapper.begin(), wrapper.end());
+    command.emplace_back(VANTOR_CLIENT);
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
 }
 
 }  // namespace support

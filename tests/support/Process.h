@@ -9,45 +9,13 @@
 
 namespace support {
 
-/// An owned file descriptor, closed on exec.
-class Descriptor
-{
-public:
-    explicit Descriptor(int newFd = -1) : fd(newFd) {}
-    Descriptor(Descriptor&& other) noexcept : fd(other.release()) {}
-    Descriptor& operator=(Descriptor&& other) noexcept;
-    ~Descriptor() { close(); }
-
-    int get() const { return fd; }
-    int release();
-    void close();
-
-private:
-    int fd;
-};
-
-struct Pipe
-{
-    Pipe();
-    Descriptor readEnd, writeEnd;
-};
-
-/// What a child is started with. Names are looked up in PATH.
-struct Launch
-{
-    std::vector<std::string> command;
-    std::vector<std::string>
-        environment;           ///< NAME=value is set, NAME alone is removed; the rest is inherited
-    int output = -1;           ///< standard output and error go here; -1: inherited
-    int extraDescriptor = -1;  ///< arrives as descriptor 3; -1: none
-};
-
 /// A child process. It is killed, by its pid, when this object goes, and also when the thread that made it
 /// ends.
 class Process
 {
 public:
-    explicit Process(const Launch& launch);
+    /// The program is looked up in PATH. Standard output and error go to the descriptor, or are kept (-1).
+    explicit Process(std::vector<std::string> command, int output = -1);
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
     ~Process();
@@ -57,19 +25,23 @@ public:
     bool isRunning() { return end(0s) == "still running"; }
     void signal(int number) const;
 
-private:
-    bool reap();
+    /// Everything printed so far, unless it went elsewhere.
+    std::string output() const;
+    bool hasPrinted(const std::string& text) const { return output().find(text) != std::string::npos; }
 
+private:
+    int kept;  ///< a file without a name
     pid_t pid;
     bool ended = false;
     int waitStatus = 0;
 };
 
-/// Throws "no X: install Y" where the program is not in PATH: a test without its tools fails, it does not
-/// skip.
-void requireProgram(const std::string& program, const std::string& debianPackage);
+/// Runs a tool to its end; throws unless that is status 0. A test without its tools fails, it does not skip.
+std::string outputOf(const std::vector<std::string>& command);
 
-/// Runs a tool to its end; throws unless it ends with status 0.
-void run(const Launch& launch);
+/// The command that runs the real client on a display (none where it is empty), perhaps within another
+/// command.
+std::vector<std::string> clientCommand(const std::string& display, const std::vector<std::string>& arguments,
+                                       const std::vector<std::string>& wrapper = {});
 
 }  // namespace support

@@ -1,141 +1,73 @@
 #include "tests/support/ScriptedServer.h"
 
 #include <boost/asio/buffer.hpp>
-#include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
 
-#include <memory>
-#include <stdexcept>
+#include <array>
 
 namespace support {
 
 namespace {
 
-using boost::asio::ip::tcp;
-using boost::asio::ip::udp;
-using Error = boost::system::error_code;
+using Lock = std::lock_guard<std::mutex>;
 
 constexpr auto heartbeatPeriod = 100ms;
 constexpr std::uint64_t unknownObject = 999999999;
 
-const boost::asio::ip::address_v4 loopback = boost::asio::ip::address_v4::loopback();
-
-// The port that the system gave to TCP may be taken on UDP: then try another.
-void bindBoth(tcp::acceptor& acceptor, udp::socket& udpSocket)
-{
-    for (int attempt = 0; attempt < 20; ++attempt) {
-        acceptor = tcp::acceptor(acceptor.get_executor(), tcp::endpoint(loopback, 0));
-        Error taken;
-        udpSocket = udp::socket(udpSocket.get_executor(), udp::v4());
-        udpSocket.bind(udp::endpoint(loopback, acceptor.local_endpoint().port()), taken);
-        if (!taken) {
-            return;
-        }
-    }
-    throw std::runtime_error("no port that is free on TCP and UDP");
-}
-
 }  // namespace
-
-ScriptedServer::ScriptedServer() : acceptor(io), udpSocket(io), tcpSocket(io), heartbeat(io)
-{
-    bindBoth(acceptor, udpSocket);
-    accept();
-    receiveUdp();
-    thread = std::thread([this] { io.run(); });
-}
 
 ScriptedServer::~ScriptedServer()
 {
-    io.stop();
+    {
+        const Lock lock(mutex);
+        stopped = true;
+    }
     thread.join();
 }
 
-std::string ScriptedServer::port() const
+void ScriptedServer::work()
 {
-    return std::to_string(acceptor.local_endpoint().port());
+    for (bool goOn = true; goOn; std::this_thread::sleep_for(1ms)) {
+        const Lock lock(mutex);
+        goOn = !stopped;
+        receive();
+        if (beating && client.port() != 0 && Clock::now() >= nextBeat) {
+            nextBeat = Clock::now() + heartbeatPeriod;
+            boost::system::error_code gone;
+            ports.udp.send_to(boost::asio::buffer(update(unknownObject, 1, {})), client, 0, gone);
+        }
+    }
 }
 
-void ScriptedServer::accept()
+// Takes what is there, without waiting.
+void ScriptedServer::receive()
 {
-    acceptor.async_accept(tcpSocket, [this](Error error) {
+    boost::system::error_code error;
+    std::array<char, 4096> buffer{};
+    if (!tcp.is_open()) {
+        ports.acceptor.non_blocking(true);
+        ports.acceptor.accept(tcp, error);
+    } else if (tcp.available(error) > 0) {
+        tcpBytes += tcp.read_some(boost::asio::buffer(buffer), error);
+    }
+    for (boost::asio::ip::udp::endpoint sender;;) {
+        const std::size_t size = ports.udp.receive_from(boost::asio::buffer(buffer), sender, 0, error);
         if (error) {
             return;
         }
-        {
-            const std::lock_guard<std::mutex> lock(mutex);
-            connected = true;
-        }
-        receiveTcp();
-    });
-}
-
-void ScriptedServer::receiveTcp()
-{
-    tcpSocket.async_read_some(boost::asio::buffer(tcpBuffer), [this](Error error, std::size_t size) {
-        if (error) {
-            return;
-        }
-        {
-            const std::lock_guard<std::mutex> lock(mutex);
-            tcpBytes += size;
-        }
-        receiveTcp();
-    });
-}
-
-void ScriptedServer::receiveUdp()
-{
-    udpSocket.async_receive_from(boost::asio::buffer(udpBuffer), sender,
-                                 [this](Error error, std::size_t size) {
-                                     if (!error) {
-                                         record(size);
-                                     }
-                                     if (error != boost::asio::error::operation_aborted) {
-                                         receiveUdp();
-                                     }
-                                 });
-}
-
-void ScriptedServer::record(std::size_t size)
-{
-    const bool isFirst = client.port() == 0;
-    client = sender;
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        received.push_back({Clock::now(), std::string(udpBuffer.data(), size)});
-    }
-    if (isFirst) {
-        beat();
+        client = sender;
+        received.push_back({Clock::now(), std::string(buffer.data(), size)});
     }
 }
 
-void ScriptedServer::beat()
+bool ScriptedServer::isConnected() const
 {
-    if (!beating) {
-        return;
-    }
-    Error ignored;  // the client may be gone
-    udpSocket.send_to(boost::asio::buffer(update(unknownObject, 1, {})), client, 0, ignored);
-    heartbeat.expires_after(heartbeatPeriod);
-    heartbeat.async_wait([this](Error error) {
-        if (!error) {
-            beat();
-        }
-    });
+    const Lock lock(mutex);
+    return tcp.is_open();
 }
 
-bool ScriptedServer::awaitConnection(Clock::duration timeout)
-{
-    return eventually([this] { return wasConnected(); }, timeout);
-}
-
-bool ScriptedServer::awaitDatagram(Clock::duration timeout)
-{
-    return eventually([this] { return !datagrams().empty(); }, timeout);
-}
-
-bool ScriptedServer::awaitUpdate(const std::function<bool(const Steering&)>& wanted, Clock::duration timeout)
+bool ScriptedServer::awaitUpdate(const std::function<bool(const Steering&)>& wanted,
+                                 Clock::duration timeout) const
 {
     std::size_t next = datagrams().size();
     const auto hasArrived = [&] {
@@ -151,77 +83,48 @@ bool ScriptedServer::awaitUpdate(const std::function<bool(const Steering&)>& wan
     return eventually(hasArrived, timeout);
 }
 
-void ScriptedServer::sendTcp(std::string bytes)
+bool ScriptedServer::sendTcp(const std::string& bytes)
 {
-    boost::asio::post(io, [this, bytes = std::move(bytes)] {
-        Error ignored;  // the client may be gone
-        boost::asio::write(tcpSocket, boost::asio::buffer(bytes), ignored);
-    });
+    const Lock lock(mutex);
+    boost::system::error_code gone;
+    boost::asio::write(tcp, boost::asio::buffer(bytes), gone);
+    return !gone;
 }
 
-void ScriptedServer::sendUdp(std::string bytes)
+void ScriptedServer::sendUdp(const std::string& bytes)
 {
-    boost::asio::post(io, [this, bytes = std::move(bytes)] {
-        Error ignored;  // as above
-        udpSocket.send_to(boost::asio::buffer(bytes), client, 0, ignored);
-    });
-}
-
-void ScriptedServer::floodTcp(std::string bytes)
-{
-    boost::asio::post(io, [this, bytes = std::move(bytes)] {
-        flood = bytes;
-        writeFlood();
-    });
-}
-
-void ScriptedServer::writeFlood()
-{
-    boost::asio::async_write(tcpSocket, boost::asio::buffer(flood), [this](Error error, std::size_t) {
-        if (!error) {
-            writeFlood();
-        }
-    });
+    const Lock lock(mutex);
+    boost::system::error_code gone;
+    ports.udp.send_to(boost::asio::buffer(bytes), client, 0, gone);
 }
 
 void ScriptedServer::stopHeartbeat()
 {
-    boost::asio::post(io, [this] {
-        beating = false;
-        heartbeat.cancel();
-    });
+    const Lock lock(mutex);
+    beating = false;
 }
 
 void ScriptedServer::closeTcp()
 {
-    boost::asio::post(io, [this] { tcpSocket.close(); });
+    const Lock lock(mutex);
+    tcp.close();
 }
 
 std::vector<ScriptedServer::Datagram> ScriptedServer::datagrams() const
 {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const Lock lock(mutex);
     return received;
 }
 
 Steering ScriptedServer::lastSteering() const
 {
-    const std::vector<Datagram> all = datagrams();
-    const std::optional<Steering> steering = all.empty() ? std::nullopt : parseSteering(all.back().bytes);
-    if (!steering) {
-        throw std::runtime_error("the client's newest datagram is no ClientUpdate");
-    }
-    return *steering;
-}
-
-bool ScriptedServer::wasConnected() const
-{
-    const std::lock_guard<std::mutex> lock(mutex);
-    return connected;
+    const Lock lock(mutex);
+    return parseSteering(received.at(received.size() - 1).bytes).value();
 }
 
 std::size_t ScriptedServer::tcpBytesReceived() const
 {
-    const std::lock_guard<std::mutex> lock(mutex);
+    const Lock lock(mutex);
     return tcpBytes;
 }
 
