@@ -2,19 +2,49 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
 #include <string>
 
-TEST(DebugPrint, FormatsLikePrintfAndAddsNothing)
-{
-    testing::internal::CaptureStdout();
-    DebugPrint("%s scored %d of %.1f%%", "Rosa", -3, 12.5);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Rosa scored -3 of 12.5%");
-}
-
-TEST(DebugPrint, CutsATextThatIsTooLong)
+TEST(DebugPrint, FormatsLikePrintfAndCutsATextThatIsTooLongButNotItsLineEnd)
 {
     const std::string name(60000, 'n');
     testing::internal::CaptureStdout();
+    DebugPrint("%s scored %d of %.1f%%", "Rosa", -3, 12.5);
     DebugPrint("%s", name.c_str());
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), std::string(9999, 'n'));
+    DebugPrint("%s\n", name.c_str());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Rosa scored -3 of 12.5%" + name.substr(0, 9999) + name.substr(0, 9998) + "\n");
+}
+
+// A signal that breaks the wait for a reader off must not lead into a write that blocks; the
+// time-out of the test tells.
+TEST(DebugPrint, DropsWhatNobodyReadsUntilSomebodyReadsAgain)
+{
+    struct sigaction interruption = {};
+    interruption.sa_handler = [](int) {};  // without SA_RESTART
+    sigaction(SIGALRM, &interruption, nullptr);
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const int capacity = fcntl(ends[1], F_GETPIPE_SZ);
+    std::string taken(static_cast<std::size_t>(capacity), '.');
+    ASSERT_EQ(write(ends[1], taken.data(), taken.size()), capacity);
+    const int terminal = dup(STDOUT_FILENO);
+    dup2(ends[1], STDOUT_FILENO);
+
+    ualarm(300000, 0);
+    DebugPrint("dropped, the wait broken off\n");
+    DebugPrint("dropped\n");
+    ASSERT_EQ(read(ends[0], taken.data(), taken.size()), capacity);
+    DebugPrint("read\n");
+
+    dup2(terminal, STDOUT_FILENO);
+    const ssize_t size = read(ends[0], taken.data(), taken.size());
+    EXPECT_EQ(taken.substr(0, static_cast<std::size_t>(size)), "read\n");
+    for (const int end : {ends[0], ends[1], terminal}) {
+        close(end);
+    }
 }
