@@ -21,6 +21,8 @@ function(vantor_flags target)
   if(VANTOR_SANITIZERS)
     target_compile_options(${target} PUBLIC
       -fsanitize=${VANTOR_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    # The checks that the sanitizers insert make gcc see uninitialised variables inside the standard library.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(${target} PUBLIC -fsanitize=${VANTOR_SANITIZERS})
   endif()
 endfunction()
