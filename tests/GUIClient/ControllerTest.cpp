@@ -87,13 +87,12 @@ TEST_F(Controller, TheMessageCarriesTheControlsAndTheCamerasOrientation)
 TEST_F(Controller, InputIsSentOnceFiftyMillisecondsHaveGatheredAndTheRestIsDropped)
 {
     const std::pair<std::vector<float>, std::string> cases[] = {
-        // messages per frame
         {{0.017F, 0.017F, 0.017F, 0.017F, 0.017F, 0.017F}, "001001"},
         {{0.05F, 0.05F}, "11"},
         {{0.0499F, 0.0F, 0.00005F, 0.0001F}, "0001"},
         {{0.2F, 0.04F, 0.04F}, "101"},
     };
-    for (const auto& [frames, expected] : cases) {
+    for (const auto& [frames, expected] : cases) {  // how many messages in each of the frames
         sentWithin(1.0F);
         std::string sent;
         for (const float dt : frames) {

@@ -46,8 +46,7 @@ TEST_F(Frame, TheCameraFollowsTheOwnShipInTheShipsFrameAndTheSkyFollowsTheCamera
     drawGL();
     // behind the ship is -x; the camera keeps looking along +z
     EXPECT_EQ(glRecorder.take("LookAt|Translate.* 30$"),
-              script("gluLookAt 5 22 30 5 22 31 0 1 0; glTranslatef 5 22 30; "
-                     "glTranslatef 10 20 30"));
+              script("gluLookAt 5 22 30 5 22 31 0 1 0; glTranslatef 5 22 30; glTranslatef 10 20 30"));
 
     graph->idTable.clear();  // no object has the own id any more: the camera stays
     drawGL();

@@ -1,9 +1,6 @@
 #include "PracticeServer/Match.h"
-#include "PracticeServer/Steering.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 using namespace practice;
 
@@ -20,18 +17,23 @@ Match botMatch(std::uint32_t seed, int bots = 8)
     return match;
 }
 
-/// Two minutes in which bots fight around a human who follows a fixed script.
+void run(Match& match, int steps)
+{
+    for (int i = 0; i < steps; ++i) {
+        match.step();
+    }
+}
+
+/// Two minutes in which bots fight around a human who turns, flies and fires.
 std::uint64_t hashAfterTwoMinutes(std::uint32_t seed)
 {
     Match match = botMatch(seed);
     const ObjectId human = match.addHuman();
-    for (int i = 0; i < 120 * second; ++i) {
-        if (i % 30 == 0) {
-            const float turn = static_cast<float>(i) * 0.01F;
-            const std::uint32_t keys = i % 90 == 0 ? control::fire : control::forward | control::right;
-            match.setInput(human, {Quaternion::FromAxisAngle(turn, Vector3(0, 1, 0)), keys});
-        }
-        match.step();
+    for (int i = 0; i < 240; ++i) {
+        const float turn = static_cast<float>(i) * 0.3F;
+        const std::uint32_t keys = i % 3 == 0 ? control::fire : control::forward | control::right;
+        match.setInput(human, {Quaternion::FromAxisAngle(turn, Vector3(0, 1, 0)), keys});
+        run(match, second / 2);
     }
     return match.stateHash();
 }
@@ -45,79 +47,47 @@ TEST(Bots, TheSameSeedAndInputsGiveTheSameMatch)
     EXPECT_NE(hash, hashAfterTwoMinutes(6));
 }
 
-TEST(Bots, AreSplitEvenlyAndAHumanJoinsTheSmallerTeam)
-{
-    Match match = botMatch(1, 7);
-    const auto blue = [&match] {
-        return std::count_if(match.allShips().begin(), match.allShips().end(),
-                             [](const Ship& s) { return s.team == Team::blue; });
-    };
-    EXPECT_EQ(blue(), 4);
-    match.addHuman();
-    EXPECT_EQ(blue(), 4);
-}
-
 TEST(Bots, KillEachOtherWithinAMinuteAndStayInTheFight)
 {
     for (std::uint32_t seed = 1; seed <= 5; ++seed) {
-        SCOPED_TRACE(seed);
         Match match = botMatch(seed);
-        float farthest = 0.0F;
         for (int i = 0; i < 60 * second; ++i) {
             match.step();
             for (const Ship& ship : match.allShips()) {
-                farthest = std::max(farthest, ship.position.length());
+                ASSERT_LT(ship.position.length(), 240.0F);
             }
         }
         EXPECT_GE(match.teamScore(Team::red), 1);
         EXPECT_GE(match.teamScore(Team::blue), 1);
-        EXPECT_LT(farthest, 240.0F);
     }
 }
 
 TEST(Bots, LeaveANewcomerTimeToLookAroundAndThenAttack)
 {
     for (std::uint32_t seed = 1; seed <= 5; ++seed) {
-        SCOPED_TRACE(seed);
         Match match = botMatch(seed);
         const ObjectId human = match.addHuman();
         int seconds = 0;
-        while (seconds < 90 && match.findShip(human)->health == Rules().fullHealth) {
-            for (int i = 0; i < second; ++i) {
-                match.step();
-            }
-            ++seconds;
+        for (; seconds < 90 && match.findShip(human)->health == Rules().fullHealth; ++seconds) {
+            run(match, second);
         }
         EXPECT_GT(seconds, 20);
         EXPECT_LT(seconds, 90);
     }
 }
 
-TEST(Bots, ThatFlySideBySideMakeRoomForEachOther)
+TEST(Bots, ThatFlySideBySideWithoutAnEnemyMakeRoomFlyOnAndDoNotFire)
 {
-    int roomy = 0;
     for (std::uint32_t seed = 1; seed <= 10; ++seed) {
         Match match = botMatch(seed, 3);
-        const ObjectId left = match.allShips()[0].id;
-        const ObjectId enemy = match.allShips()[1].id;
-        const ObjectId right = match.allShips()[2].id;
-        match.removeShip(enemy);
-        match.editShip(left)->position = Vector3(0, 0, -50);
-        match.editShip(right)->position = Vector3(6, 0, -50);
-        for (int i = 0; i < 2 * second; ++i) {
-            match.step();
-        }
-        roomy += match.findShip(left)->position.distance(match.findShip(right)->position) > 18.0F ? 1 : 0;
+        match.removeShip(match.allShips()[1].id);
+        const Ship& left = *match.editShip(match.allShips()[0].id);
+        Ship& right = *match.editShip(match.allShips()[1].id);
+        right.position = left.position + Vector3(6, 0, 0);
+        run(match, 2 * second);
+        EXPECT_GT(left.position.distance(right.position), 18.0F);
+        run(match, 10 * second);
+        EXPECT_TRUE(match.allShots().empty());
+        EXPECT_GT(left.velocity.length(), 10.0F);
     }
-    EXPECT_EQ(roomy, 10);
-}
-
-TEST(Bots, WithoutAnEnemyFlyOnAndDoNotFire)
-{
-    Match match = botMatch(1, 1);
-    for (int i = 0; i < 20 * second; ++i) {
-        match.step();
-        ASSERT_TRUE(match.allShots().empty());
-    }
-    EXPECT_GT(match.allShips().front().velocity.length(), 10.0F);
 }

@@ -1,20 +1,27 @@
 #include "PracticeServer/Match.h"
-#include "tests/PracticeServer/Recorder.h"
+
+#include "PracticeServer/MatchBroadcast.h"
+#include "tests/PracticeServer/TestClient.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace practice;
 
 namespace {
 
-/// Ships of alternating teams, blue first, that are placed by hand and look along +z.
+constexpr unsigned int shotType = 1;
+
+/// A match and what its broadcast sends without loss. Ships are placed by hand, look along +z and belong to
+/// alternating teams, blue first.
 class MatchTest : public testing::Test
 {
 protected:
-    Recorder recorder;
-    Match match{1, &recorder};
+    Heard heard;
+    Match match{1, &broadcast};
+    MatchBroadcast broadcast{match, [this](std::string frame) { heard.take(frame); }};
 
     ObjectId place(const Vector3& position)
     {
@@ -22,150 +29,111 @@ protected:
         match.editShip(id)->position = position;
         return id;
     }
-    void hold(ObjectId id, std::uint32_t controls) { match.setInput(id, {Quaternion(), controls}); }
-    void run(float seconds)
+    ObjectId placeDead(const Vector3& position)
     {
-        for (int i = 0; i < static_cast<int>(std::lround(seconds * 60.0F)); ++i) {
+        const ObjectId id = place(position);
+        match.editShip(id)->alive = false;
+        match.editShip(id)->respawnIn = 100.0F;
+        return id;
+    }
+    void step(int times = 1)
+    {
+        for (int i = 0; i < times; ++i) {
             match.step();
+            broadcast.afterStep();
         }
     }
+    void hold(ObjectId id, std::uint32_t controls) { match.setInput(id, {Quaternion(), controls}); }
     void fireOnce(ObjectId id)
     {
         hold(id, control::fire);
-        match.step();
+        step();
         hold(id, 0);
     }
     float health(ObjectId id) const { return match.findShip(id)->health; }
+    static Heard heardIn(std::vector<std::string> runs)
+    {
+        Heard result;
+        for (std::string& run : runs) {
+            result.take(run);
+        }
+        return result;
+    }
+    Heard snapshot() { return heardIn(broadcast.takeSnapshot()); }
 };
 
 }  // namespace
 
-TEST_F(MatchTest, EveryShipGetsItsOwnIdAboveTheClientsOwn)
-{
-    const ObjectId first = match.addBot();
-    const ObjectId second = match.addHuman();
-    EXPECT_GE(first, ObjectId(1) << 32U);
-    EXPECT_GT(second, first);
-}
-
-TEST_F(MatchTest, AHitTakesHealthFromTheEnemyAndEndsTheShot)
-{
-    const ObjectId shooter = place({0, 0, 0});
-    const ObjectId enemy = place({0, 0, 80});
-    fireOnce(shooter);
-    run(1.0F);
-    EXPECT_EQ(health(enemy), Rules().fullHealth - Rules().shotDamage);
-    EXPECT_EQ(health(shooter), Rules().fullHealth);
-    EXPECT_EQ(recorder.count("ended"), 1);
-    EXPECT_TRUE(match.allShots().empty());
-}
-
-TEST_F(MatchTest, AShotThatIsFarFasterThanAShipIsLongStillHits)
-{
-    Rules rules;
-    rules.shotSpeed = 20000.0F;
-    rules.shotRange = 2000.0F;
-    match = Match(1, &recorder, rules);
-    const ObjectId shooter = place({0, 0, 0});
-    const ObjectId enemy = place({4, 0, 200});
-    fireOnce(shooter);
-    run(0.1F);
-    EXPECT_LT(health(enemy), rules.fullHealth);
-}
-
-TEST_F(MatchTest, AShotPassesAFriendAndHitsTheFirstEnemyBehind)
+TEST_F(MatchTest, AShotIsAnnouncedPassesAFriendAndEndsAtTheFirstEnemy)
 {
     const ObjectId shooter = place({0, 0, 0});
     const ObjectId farEnemy = place({0, 0, 120});
     const ObjectId friendly = place({0, 0, 40});
     const ObjectId nearEnemy = place({0, 0, 80});
-    ASSERT_EQ(match.findShip(friendly)->team, match.findShip(shooter)->team);
+    heard = {};
     fireOnce(shooter);
-    run(1.0F);
-    EXPECT_EQ(health(friendly), Rules().fullHealth);
-    EXPECT_LT(health(nearEnemy), Rules().fullHealth);
-    EXPECT_EQ(health(farEnemy), Rules().fullHealth);
-}
+    ASSERT_EQ(heard.infos.size(), 1U);
+    const Vantor::ObjectInfo& shot = heard.infos[0];
+    EXPECT_EQ(shot.objecttype(), shotType);
+    EXPECT_EQ(shot.orientation().w(), 1.0F);
+    EXPECT_EQ(shot.projectiledata().velocity().z(), Rules().shotSpeed);
+    EXPECT_TRUE(shot.projectiledata().blueteam());
+    EXPECT_EQ(shot.timestamp(), match.timestamp());
 
-TEST_F(MatchTest, AShipThatOvertakesItsOwnShotIsNotHurt)
-{
-    Rules rules;
-    rules.shotSpeed = 1.0F;
-    rules.shotRange = 30.0F;
-    match = Match(1, &recorder, rules);
-    const ObjectId shooter = place({0, 0, -300});
-    fireOnce(shooter);
-    hold(shooter, control::forward);
-    run(5.0F);
-    EXPECT_GT(match.findShip(shooter)->position.z, match.allShots().front().position.z);
-    EXPECT_EQ(health(shooter), rules.fullHealth);
+    step(60);
+    EXPECT_EQ(health(shooter) + health(friendly) + health(farEnemy), 3 * Rules().fullHealth);
+    EXPECT_EQ(health(nearEnemy), Rules().fullHealth - Rules().shotDamage);
+    EXPECT_TRUE(match.allShots().empty());
+    ASSERT_EQ(heard.destroys.size(), 1U);
+    EXPECT_EQ(heard.destroys[0].id(), shot.id());
 }
 
 TEST_F(MatchTest, ShotsComeAtTheReloadRateAndEndAtTheirRange)
 {
     const ObjectId shooter = place({0, 0, -300});
     hold(shooter, control::fire);
-    run(1.99F);
-    EXPECT_EQ(recorder.count("fired"), 8);
+    step(119);
     hold(shooter, 0);
+    EXPECT_EQ(match.allShots().size(), 8U);
     const float farthest = Rules().shotRange + Rules().muzzleDistance + 4.0F;  // one step of flight more
-    for (int i = 0; i < 300 && !match.allShots().empty(); ++i) {
-        EXPECT_LT(match.allShots().front().position.z, -300.0F + farthest);
-        match.step();
+    for (int i = 0; i < 300; ++i) {
+        step();
+        for (const Shot& shot : match.allShots()) {
+            ASSERT_LT(shot.position.z, -300.0F + farthest);
+        }
     }
-    EXPECT_EQ(recorder.count("ended"), 8);
+    EXPECT_EQ(heard.destroys.size(), 8U);
 }
 
-TEST_F(MatchTest, AKillScoresForShooterAndTeamAndTheVictimReturnsWhole)
+TEST_F(MatchTest, AKillScoresLeavesExplosionsAndTheVictimReturnsWholeUnderItsId)
 {
     const ObjectId shooter = place({0, 0, 0});
     const ObjectId victim = place({0, 0, 50});
     match.editShip(victim)->health = 5.0F;
-    recorder.events.clear();
     fireOnce(shooter);
-    run(1.0F);
-    const std::vector<std::string> expected = {"fired", "ended", "exploded", "vanished", "data"};
-    EXPECT_EQ(recorder.events, expected);
+    step(60);
     EXPECT_EQ(match.findShip(shooter)->score, 1);
     EXPECT_EQ(match.teamScore(Team::blue), 1);
     EXPECT_EQ(match.teamScore(Team::red), 0);
-    EXPECT_FALSE(match.findShip(victim)->alive);
+    EXPECT_EQ(heard.destroys.size(), 1U + 1U + 3U);  // shot, ship, debris
+    for (const auto& destroy : heard.destroys) {
+        EXPECT_TRUE(std::any_of(heard.infos.begin(), heard.infos.end(),
+                                [&](const auto& info) { return info.id() == destroy.id(); }));
+    }
+    // The shooter's new score went as full state, and still the clients must hear something.
+    EXPECT_EQ(broadcast.takeSnapshot(), std::vector<std::string>{""});
 
+    heard = {};
     hold(victim, control::fire | control::forward);  // the dead neither fly nor shoot
-    run(Rules().respawnTime - 1.1F);
+    step(60 * 3 - 10);
     EXPECT_FALSE(match.findShip(victim)->alive);
-    EXPECT_EQ(recorder.count("fired"), 1);
+    EXPECT_TRUE(heard.infos.empty());
     hold(victim, 0);
-    run(1.0F);
-    EXPECT_TRUE(match.findShip(victim)->alive);
-    EXPECT_EQ(health(victim), Rules().fullHealth);
-    EXPECT_EQ(recorder.count("appeared"), 1);
-}
-
-TEST_F(MatchTest, AKillByAShooterWhoLeftStillScoresForTheTeamAndIsAnnounced)
-{
-    const ObjectId shooter = place({0, 0, 0});
-    const ObjectId victim = place({0, 0, 50});
-    place({300, 0, 0});
-    match.editShip(victim)->health = 5.0F;
-    fireOnce(shooter);
-    match.removeShip(shooter);
-    recorder.events.clear();
-    run(1.0F);
-    EXPECT_EQ(match.teamScore(Team::blue), 1);
-    EXPECT_EQ(recorder.count("data"), 1);
-}
-
-TEST_F(MatchTest, ALeavingShipVanishesOnceAndADeadOneSilently)
-{
-    const ObjectId living = place({0, 0, 0});
-    const ObjectId dead = place({0, 0, 50});
-    match.editShip(dead)->alive = false;
-    match.removeShip(living);
-    match.removeShip(dead);
-    match.removeShip(dead);
-    EXPECT_EQ(recorder.count("vanished"), 1);
-    EXPECT_TRUE(match.allShips().empty());
+    step(60);
+    ASSERT_EQ(heard.infos.size(), 1U);
+    EXPECT_EQ(heard.infos[0].id(), victim);
+    EXPECT_EQ(heard.infos[0].playerdata().health(), Rules().fullHealth);
+    EXPECT_EQ(heard.infos[0].playerdata().blueteamscore(), 1);
 }
 
 TEST_F(MatchTest, HumansStartWithTheFightInView)
@@ -173,15 +141,61 @@ TEST_F(MatchTest, HumansStartWithTheFightInView)
     for (int i = 0; i < 12; ++i) {
         const Ship& ship = *match.findShip(match.addHuman());
         EXPECT_LT(ship.position.z, -100.0F);
-        EXPECT_LT(std::fabs(ship.position.x) / -ship.position.z,
-                  std::tan(0.6F));  // 34 of the view's 37 degrees
+        EXPECT_LT(std::fabs(ship.position.x) / -ship.position.z, std::tan(0.6F));  // of the view's 37 degrees
         EXPECT_EQ(ship.position.x < 0.0F, ship.team == Team::blue);
         EXPECT_EQ(ship.orientation, Quaternion());
     }
 }
 
-TEST_F(MatchTest, TimestampsCountMatchTimeInMilliseconds)
+TEST_F(MatchTest, ChangedDataLeavesWithTheSnapshotInPlaceOfTheUpdate)
 {
-    run(1.0F);
-    EXPECT_EQ(match.timestamp(), 1000U);
+    const ObjectId shooter = place({0, 0, 0});
+    const ObjectId enemy = place({0, 0, 20});
+    fireOnce(shooter);
+    heard = {};
+    step(20);
+    EXPECT_TRUE(heard.infos.empty());
+    const Heard first = snapshot();
+    ASSERT_EQ(first.updates.size(), 1U);
+    EXPECT_EQ(first.updates[0].id(), shooter);
+    ASSERT_EQ(heard.infos.size(), 1U);
+    EXPECT_EQ(heard.infos[0].id(), enemy);
+    EXPECT_EQ(heard.infos[0].playerdata().health(), Rules().fullHealth - Rules().shotDamage);
+    EXPECT_EQ(snapshot().updates.size(), 1U);  // still the same match time
+    step(3);
+    const Heard next = snapshot();
+    EXPECT_EQ(next.updates.size(), 2U);
+    EXPECT_EQ(next.updates[0].timestamp() - first.updates[0].timestamp(), 50U);
+}
+
+TEST_F(MatchTest, AShooterWhoLeavesVanishesOnceAndHisShotStillScoresForTheTeam)
+{
+    const ObjectId shooter = place({0, 0, 0});
+    match.editShip(place({0, 0, 50}))->health = 5.0F;
+    const ObjectId dead = placeDead({300, 0, 0});
+    fireOnce(shooter);
+    for (const ObjectId id : {shooter, dead, dead}) {
+        match.removeShip(id);
+    }
+    place({-300, 0, 0});
+    ASSERT_EQ(heard.destroys.size(), 1U);
+    EXPECT_EQ(heard.destroys[0].id(), shooter);
+    step(60);
+    snapshot();
+    EXPECT_EQ(match.teamScore(Team::blue), 1);
+    EXPECT_EQ(heard.infos.back().playerdata().blueteamscore(), 1);
+}
+
+TEST_F(MatchTest, APointBlankShotIsShownForAWhileAndTheDeadAreNotIntroduced)
+{
+    const ObjectId shooter = place({0, 0, 0});
+    place({0, 0, 10});
+    placeDead({0, 0, -80});
+    fireOnce(shooter);
+    EXPECT_EQ(heardIn(broadcast.introduction()).infos.size(), 3U);  // two ships and the shot
+    step(5);
+    ASSERT_TRUE(match.allShots().empty());  // it has hit
+    EXPECT_TRUE(heard.destroys.empty());
+    step(10);
+    EXPECT_EQ(heard.destroys.size(), 1U);
 }

@@ -2,31 +2,12 @@
 
 #include "network/Framing.h"
 
+#include <gtest/gtest.h>
 #include <boost/asio/write.hpp>
 
 #include <array>
-#include <stdexcept>
 
-namespace {
-
-const boost::asio::ip::address_v4 loopback = boost::asio::ip::address_v4::loopback();
-
-/// Moves the whole frames at the front of `stream` into `messages`.
-void cut(std::string& stream, std::vector<ServerMessage>& messages)
-{
-    while (const unsigned short length = framing::wholeFrameLength(stream.data(), stream.size())) {
-        messages.push_back(
-            {static_cast<MessageTypes::MessageType>(stream[2]), stream.substr(3, length - 1U)});
-        stream.erase(0, framing::lengthSize + length);
-    }
-}
-
-Vector3 vectorOf(const Vantor::Position& p)
-{
-    return {p.x(), p.y(), p.z()};
-}
-
-}  // namespace
+static const boost::asio::ip::address_v4 loopback = boost::asio::ip::address_v4::loopback();
 
 std::string steeringFrame(std::uint16_t qport, const practice::ShipInput& input)
 {
@@ -42,50 +23,64 @@ std::string steeringFrame(std::uint16_t qport, const practice::ShipInput& input)
     return frame;
 }
 
-std::vector<ServerMessage> messagesIn(const std::string& frames)
+void Heard::take(std::string& stream)
 {
-    std::vector<ServerMessage> messages;
-    std::string rest = frames;
-    cut(rest, messages);
-    if (!rest.empty()) {
-        throw std::runtime_error("half a frame at the end");
+    while (const std::size_t length = framing::wholeFrameLength(stream.data(), stream.size())) {
+        const std::string body = stream.substr(3, length - 1);
+        types.push_back(static_cast<MessageTypes::MessageType>(stream[2]));
+        stream.erase(0, 2 + length);
+        switch (types.back()) {
+            case MessageTypes::WELCOME:
+                welcome.ParseFromString(body);
+                break;
+            case MessageTypes::OBJECT_INFO:
+                infos.emplace_back().ParseFromString(body);
+                break;
+            case MessageTypes::OBJECT_UPDATE:
+                updates.emplace_back().ParseFromString(body);
+                break;
+            default:
+                destroys.emplace_back().ParseFromString(body);
+        }
     }
-    return messages;
+}
+
+Vector3 Heard::positionOf(std::uint64_t id) const
+{
+    const Vantor::Position* newest = nullptr;
+    for (const Vantor::ObjectInfo& info : infos) {
+        newest = info.id() == id && newest == nullptr ? &info.position() : newest;
+    }
+    for (const Vantor::ObjectUpdate& update : updates) {
+        newest = update.id() == id ? &update.position() : newest;
+    }
+    EXPECT_NE(newest, nullptr) << "nothing is known of that ship";
+    return newest == nullptr ? Vector3() : Vector3(newest->x(), newest->y(), newest->z());
 }
 
 TestClient::TestClient(std::uint16_t serverPort)
     : tcp(io), udp(io, {loopback, 0}), server(loopback, serverPort)
 {
     tcp.connect({loopback, serverPort});
-    tcp.non_blocking(true);
-    udp.non_blocking(true);
 }
 
 void TestClient::poll()
 {
     std::array<char, 65536> buffer;
     boost::system::error_code error;
-    for (;;) {
-        const std::size_t bytes = udp.receive_from(boost::asio::buffer(buffer), server, 0, error);
-        if (error) {
-            break;
-        }
-        datagrams.emplace_back(buffer.data(), bytes);
+    while (udp.available() > 0) {
+        datagrams.emplace_back(buffer.data(), udp.receive_from(boost::asio::buffer(buffer), server));
+        std::string frames = datagrams.back();
+        heard.take(frames);
+        EXPECT_EQ(frames, "") << "half a frame at a datagram's end";
     }
-    while (tcp.is_open()) {
-        const std::size_t bytes = tcp.read_some(boost::asio::buffer(buffer), error);
-        if (error) {
-            serverHungUp = error != boost::asio::error::would_block;
-            break;
-        }
-        stream.append(buffer.data(), bytes);
+    tcp.non_blocking(true, error);
+    while (!error) {
+        stream.append(buffer.data(), tcp.read_some(boost::asio::buffer(buffer), error));
     }
-    cut(stream, reliable);
-}
-
-void TestClient::steer(const practice::ShipInput& input)
-{
-    sendDatagram(steeringFrame(qport(), input));
+    serverHungUp =
+        serverHungUp || error == boost::asio::error::eof || error == boost::asio::error::connection_reset;
+    heard.take(stream);
 }
 
 void TestClient::sendDatagram(const std::string& bytes)
@@ -97,37 +92,4 @@ void TestClient::sendStream(const std::string& bytes)
 {
     tcp.non_blocking(false);
     boost::asio::write(tcp, boost::asio::buffer(bytes));
-    tcp.non_blocking(true);
-}
-
-std::vector<Vantor::ObjectInfo> TestClient::infos() const
-{
-    return messagesOf<Vantor::ObjectInfo>(reliable, MessageTypes::OBJECT_INFO);
-}
-
-std::vector<Vantor::ObjectUpdate> TestClient::updates() const
-{
-    std::vector<Vantor::ObjectUpdate> all;
-    for (const std::string& datagram : datagrams) {
-        for (const ServerMessage& message : messagesIn(datagram)) {
-            all.push_back(message.as<Vantor::ObjectUpdate>());
-        }
-    }
-    return all;
-}
-
-Vector3 TestClient::positionOf(std::uint64_t id) const
-{
-    const auto moves = updates();
-    for (auto update = moves.rbegin(); update != moves.rend(); ++update) {
-        if (update->id() == id) {
-            return vectorOf(update->position());
-        }
-    }
-    for (const Vantor::ObjectInfo& info : infos()) {
-        if (info.id() == id) {
-            return vectorOf(info.position());
-        }
-    }
-    throw std::runtime_error("nothing is known of that ship");
 }

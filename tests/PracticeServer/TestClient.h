@@ -8,46 +8,28 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ip/udp.hpp>
 
-#include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
 /// A client's steering as it goes over the wire.
 std::string steeringFrame(std::uint16_t qport, const practice::ShipInput& input);
 
-/// A message the server sent, still packed.
-struct ServerMessage
+/// What a server has said, in order.
+struct Heard
 {
-    MessageTypes::MessageType type;
-    std::string body;
+    std::vector<MessageTypes::MessageType> types;
+    Vantor::Welcome welcome;
+    std::vector<Vantor::ObjectInfo> infos;
+    std::vector<Vantor::ObjectUpdate> updates;
+    std::vector<Vantor::ObjectDestroy> destroys;
 
-    template <typename Message>
-    Message as() const
-    {
-        Message message;
-        message.ParseFromString(body);
-        return message;
-    }
+    /// Moves the whole frames at the front of the stream here.
+    void take(std::string& stream);
+    /// The newest state of a ship; its announcement counts.
+    Vector3 positionOf(std::uint64_t id) const;
 };
 
-/// The messages in a run of server frames.
-std::vector<ServerMessage> messagesIn(const std::string& frames);
-
-/// The messages of one class, parsed.
-template <typename Message>
-std::vector<Message> messagesOf(const std::vector<ServerMessage>& messages, MessageTypes::MessageType type)
-{
-    std::vector<Message> found;
-    for (const ServerMessage& message : messages) {
-        if (message.type == type) {
-            found.push_back(message.as<Message>());
-        }
-    }
-    return found;
-}
-
-/// A player's end of the protocol over real sockets on 127.0.0.1; never blocks, so that one test thread can
+/// A player's end of the protocol over real sockets on 127.0.0.1; never waits, so that one test thread can
 /// run it together with a server.
 class TestClient
 {
@@ -56,24 +38,18 @@ public:
 
     /// Takes what has arrived.
     void poll();
-    void steer(const practice::ShipInput& input);
+    void steer(const practice::ShipInput& input) { sendDatagram(steeringFrame(qport(), input)); }
     void sendDatagram(const std::string& bytes);
     void sendStream(const std::string& bytes);
     void hangUp() { tcp.close(); }
 
-    bool isWelcome() const { return !reliable.empty(); }
-    /// The first message, which must be the welcome.
-    Vantor::Welcome welcome() const { return reliable.at(0).as<Vantor::Welcome>(); }
-    std::uint16_t qport() const { return static_cast<std::uint16_t>(welcome().qport()); }
+    std::uint64_t id() const { return heard.welcome.id(); }
+    std::uint16_t qport() const { return static_cast<std::uint16_t>(heard.welcome.qport()); }
+    Vector3 position() const { return heard.positionOf(id()); }
 
-    std::vector<ServerMessage> reliable;  ///< all that came over TCP
+    Heard heard;
     std::vector<std::string> datagrams;
     bool serverHungUp = false;
-
-    std::vector<Vantor::ObjectInfo> infos() const;
-    std::vector<Vantor::ObjectUpdate> updates() const;
-    /// The newest known position; the own ship's announcement counts.
-    Vector3 positionOf(std::uint64_t id) const;
 
 private:
     boost::asio::io_context io;

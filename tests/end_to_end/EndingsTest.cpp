@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <functional>
+#include <regex>
 
 using namespace std::chrono_literals;
 using support::Clock;
@@ -60,48 +61,48 @@ TEST(Endings, UdpSilenceEndsTheClientWithStatusOneOnlyAfterTheTimeout)
     GameSession game({"--udp-timeout", "2"});
     game.join(lonelyShip());
     EXPECT_EQ(game.client->end(4s), "still running") << "the heartbeat keeps it alive";
-    game.server.stopHeartbeat();
+    game.server.hasHeartbeat = false;
     const Clock::time_point silent = Clock::now();
     EXPECT_EQ(endOf(*game.client, "No UDP packet received in 2 - exiting with error Success\n"), "status 1");
     EXPECT_GT(Clock::now() - silent, 1700ms);  // the last beat may lie 100 ms back
     EXPECT_LT(Clock::now() - silent, 5s);
 }
 
-TEST(Endings, WithoutAConnectionTheClientEndsWithStatusOneAndSaysWhere)
+TEST(Endings, WithoutAConnectionHaveStatusOneAndSayWhereAndAfterABadOptionAreAbnormal)
 {
     const std::string closedPort = ScriptedServer().port();  // free a moment ago
-    // A label of more than 63 characters is no name: the resolver asks nobody.
-    const std::pair<std::string, std::string> cases[] = {
-        {"127.0.0.1", closedPort}, {std::string(70, 'x'), "21042"}, {"127.0.0.1", "no-such-service"}};
-    for (const auto& [host, port] : cases) {
-        Process client(support::clientCommand("", {"--host", host, "--port", port}));
-        EXPECT_EQ(endOf(client, "Could not connect to " + host + ":" + port + "\nException: "), "status 1");
+    const std::string nobody(70, 'x');                       // too long for a name: the resolver asks nobody
+    const std::string aborted = "signal " + std::to_string(SIGABRT);
+    const struct
+    {
+        std::vector<std::string> arguments;
+        std::string end, lastWords;
+    } cases[] = {
+        {{"--port", closedPort},
+         "status 1",
+         "Could not connect to 127.0.0.1:" + closedPort + "\nException: "},
+        {{"--host", nobody}, "status 1", "Could not connect to " + nobody + ":21042\nException: "},
+        {{"--port", "no-such-service"}, "status 1", "connect to 127.0.0.1:no-such-service\nException: "},
+        {{"--no-such-option"}, aborted, ""},
+        {{"--udp-timeout", "soon"}, aborted, ""},
+        {{"--port"}, aborted, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.arguments.back());
+        Process client(support::clientCommand("", c.arguments));
+        EXPECT_EQ(endOf(client, c.lastWords), c.end);
     }
 }
 
 TEST(Endings, HelpListsTheOptionsInOrderConnectsToNobodyAndEndsWithStatusOne)
 {
     const ScriptedServer server;
-    Process client(support::clientCommand("", {"--host", "127.0.0.1", "--port", server.port(), "--help"}));
+    Process client(support::clientCommand("", {"--port", server.port(), "--help"}));
     EXPECT_EQ(client.end(), "status 1");
-    EXPECT_FALSE(server.isConnected());
-    const std::string text = client.output();
-    std::size_t at = 0;
-    for (const char* part :
-         {"Allowed options:", "--help", "produce help message", "--host", "set game server host", "--port",
-          "(=21042)", "set game server port", "--udp-timeout", "(=10)", "exit if no packets received"}) {
-        at = text.find(part, at);
-        ASSERT_NE(at, std::string::npos) << part << " is missing or out of order in\n" << text;
-    }
-}
-
-TEST(Endings, AMalformedCommandLineEndsAbnormally)
-{
-    const std::vector<std::vector<std::string>> cases = {
-        {"--no-such-option"}, {"--udp-timeout", "soon"}, {"--port"}};
-    for (const std::vector<std::string>& arguments : cases) {
-        SCOPED_TRACE(arguments.front());
-        Process client(support::clientCommand("", arguments));
-        EXPECT_EQ(client.end(), "signal " + std::to_string(SIGABRT)) << client.output();
-    }
+    EXPECT_FALSE(server.record().connected);
+    const std::regex options(
+        "Allowed options:[^]*--help[^]*produce help message[^]*--host[^]*set game server host"
+        "[^]*--port[^]*=21042[^]*set game server port[^]*--udp-timeout[^]*=10[^]*exit if no"
+        " packets received");
+    EXPECT_TRUE(std::regex_search(client.output(), options)) << client.output();
 }

@@ -12,7 +12,7 @@ GameSession::GameSession(std::vector<std::string> arguments, const std::vector<s
     const std::vector<std::string> address = {"--host", "127.0.0.1", "--port", server.port()};
     arguments.insert(arguments.end(), address.begin(), address.end());
     client.emplace(support::clientCommand(display.name(), arguments, wrapper));
-    if (!support::eventually([this] { return !server.datagrams().empty(); }, 40s)) {
+    if (!support::eventually([this] { return !server.record().datagrams.empty(); }, 40s)) {
         throw std::runtime_error("the client sends no datagram; it printed:\n" + client->output());
     }
 }
@@ -28,8 +28,13 @@ void GameSession::join(const support::Ship& ownShip)
 {
     own = ownShip;
     server.sendTcp(support::welcome(ownId, 1) + support::shipInfo(own));
-    EXPECT_TRUE(server.awaitUpdate([](const support::Steering& s) { return s.qport == 1; }));
+    EXPECT_TRUE(awaitUpdate([](const support::Steering& s) { return s.qport == 1; }));
     std::this_thread::sleep_for(300ms);  // the frames in which the first mouse reading turns the view
+}
+
+bool GameSession::awaitUpdate(const std::function<bool(const support::Steering&)>& wanted) const
+{
+    return support::eventually([&] { return wanted(server.lastSteering()); }, 5s);
 }
 
 std::string GameSession::leave()

@@ -3,6 +3,7 @@
 #include "tests/support/ScriptedServer.h"
 #include "tests/support/VirtualDisplay.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +23,8 @@ public:
 
     /// Welcomes the client and gives it its ship, then waits until the mouse has come to rest.
     void join(const support::Ship& ownShip);
+    /// Waits until the newest update is like this.
+    bool awaitUpdate(const std::function<bool(const support::Steering&)>& wanted) const;
     /// Presses Escape and tells how the client ended.
     std::string leave();
     /// What the screen shows after some frames.

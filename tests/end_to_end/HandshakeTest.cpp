@@ -11,7 +11,7 @@ namespace {
 // The most updates in any second that starts at one of them; 0 until there are three seconds of them.
 long mostPerSecond(const support::ScriptedServer& server)
 {
-    const auto all = server.datagrams();
+    const auto all = server.record().datagrams;
     if (all.back().arrival < all.front().arrival + 3s) {
         return 0;
     }
@@ -29,12 +29,13 @@ TEST(Handshake, TheClientOnlyListensOnTcpAndPutsTheQportBeforeEveryLaterDatagram
 {
     GameSession game;
     game.server.sendTcp(support::welcome(GameSession::ownId, 0x1BEEF));  // only 16 bits of it count
-    ASSERT_TRUE(game.server.awaitUpdate([](const auto& update) { return update.qport != 0; }));
-    const std::size_t before = game.server.datagrams().size();
-    ASSERT_TRUE(support::eventually([&] { return game.server.datagrams().size() > before + 20; }));
+    ASSERT_TRUE(game.awaitUpdate([](const auto& update) { return update.qport != 0; }));
+    const std::size_t before = game.server.record().datagrams.size();
+    ASSERT_TRUE(support::eventually([&] { return game.server.record().datagrams.size() > before + 20; }));
 
     int qport = 0;
-    for (const auto& datagram : game.server.datagrams()) {
+    const auto record = game.server.record();
+    for (const auto& datagram : record.datagrams) {
         const std::optional<support::Steering> update = support::parseSteering(datagram.bytes);
         ASSERT_TRUE(update) << "no lone frame of a ClientUpdate";
         qport = update->qport == 0 ? qport : 0xBEEF;
@@ -42,7 +43,7 @@ TEST(Handshake, TheClientOnlyListensOnTcpAndPutsTheQportBeforeEveryLaterDatagram
         EXPECT_EQ(update->boosters, 0U);
         EXPECT_NEAR(update->orientation.length(), 1.0F, 1e-4F);
     }
-    EXPECT_EQ(game.server.tcpBytesReceived(), 0U);
+    EXPECT_EQ(record.tcpBytes, 0U);
 }
 
 // A slow machine sends less, but a client that keeps its pace shows it in some second; no second may have

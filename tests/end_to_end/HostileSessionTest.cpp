@@ -31,47 +31,32 @@ std::string named(std::uint64_t id, const std::string& name)
     return shipInfo(ship);
 }
 
-// Every cut of every kind of message, and each one's body under every type byte.
+// Cuts of every kind of message, bodies under other type bytes, and noise.
 Frames brokenFrames()
 {
     Frames broken;
     for (const std::string& whole :
          {shipInfo(lonelyShip()), shotInfo(21, true, {}), update(own, 1, {}), destroy(1), welcome(own, 1)}) {
-        const std::string body = whole.substr(3);
-        for (std::size_t cut = 0; cut < body.size(); ++cut) {
-            broken.push_back(frame(static_cast<unsigned char>(whole[2]), body.substr(0, cut)));
+        for (std::size_t cut = 3; cut < whole.size(); ++cut) {
+            broken.push_back(frame(static_cast<unsigned char>(whole[2]), whole.substr(3, cut - 3)));
         }
-        for (const int type : {0, 1, 2, 3, 4, 5, 6, 7, 127, 128, 255}) {
-            if (type != whole[2]) {
-                broken.push_back(frame(static_cast<unsigned char>(type), body));
-            }
+        for (const unsigned int type : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 255U}) {
+            broken.push_back(frame(static_cast<unsigned char>(type), whole.substr(3)));
         }
-    }
-    return broken;
-}
-
-// Datagrams that end inside a frame, and noise; a stream would wait for the rest.
-Frames brokenDatagrams()
-{
-    const std::string whole = shipInfo(lonelyShip()) + update(own, 1, {});
-    Frames broken = {std::string(2, '\0')};
-    for (std::size_t cut = 0; cut < whole.size(); ++cut) {
-        broken.push_back(whole.substr(0, cut));
     }
     unsigned int state = 12345;
-    for (const std::size_t size : {1U, 2U, 3U, 64U, 1400U, 9000U, 60000U}) {
+    for (const std::size_t size : {1U, 64U, 1400U, 60000U}) {
         std::string noise(size, '\0');
         for (char& c : noise) {
             state = state * 1664525U + 1013904223U;
             c = static_cast<char>(state >> 24U);
         }
-        broken.push_back(noise);
         broken.push_back(frame(1, noise));
     }
     return broken;
 }
 
-Frames numbersThatAreNone()
+Frames strangeNumbers()
 {
     Frames frames = {frame(2, "\x08\x07\x10\x01")};  // an update of the own ship without place and turn
     for (const float value : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), Limits::max(),
@@ -86,12 +71,6 @@ Frames numbersThatAreNone()
         ship.position = {};
         frames.push_back(shipInfo(ship) + destroy(31));
     }
-    return frames;
-}
-
-Frames timesThatJump()
-{
-    Frames frames;
     for (const std::uint32_t time :
          {5000U, 5000U, 4999U, 0U, 0xFFFFFFFFU, 0U, 1U, 0x80000000U, 0x7FFFFFFFU}) {
         frames.push_back(update(own, time, Vector3(0, 0, 3000.0F + static_cast<float>(time % 7U))));
@@ -119,17 +98,19 @@ const Frames twistedObjects = {
     destroy(61) + destroy(62)};
 
 // The client draws between any two frames, unless they are very many.
-void attack(GameSession& game, const Frames& frames, bool overTcp)
+void attack(GameSession& game, const Frames& frames)
 {
     for (const std::string& bytes : frames) {
+        game.server.sendTcp(bytes);
         game.server.sendUdp(bytes);
-        if (overTcp) {
-            game.server.sendTcp(bytes);
-        }
+        game.server.sendUdp(bytes.substr(0, bytes.size() / 2));  // a stream would wait for the rest
+        game.server.sendUdp(bytes.substr(2));
         std::this_thread::sleep_for(frames.size() > 100 ? 1ms : 20ms);
     }
     std::this_thread::sleep_for(200ms);
-    ASSERT_TRUE(game.server.awaitUpdate([](const auto&) { return true; })) << game.client->end(1s);
+    const std::size_t before = game.server.record().datagrams.size();
+    ASSERT_TRUE(support::eventually([&] { return game.server.record().datagrams.size() > before; }))
+        << game.client->end(1s);
 }
 
 }  // namespace
@@ -138,10 +119,9 @@ TEST(HostileSession, TheClientLivesThroughEveryAttackDrawsAndLeavesWithStatusZer
 {
     GameSession game;
     game.join(lonelyShip());
-    for (const Frames& frames : {twistedObjects, numbersThatAreNone(), timesThatJump(), brokenFrames()}) {
-        ASSERT_NO_FATAL_FAILURE(attack(game, frames, true));
+    for (const Frames& frames : {twistedObjects, strangeNumbers(), brokenFrames()}) {
+        ASSERT_NO_FATAL_FAILURE(attack(game, frames));
     }
-    ASSERT_NO_FATAL_FAILURE(attack(game, brokenDatagrams(), false));
     game.server.sendTcp(std::string(2, '\0') + destroy(own));  // what follows a length of 0 is never read
 
     // A new own ship and a friend ahead of it are on the screen as if nothing had happened.

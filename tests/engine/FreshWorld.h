@@ -8,9 +8,8 @@
 
 #include <gtest/gtest.h>
 
-/// A test that starts with an empty scene, empty caches and a camera at the
-/// origin: the program's singletons are put back, and nothing has been
-/// recorded.
+/// A test that starts with an empty scene, empty caches and a camera at the origin: the program's singletons
+/// are put back, and nothing has been recorded.
 class FreshWorld : public testing::Test
 {
 protected:

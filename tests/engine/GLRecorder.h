@@ -6,13 +6,11 @@
 #include <deque>
 #include <string>
 
-/// Stands in for OpenGL, GLU, SDL, SDL_image and SDL_ttf: a test executable
-/// that links it has their functions from here. It writes down every call in
-/// order, and answers as the fields below say.
+/// Stands in for OpenGL, GLU, SDL, SDL_image and SDL_ttf: a test executable that links it has their functions
+/// from here. It writes down every call in order, and answers as the fields below say.
 struct GLRecorder
 {
-    /// From now on images, windows, fonts and rendered texts can be had: a
-    /// surface without pixels.
+    /// From now on images, windows, fonts and rendered texts can be had: a surface without pixels.
     void deliver(int bytesPerPixel, unsigned int redMask, int width, int height);
     SDL_Surface* delivered() { return surface.format == nullptr ? nullptr : &surface; }
     /// Queues an event for SDL_PollEvent.
@@ -34,6 +32,6 @@ struct GLRecorder
 
 extern GLRecorder glRecorder;
 
-/// The calls as take() tells them, from a text with a semicolon between two and
-/// OpenGL's names for its numbers.
+/// The calls as take() tells them, from a text with a semicolon between two and OpenGL's names for its
+/// numbers.
 std::string script(const std::string& text);

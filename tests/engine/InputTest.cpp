@@ -28,6 +28,7 @@ TEST_F(Input, KeysAreDownFromPressToReleaseAndSubscribersHearBothInOrder)
     Listener first("1"), second("2");
     VT.inputHandler.subscribeToKeyboardEvents(&first);
     VT.inputHandler.subscribeToKeyboardEvents(&second);
+    heard.clear();
     glRecorder.send(SDL_KEYDOWN, SDLK_c);
     glRecorder.send(SDL_KEYUP, SDLK_c);
     glRecorder.send(SDL_MOUSEMOTION);

@@ -49,13 +49,10 @@ TEST_F(Resources, TexturesAreUploadedInTheirOwnPixelFormat)
         glRecorder.deliver(bytesPerPixel, redMask, 64, 32);
         EXPECT_EQ(resources->loadTexture("a.png"), 9U);
         EXPECT_EQ(glRecorder.take(),
-                  script("IMG_Load /there/a.png; glPushMatrix; glEnable GL_TEXTURE_2D; "
-                         "glEnable GL_BLEND;"
-                         "glBlendFunc GL_SRC_ALPHA GL_ONE_MINUS_SRC_ALPHA; glGenTextures 1;"
-                         "glBindTexture GL_TEXTURE_2D 9;"
-                         "glTexParameteri GL_TEXTURE_2D GL_TEXTURE_MIN_FILTER GL_LINEAR;"
-                         "glTexParameteri GL_TEXTURE_2D GL_TEXTURE_MAG_FILTER GL_LINEAR;"
-                         "gluBuild2DMipmaps GL_TEXTURE_2D " +
+                  script(R"(IMG_Load /there/a.png; glPushMatrix; glEnable GL_TEXTURE_2D; glEnable GL_BLEND;
+            glBlendFunc GL_SRC_ALPHA GL_ONE_MINUS_SRC_ALPHA; glGenTextures 1; glBindTexture GL_TEXTURE_2D 9;
+            glTexParameteri GL_TEXTURE_2D GL_TEXTURE_MIN_FILTER GL_LINEAR;
+            glTexParameteri GL_TEXTURE_2D GL_TEXTURE_MAG_FILTER GL_LINEAR; gluBuild2DMipmaps GL_TEXTURE_2D )" +
                          std::to_string(bytesPerPixel) + " 64 32 " + format +
                          " GL_UNSIGNED_BYTE; glPopMatrix; SDL_FreeSurface"));
     }
@@ -78,17 +75,15 @@ TEST_F(Resources, WhatIsMissingIsReportedOnceAndDrawsNothing)
 {
     const std::tuple<std::function<void()>, const char*, const char*> cases[] = {
         {[&] { EXPECT_EQ(resources->getTexture("none.png"), 0U); },
-         "Loading: /there/none.png\nError could not load file "
-         "/there/none.png\n"
+         "Loading: /there/none.png\nError could not load file /there/none.png\n"
          "Error Texture not loaded none.png\n",
          "IMG_Load /there/none.png\n"},
         {[&] { resources->drawModel("none.obj"); },
-         "Loading model: none.obj\nUnable to open file "
-         "\"/there/none.obj\".\nError Model not loaded none.obj\n",
+         "Loading model: none.obj\nUnable to open file \"/there/none.obj\".\nError Model not loaded "
+         "none.obj\n",
          ""},
         {[&] { resources->drawText("x", "none.ttf", 0.0F, 0.0F); },
-         "Error:no such luck, could not open /there/none.ttf\nError Font not "
-         "loaded none.ttf\n",
+         "Error:no such luck, could not open /there/none.ttf\nError Font not loaded none.ttf\n",
          "TTF_OpenFont 20 /there/none.ttf\n"},
     };
     for (const auto& [use, report, calls] : cases) {

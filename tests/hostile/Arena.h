@@ -1,40 +1,99 @@
 #pragma once
 
+#include "network/MessageSerializer.h"
 #include "network/PacketReceiver.h"
+#include "network/Timer.h"
+#include "scene/Player.h"
+#include "scene/SceneGraph.h"
+#include "scene/SceneObjectFactory.h"
+#include "scene/TestCube.h"
+#include "tests/support/Messages.h"
 
-#include <boost/asio/io_service.hpp>
-
-#include <string>
+#include <algorithm>
+#include <set>
+#include <utility>
+#include <vector>
 
 /// A client without window and network: bytes go in where its TCP connection would deliver them, and frames
-/// run by hand. The scene is the process's one, with both carriers in it, as the game places them; one Arena
-/// at a time.
+/// run by hand. The scene is the process's one, so one Arena at a time.
 class Arena
 {
 public:
-    Arena();
-    ~Arena();
-    Arena(const Arena&) = delete;
-    Arena& operator=(const Arena&) = delete;
-
-    /// Cuts what came before and `bytes` into messages and queues them for the next frame.
-    void receive(const std::string& bytes);
-    /// Applies what was received, moves everything, removes what is to be removed; `count` times, 60 a
-    /// second.
-    void runFrames(int count);
-    /// Puts everything back to the start: only the two carriers, no incomplete frame, an unsynchronised
-    /// clock.
-    void reset();
-
-    /// Whether all that the registries of the scene know is in its tree, once, and the other way round.
-    static bool isConsistent();
+    /// From a scene of the two carriers: receives the pieces of a stream, each followed by so many frames, 60
+    /// a second. Then an honest ship comes, on a new connection, and leaves. What went wrong, or "".
+    std::string play(const std::vector<std::string>& pieces, int framesBetween = 1)
+    {
+        reset();
+        for (const std::string& piece : pieces) {
+            receive(piece, framesBetween);
+            if (!isConsistent()) {
+                return "the scene is out of order";
+            }
+        }
+        leftover.clear();
+        support::Ship ship;
+        ship.position = {1, 2, 3};
+        for (ship.id = 424242; find(ship.id) != nullptr; ++ship.id) {
+        }
+        receive(support::shipInfo(ship), 2);
+        const auto* shown = dynamic_cast<Player*>(find(ship.id));
+        if (shown == nullptr || !(shown->position == ship.position)) {
+            return "an honest ship is not shown";
+        }
+        receive(support::destroy(ship.id), 1);
+        return find(ship.id) == nullptr && isConsistent() ? "" : "an honest ship does not leave";
+    }
 
 private:
-    void placeCarriers();
+    void reset()
+    {
+        delete SceneGraph::instance;
+        SceneGraph::instance = receiver.sceneGraph = new SceneGraph;
+        for (const bool blueTeam : {false, true}) {
+            SceneGraph::instance->attach(new TestCube(0, true, blueTeam));
+        }
+        SceneObjectFactory::getInstance()->init(0);
+        Timer::isSynced = false;
+        leftover.clear();
+    }
+    void receive(const std::string& bytes, int frames)
+    {
+        for (const auto& event :
+             MessageSerializer::deserializeMessageArray(bytes.data(), bytes.size(), &leftover)) {
+            receiver.addTCPNetworkEvent(event);
+        }
+        for (int n = 0; n < frames; ++n) {
+            receiver.dispatchPackets();
+            SceneGraph::instance->update(1.0F / 60.0F);
+            SceneGraph::instance->applyRemoveList();
+        }
+    }
+    static Transform* find(std::uint64_t id)
+    {
+        return SceneGraph::instance->getOBjectById(static_cast<long long>(id));
+    }
+    // Whether all that the scene's registries know is in its tree, once, and the other way round.
+    static bool isConsistent()
+    {
+        const SceneGraph& graph = *SceneGraph::instance;
+        const std::set<const Transform*> tree(graph.children.begin(), graph.children.end());
+        std::multiset<std::pair<int, const Transform*>> wanted, listed;
+        for (const Transform* object : graph.children) {
+            wanted.emplace(object->type, object);
+        }
+        for (const auto& [type, objects] : graph.typeLists) {
+            for (const Transform* object : objects) {
+                listed.emplace(type, object);
+            }
+        }
+        const auto isInTree = [&](const auto& entry) { return tree.count(entry.second) == 1; };
+        const auto areInTree = [&](const auto& t) { return std::all_of(t.begin(), t.end(), isInTree); };
+        return tree.size() == wanted.size() && listed == wanted && graph.removeList.empty() &&
+               areInTree(graph.idTable) && areInTree(graph.udpTable) && areInTree(graph.tcpTable);
+    }
 
     boost::asio::io_service service;
     std::string leftover;
-
-public:
-    PacketReceiver receiver;
+    PacketReceiver receiver{&service, nullptr, SceneGraph::getInstance(),
+                            3600};  // an hour: no watchdog in here
 };

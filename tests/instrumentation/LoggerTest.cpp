@@ -1,5 +1,6 @@
 #include "instrumentation/Logger.h"
 
+#include "instrumentation/ResourceMonitor.h"
 #include "scene/Player.h"
 #include "scene/Projectile.h"
 #include "scene/SceneGraph.h"
@@ -7,13 +8,16 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
+#include <sys/resource.h>
+#include <array>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 
 namespace {
 
+int usageResult = 0;
 constexpr std::int64_t start = 1700000000000;
 
 const std::string header =
@@ -21,12 +25,6 @@ const std::string header =
     "time           ,tcp_sent pkg   ,tcp_rcvd pkg   ,udp_sent pkg   ,udp_rcvd pkg   ,tcp_sent bw    ,"
     "tcp_rcvd bw    ,udp_sent bw    ,udp_rcvd bw    ,tcp_sent msg   ,tcp_rcvd msg   ,udp_sent msg   ,"
     "udp_rcvd msg   ,players        ,projectiles    ,CPU            ,MEMORY         ,\n";
-
-std::string contents(const std::string& name)
-{
-    std::ifstream file(name);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class MeasurementLog : public testing::Test
 {
@@ -38,6 +36,11 @@ protected:
         delete scene;
         SceneGraph::instance = nullptr;
     }
+    std::string contents()
+    {
+        std::ifstream stream(file);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
 
     SceneGraph* scene = SceneGraph::instance = new SceneGraph;
     FixedClock clock{start};
@@ -47,71 +50,61 @@ protected:
 
 }  // namespace
 
+// Takes the place of the C library's in the whole test program.
+extern "C" int getrusage(__rusage_who_t, rusage* usage) noexcept
+{
+    usage->ru_idrss = usageResult == 0 ? 700 : 5000;
+    usage->ru_isrss = 41;
+    return usageResult;
+}
+
 TEST_F(MeasurementLog, RatesAreRecomputedOnlyAfterMoreThanASecond)
 {
     logger.countPacket(Logger::TCP_RECEIVED, 3003);
     logger.countMessage(Logger::UDP_RECEIVED);
-    clock.set(start + 1000);
-    logger.calcPrS();
-    EXPECT_EQ(logger.packetRate[Logger::TCP_RECEIVED], 0.0F);
-    EXPECT_EQ(logger.lastRateTime, static_cast<std::uint64_t>(start));
-
-    clock.set(start + 1001);
-    logger.calcPrS();
-    EXPECT_FLOAT_EQ(logger.packetRate[Logger::TCP_RECEIVED], 1000.0F / 1001.0F);
-    EXPECT_FLOAT_EQ(logger.byteRate[Logger::TCP_RECEIVED], 3000.0F);
-    EXPECT_FLOAT_EQ(logger.messageRate[Logger::UDP_RECEIVED], 1000.0F / 1001.0F);
-    EXPECT_EQ(logger.packetRate[Logger::UDP_RECEIVED], 0.0F) << "each channel has its own";
-
-    clock.set(start + 3001);
-    logger.calcPrS();
-    EXPECT_EQ(logger.byteRate[Logger::TCP_RECEIVED], 0.0F) << "what is counted already is not counted again";
+    logger.countMessage(Logger::UDP_RECEIVED);
+    const std::array<float, 4> table[] = {// after milliseconds, the rates of packets, bytes and messages
+                                          {1000, 0, 0, 0},
+                                          {1001, 1000.0F / 1001.0F, 3000, 2000.0F / 1001.0F},
+                                          {3001, 0, 0, 0}};
+    for (const auto& [after, packets, bytes, messages] : table) {
+        clock.set(start + static_cast<int>(after));
+        logger.calcPrS();
+        EXPECT_FLOAT_EQ(logger.packetRate[Logger::TCP_RECEIVED], packets) << after;
+        EXPECT_FLOAT_EQ(logger.byteRate[Logger::TCP_RECEIVED], bytes) << after;
+        EXPECT_FLOAT_EQ(logger.messageRate[Logger::UDP_RECEIVED], messages) << after;
+        EXPECT_EQ(logger.packetRate[Logger::UDP_RECEIVED], 0.0F) << "each channel has its own";
+    }
 }
 
-TEST_F(MeasurementLog, ARowHasItsFieldsInFixedColumns)
+TEST_F(MeasurementLog, RowsHaveFixedColumnsAndTheHeaderIsWrittenOncePerRun)
 {
+    ResourceMonitor& monitor = *ResourceMonitor::getInstance() = ResourceMonitor();
+    usageResult = 0;
+    logger.setFileToWriteTo(file + ".no-such-folder/log.csv");
+    logger.writeMeasurementToFile();
+    logger.setFileToWriteTo(file);
+    std::ofstream(file) << "an older run\n";
+    logger.writeMeasurementToFile();
+    EXPECT_EQ(scene->getListOfType(SGT_PLAYER), nullptr) << "looking does not make a list";
+
     scene->attach(new Player(1, true, 100));
     scene->attach(new Player(2, true, 100));
     scene->attach(new Projectile(3));
-    for (unsigned int channel = 0; channel < Logger::channels; ++channel) {
-        const auto n = static_cast<float>(channel);
-        logger.packetRate[channel] = 25.0F + n;
-        logger.byteRate[channel] = 123456.0F + n;
-        logger.messageRate[channel] = 7.0F + n;
-    }
-    logger.packetRate[1] = 1.5F;
+    std::iota(logger.packetRate, logger.packetRate + Logger::channels, 25.5F);
+    std::iota(logger.byteRate, logger.byteRate + Logger::channels, 123456.0F);
+    std::iota(logger.messageRate, logger.messageRate + Logger::channels, -7.5F);
     logger.byteRate[2] = 4e12F;
-    logger.messageRate[3] = -1.5F;
+    monitor.cpuUsage = -10;
     logger.writeMeasurementToFile();
-    EXPECT_EQ(contents(file),
-              header +
-                  "  1700000000000,             25,              1,             27,             28,"
+    const std::string zeros = "              0,              0,              0,              0,";
+    EXPECT_EQ(contents(),
+              "an older run\n" + header + "  1700000000000," + zeros + zeros + zeros +
+                  "              0,              0,              0,            741,\n"
+                  "  1700000000000,             25,             26,             27,             28,"
                   "         123456,         123457,     2147483647,         123459,"
-                  "              7,              8,              9,             -1,"
-                  "              2,              1,              0,              0,\n");
-}
-
-TEST_F(MeasurementLog, TheHeaderIsWrittenOncePerRunAndOldRowsStay)
-{
-    std::ofstream(file) << "an older run\n";
-    logger.writeMeasurementToFile();
-    logger.writeMeasurementToFile();
-    const std::string text = contents(file);
-    const std::string row = text.substr(text.rfind('\n', text.size() - 2) + 1);
-    EXPECT_EQ(text, "an older run\n" + header + row + row);
-    EXPECT_EQ(row.size(), 17U * 16U + 1U);
-    EXPECT_EQ(row.substr(13 * 16, 32), "              0,              0,")
-        << "no list of players, no players";
-    EXPECT_EQ(logger.rowsWritten, 2U);
-    EXPECT_EQ(scene->getListOfType(SGT_PLAYER), nullptr) << "looking does not make a list";
-}
-
-TEST_F(MeasurementLog, AnUnwritableFileCostsNothingAndTheHeaderComesLater)
-{
-    logger.setFileToWriteTo(file + ".no-such-folder/log.csv");
-    logger.writeMeasurementToFile();
-    EXPECT_EQ(logger.rowsWritten, 0U);
-    logger.setFileToWriteTo(file);
-    logger.writeMeasurementToFile();
-    EXPECT_EQ(contents(file).substr(0, header.size()), header);
+                  "             -7,             -6,             -5,             -4,"
+                  "              2,              1,            -10,18446744073709551542,\n");
+    usageResult = -1;
+    EXPECT_EQ(monitor.GetMemoryUsage(), static_cast<unsigned long>(-74)) << "the last that the system told";
 }

@@ -7,14 +7,10 @@
 
 /// While one exists, this program's time of day stands still: gettimeofday, and so Timer and all that reads
 /// it. To be included once in a program; nothing of Asio's timers may run meanwhile.
-class FixedClock
+struct FixedClock
 {
-public:
     explicit FixedClock(std::int64_t milliseconds) { set(milliseconds); }
-    FixedClock(const FixedClock&) = delete;
-    FixedClock& operator=(const FixedClock&) = delete;
     ~FixedClock() { now = -1; }
-
     /// Milliseconds since the Unix epoch, and microseconds on top of them.
     void set(std::int64_t milliseconds, std::int64_t micro = 0) { now = milliseconds * 1000 + micro; }
 
@@ -25,10 +21,9 @@ public:
 extern "C" int gettimeofday(timeval* time, void*) noexcept
 {
     timespec real = {};
-    const int result = clock_gettime(CLOCK_REALTIME, &real);
-    *time = {real.tv_sec, real.tv_nsec / 1000};
-    if (FixedClock::now >= 0) {
-        *time = {FixedClock::now / 1000000, FixedClock::now % 1000000};
-    }
-    return result;
+    clock_gettime(CLOCK_REALTIME, &real);
+    const std::int64_t then = real.tv_sec * 1000000 + real.tv_nsec / 1000;
+    const std::int64_t shown = FixedClock::now >= 0 ? FixedClock::now : then;
+    *time = {shown / 1000000, shown % 1000000};
+    return 0;
 }

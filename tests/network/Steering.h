@@ -1,15 +1,9 @@
 #pragma once
 
-#include "Common/Protobuf/Object/Object.pb.h"
+#include <string>
 
-/// What a client sends, looking along the quaternion (1, 2, 3, 4).
-inline Vantor::ClientUpdate steering(unsigned int boosters)
-{
-    Vantor::ClientUpdate message;
-    message.set_boosterson(boosters);
-    message.mutable_orientation()->set_w(1);
-    message.mutable_orientation()->set_x(2);
-    message.mutable_orientation()->set_y(3);
-    message.mutable_orientation()->set_z(4);
-    return message;
-}
+/// The frame of a client that looks along the quaternion w 1, x 2, y 3, z 4 and holds the controls 7.
+inline const std::string steering(
+    "\x19\0\x04\x0A\x14\x0D\0\0\0\x40\x15\0\0\x40\x40\x1D\0\0\x80\x40\x25\0\0\x80\x3F"
+    "\x10\x07",
+    27);

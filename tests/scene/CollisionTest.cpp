@@ -105,6 +105,7 @@ TEST(Collision, TheHandlerTellsBothObjectsOfEachHitInOrder)
         object->setSphere(1.0F);
     }
     std::list<Transform*> first = {&a, &b}, second = {&c, &d};
+    responses.clear();
     CollisionHandler::handleCollissionsBetween(&first, &second);
     CollisionHandler::handleCollissionsBetween(nullptr, &second);
     CollisionHandler::handleCollissionsBetween(&first, nullptr);

@@ -4,7 +4,7 @@
 #include "tests/support/Messages.h"
 #include "tests/support/Waiting.h"
 
-#include <functional>
+#include <atomic>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -15,8 +15,7 @@ namespace support {
 /// A server for one client on 127.0.0.1, TCP and UDP on one port number, that says only what the test tells
 /// it to, and writes down what the client sends.
 ///
-/// A thread of its own receives; every operation may be called from any thread. From the client's first
-/// datagram on, a heartbeat (the state of an object that nobody knows) keeps the client's watchdog quiet.
+/// A thread of its own receives; every operation may be called from any thread.
 class ScriptedServer
 {
 public:
@@ -25,27 +24,32 @@ public:
         Clock::time_point arrival;
         std::string bytes;
     };
+    struct Record
+    {
+        bool connected = false;
+        std::size_t tcpBytes = 0;
+        std::vector<Datagram> datagrams;
+    };
 
     ScriptedServer() = default;
     ~ScriptedServer();
 
     std::string port() const { return std::to_string(ports.number()); }
 
-    bool isConnected() const;
-    /// Waits for an update like this among those that arrive from now on.
-    bool awaitUpdate(const std::function<bool(const Steering&)>& wanted, Clock::duration timeout = 5s) const;
+    /// What the client has done so far.
+    Record record() const;
+    /// The newest update, of which there must be one; throws where it is malformed.
+    Steering lastSteering() const { return parseSteering(record().datagrams.back().bytes).value(); }
 
     /// False where the client is gone.
     bool sendTcp(const std::string& bytes);
     /// To where the client's last datagram came from.
     void sendUdp(const std::string& bytes);
-    void stopHeartbeat();
     void closeTcp();
 
-    std::vector<Datagram> datagrams() const;
-    /// The newest update; throws where there is none or where it is malformed.
-    Steering lastSteering() const;
-    std::size_t tcpBytesReceived() const;
+    /// From the client's first datagram on, the state of an object that nobody knows keeps its watchdog
+    /// quiet.
+    std::atomic<bool> hasHeartbeat = true;
 
 private:
     void work();
@@ -56,11 +60,9 @@ private:
     boost::asio::ip::tcp::socket tcp{io};
     boost::asio::ip::udp::endpoint client;  ///< port 0 until the first datagram
     Clock::time_point nextBeat;
-    bool beating = true;
-    bool stopped = false;
-    std::vector<Datagram> received;
-    std::size_t tcpBytes = 0;
-    mutable std::mutex mutex;  ///< guards everything above
+    Record received;
+    mutable std::mutex mutex;  ///< guards the fields from `io` to here
+    std::atomic<bool> stopped = false;
     std::thread thread{[this] { work(); }};
 };
 
