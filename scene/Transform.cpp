@@ -1,7 +1,5 @@
 #include "scene/Transform.h"
 
-#include "engine/OpenGL.h"
-#include "math/Matrix4.h"
 #include "scene/SceneGraph.h"
 
 #include <cstdint>
@@ -48,25 +46,6 @@ void Transform::update(float dt)
     for (Transform* child : children) {
         child->update(dt);
     }
-}
-
-void Transform::draw()
-{
-    glPushMatrix();
-    applyTransformation();
-    realDraw();
-    for (Transform* child : children) {
-        child->draw();
-    }
-    glPopMatrix();
-}
-
-void Transform::applyTransformation()
-{
-    glScalef(scaleFactors.x, scaleFactors.y, scaleFactors.z);
-    glTranslatef(position.x, position.y, position.z);
-    const Matrix4 rotation(getRotationMatrix());
-    glMultMatrixf(rotation.m);
 }
 
 void Transform::scale(Vector3 v)
