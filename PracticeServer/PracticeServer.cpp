@@ -1,5 +1,6 @@
 #include "PracticeServer/PracticeServer.h"
 
+#include "PracticeServer/ScoreTable.h"
 #include "PracticeServer/StateFrames.h"
 
 #include <algorithm>
@@ -27,9 +28,11 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
       portNumber(ports.number()),
       stepTimer(io),
       acceptPause(io),
-      match(config_.seed, &broadcast),
+      match(MatchSettings{config_.seed}),
       broadcast(match, [this](const std::string& frame) { sendToAll(frame); })
 {
+    match.addObserver(&broadcast);
+    match.addObserver(&mirror);
     for (unsigned i = 0; i < config.bots; ++i) {
         match.addBot();
     }
@@ -228,7 +231,13 @@ void PracticeServer::runDueSteps()
 void PracticeServer::step()
 {
     match.step();
+    SceneMirror::apply();
     broadcast.afterStep();
+    if (const auto result = match.takeResult()) {
+        for (const std::string& line : scoreTable(*result)) {
+            config.log(line);
+        }
+    }
     releaseSilentPilots();
     if (match.stepCount() % stepsPerSnapshot == 0) {
         sendSnapshot();

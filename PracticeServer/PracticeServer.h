@@ -3,6 +3,7 @@
 #include "PracticeServer/ClientSession.h"
 #include "PracticeServer/Match.h"
 #include "PracticeServer/MatchBroadcast.h"
+#include "PracticeServer/SceneMirror.h"
 #include "PracticeServer/ServerPorts.h"
 
 #include <boost/asio/io_context.hpp>
@@ -69,6 +70,7 @@ private:
     std::chrono::steady_clock::time_point nextStep;
     Match match;
     MatchBroadcast broadcast;
+    SceneMirror mirror;
     std::vector<Client> clients;
     std::random_device qportSource;
     std::array<char, 2048> datagram{};
