@@ -151,6 +151,10 @@ class Mesh:
         self.add(half)
         self.add(half.mirrored())
 
+    def move(self, way):
+        for face in self.faces:
+            face.points = face.points + np.asarray(way, float)
+
     def triangle_count(self):
         return sum(len(face.points) - 2 for face in self.faces)
 

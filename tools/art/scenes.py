@@ -83,7 +83,7 @@ def fight(studio):
                                                                                 (19, 7, 50)]])
 
 
-CARRIER_MIDDLE = -130.0
+CARRIER_MIDDLE = -40.0  # z of its middle, seen from its team's start point
 LEVEL_LOOKS = {"pz": (0, 0, 1), "px": (1, 0, 0), "nz": (0, 0, -1), "nx": (-1, 0, 0)}
 
 ALL = {
@@ -100,7 +100,7 @@ ALL = {
     "close-blue": close_up(True),
     "shots": shots,
     "explosions": explosions,
-    "carrier-front": carrier((90, 60, 260)),
+    "carrier-front": carrier((150, 75, 290)),
     "carrier-stern": carrier((-150, 70, -230)),
     "carrier-side": carrier((300, 10, 0), False),
     "carrier-top": carrier((0, 320, 10)),
