@@ -89,10 +89,9 @@ def runway_lamps(half, places, deck):
     """Posts with a lamp on top, at each z beside the runway."""
     for z in places:
         half.box((13.65, deck - 0.2, z - 0.25), (14.15, deck + 3.0, z + 0.25),
-                 mesh.constant(*CARRIER_DARK), ("near", "far"), (0.6, 0.6))
-        half.box((13.5, deck + 3.0, z - 0.4), (14.3, deck + 3.5, z + 0.4),
-                 mesh.constant(*CARRIER_BRIGHT), (), (0.7, 0.7))
-        half.faces[-6].normal = mesh.GLOWING
+                 plates(z / 29), ("near", "far"), (0.6, 0.6))
+        half.box((13.55, deck + 3.0, z - 0.35), (14.25, deck + 3.6, z + 0.35),
+                 mesh.constant(*CARRIER_BRIGHT), (), (0.9, 0.9))
 
 
 def parked_fighters(half, deck):

@@ -110,7 +110,7 @@ def carrier_texture(path):
     rng = np.random.default_rng(42)
     canvas = np.ones((1024, 1024))
     hull = canvas[:512]
-    panels.Plating(rng, hull, tone=0.80, spread=0.12, smallest=14, section=190).cover()
+    panels.Plating(rng, hull, tone=0.76, spread=0.11, smallest=14, section=190).cover()
     panels.scratches(rng, hull, 700)
     panels.wear(rng, hull, 0.05)
     for y in (96, 230, 410):
