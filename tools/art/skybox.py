@@ -2,7 +2,7 @@
 
 All but the top face are painted by direction, so they meet without seams. The client
 twists the top face's cell, which no picture can undo; so everything that is not a star
-fades to one plain colour towards the top, and the top is that colour with stars.
+fades to one plain colour towards the top, and the top has that colour at its borders.
 """
 
 import numpy as np
@@ -239,23 +239,45 @@ class Stars:
         return (value * (1 - hidden))[..., None] * self.colour[i]
 
 
-def top_cell(rng, rows, columns):
-    """The twisted face: plain colour and stars, none on a border or a diagonal.
-
-    Drivers cut the quad in two triangles, which shear the cell's upper and lower quarter in
-    opposite ways; stars there are painted sheared the other way. What lies left and right
-    is shown twice or never, by the driver's choice of the cut: only faint stars.
+def shear_of_quarter(u, v):
+    """Drivers cut the top quad in two triangles, which shear the cell's upper and lower quarter
+    in opposite ways; what is painted with this shear looks straight. What lies left and right is
+    shown twice or never, by the driver's choice of the cut.
     """
-    canvas = np.tile(TOP_COLOUR, (rows, columns, 1))
+    upper, lower = v < np.minimum(u, 1 - u), v > np.maximum(u, 1 - u)
+    return upper * 1 - lower * 1
+
+
+def top_clouds(rows, columns):
+    """Faint gas within each quarter of the twisted face; nothing on a border or a diagonal."""
+    noise = ValueNoise(6)
+    v, u = np.meshgrid((np.arange(rows) + 0.5) / rows, (np.arange(columns) + 0.5) / columns,
+                       indexing="ij")
+    diagonals = np.minimum(np.abs(u - v), np.abs(u + v - 1))
+    borders = np.minimum(np.minimum(u, 1 - u), np.minimum(v, 1 - v))
+    reach = smoothstep(0.0, 0.30, diagonals) * smoothstep(0.0, 0.16, borders)
+    place = np.stack([u - shear_of_quarter(u, v) * v, v, 0 * v], axis=-1) * 3.0
+    warp = noise.fractal(place + 3, 4)[..., None] - 0.5
+    gas = noise.fractal(place + warp + 9, 6, 0.55)
+    veins = noise.ridged(place * 1.3 + warp + 7, 5, 0.55)
+    cloud = smoothstep(0.36, 0.80, gas * 0.72 + 0.36 * veins) * reach
+    return cloud[..., None] * np.array([0.11, 0.16, 0.34]) + (cloud ** 2 * veins)[..., None] * np.array(
+        [0.30, 0.34, 0.55])
+
+
+def top_cell(rng, rows, columns):
+    """The twisted face: gas and stars, no star on a border or a diagonal."""
+    canvas = TOP_COLOUR + top_clouds(rows, columns)
     y, x = np.mgrid[-8:9, -8:9]
     y = y * columns / rows
     for i in range(1700):
         u, v = rng.random(2)
         if min(u, v, 1 - u, 1 - v) < 0.015 or min(abs(u - v), abs(u + v - 1)) < 0.012:
             continue
-        shear = 1 if v < min(u, 1 - u) else -1 if v > max(u, 1 - u) else 0
+        shear = shear_of_quarter(u, v)
         distance = np.hypot(x - shear * y, y)
-        spot = (0.12 + 0.60 * rng.random() ** 3) * np.exp(-distance ** 2 / 1.5)  # less would be one texel, a streak
+        size = 1.5 if shear else 0.6
+        spot = (0.12 + 0.60 * rng.random() ** 3) * np.exp(-distance ** 2 / size)
         if shear and i % 20 == 0:  # a bright one
             spot = rng.uniform(0.9, 1.8) * (np.exp(-distance ** 2 / 1.6) + 0.05 * np.exp(-distance / 2))
         row, column = int(v * rows), int(u * columns)
