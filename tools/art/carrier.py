@@ -327,22 +327,23 @@ def plate(half, quad, start, end, low, high, thick, shift):
 
 
 def build():
+    """What pilots see most comes first: what it hides then costs no shading."""
     shape = mesh.Mesh()
-    hull(shape)
     deck(shape)
-    stern_deck(shape)
     hangar(shape)
+    stern_deck(shape)
     tower(shape)
-    engines(shape)
     half = mesh.Mesh()
-    pod(half)
-    armour(half)
-    turrets(half)
-    greebles(half)
-    runway_lamps(half, np.arange(44.5, 180.0, 17.0), DECK)
     parked_fighters(half, DECK)
+    runway_lamps(half, np.arange(44.5, 180.0, 17.0), DECK)
+    turrets(half)
+    armour(half)
+    pod(half)
+    greebles(half)
     shape.add_both_sides(half)
     antennas(shape)
+    engines(shape)
+    hull(shape)
     shape.move((0.0, 0.0, AHEAD))
     return shape
 
