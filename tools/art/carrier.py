@@ -146,6 +146,8 @@ def hangar(shape):
                 (-w, top - 8, z), (-w, DECK - 3, z)]
     rings = [np.array(outline(z, w, top)) for z, w, top in
              [(-96.0, 22.0, 22.0), (-78.0, 27.0, 32.0), (4.0, 27.0, 32.0), (26.0, 22.0, 27.0)]]
+    hangar_front(shape, rings[-1])
+    bay(shape)
     for a, b in zip(rings, rings[1:]):
         for j in range(5):
             coords = (strip_map(CARRIER_WINDOWS, DECK - 3, 24.0, 0.3) if j in (0, 4)
@@ -153,8 +155,6 @@ def hangar(shape):
             shape.face([a[j], a[j + 1], b[j + 1]], coords)
             shape.face([a[j], b[j + 1], b[j]], coords)
     shape.face(rings[0][::-1], hull_map(0.7, 0.1))
-    hangar_front(shape, rings[-1])
-    bay(shape)
 
 
 def hangar_front(shape, ring):
@@ -172,7 +172,7 @@ def hangar_front(shape, ring):
     for (x0, y0), (x1, y1) in zip(edge, edge[1:]):
         grow0, grow1 = (x0 * 1.09, y0 + 0.09 * (y0 - DECK)), (x1 * 1.09, y1 + 0.09 * (y1 - DECK))
         half.face([(x0, y0, z + 1), (*grow0, z + 1), (*grow1, z + 1), (x1, y1, z + 1)],
-                  mesh.constant(*CARRIER_BRIGHT))
+                  mesh.constant(*CARRIER_BRIGHT), normal=mesh.GLOWING)
         half.face([(*grow0, z + 1), (*grow0, z), (*grow1, z), (*grow1, z + 1)],
                   mesh.constant(*CARRIER_DARK))
     shape.add_both_sides(half)

@@ -116,17 +116,17 @@ def scratches(rng, canvas, count):
 
 
 def windows(rng, canvas, pitch, lit, dark):
-    """Rows of portholes, some lit; `pitch` is the distance of two rows in pixels."""
+    """Rows of windows, some lit; `pitch` is the distance of two rows in pixels."""
     height, width = canvas.shape
     for y in range(pitch // 2, height - 3, pitch):
         x = int(rng.integers(4, 12))
-        while x < width - 6:
+        while x < width - 8:
             if rng.random() < 0.12:
-                x += int(rng.integers(8, 40))
+                x += int(rng.integers(12, 50))
                 continue
-            canvas[y - 1:y + 4, x - 1:x + 4] *= 0.72
-            canvas[y:y + 3, x:x + 3] = lit if rng.random() < 0.62 else dark
-            x += 6
+            canvas[y - 1:y + 5, x - 1:x + 6] *= 0.6
+            canvas[y:y + 4, x:x + 5] = lit if rng.random() < 0.62 else dark
+            x += 9
 
 
 def machinery(rng, canvas):

@@ -64,23 +64,23 @@ def explosions(studio):
 
 
 def fight(studio):
-    """Over the red carrier's bow."""
-    studio.fly(RED_START + (-62, 16, 120), True, (0.55, -0.12, -0.83))
-    ahead = RED_START + (-62, 16, 120)
-    rng = np.random.default_rng(8)
-    look = np.array([0.55, -0.12, -0.83])
+    """A blue wing over the flank of the red carrier."""
+    eye, look = RED_START + (-62, 16, 120), np.array([0.55, -0.12, -0.83])
     right = np.cross(look, (0, 1, 0))
-    for i, (across, up, far, blue) in enumerate([(-7, 6, 20, False), (9, 7, 30, False), (-16, 2, 46, True),
-                                                 (4, 11, 55, False), (18, 13, 70, True), (-26, 15, 80, False),
-                                                 (-3, 3, 90, True), (30, 4, 95, False)]):
-        where = ahead + look * far + right * across + np.array([0, up, 0])
-        studio.ship(where, blue, *(rng.uniform(-1, 1, 3) * (180, 25, 50)))
-    for far in (9, 16, 25, 36, 50):
-        studio.shot(ahead + look * far + right * (0.03 * far + 0.6) + (0, 0.12 * far, 0), True)
-    for far in (14, 24, 40):
-        studio.shot(ahead + look * far + right * (-3 - 0.1 * far) + (0, 4.0, 0), False)
-    studio.explosions([ahead + look * f + right * a + (0, u, 0) for a, u, f in [(-15, 9, 60), (-10, 11, 66),
-                                                                                (19, 7, 50)]])
+
+    def at(across, up, ahead):
+        return eye + look * ahead + right * across + np.array([0, up, 0])
+    studio.fly(eye, True, look)
+    for place, blue, pose in [((5.5, 4.6, 11), False, (70, 10, -50)), ((9.5, 7.5, 24), False, (100, 20, -35)),
+                              ((-5.5, 6.8, 15), True, (128, -8, 35)), ((-2, 6.5, 30), False, (150, -5, 30)),
+                              ((22, 15, 48), True, (110, 10, -20)), ((-12, 19, 46), False, (60, 5, 40)),
+                              ((33, 9, 70), False, (90, 0, -60)), ((2, 22, 75), True, (170, 15, 20))]:
+        studio.ship(at(*place), blue, *pose)
+    for step in range(4):
+        studio.shot(at(2.0 + 1.6 * step, 2.4 + 1.0 * step, 7 + 5 * step), True)
+        studio.shot(at(-4.0 + 0.8 * step, 6.6, 19 + 3.2 * step), True)
+        studio.shot(at(20 - 2.5 * step, 13 - 1.5 * step, 44 - 4 * step), False)
+    studio.explosions([at(-19, 9, 62), at(6.5, 2.0, 48)])
 
 
 CARRIER_MIDDLE = -40.0  # z of its middle, seen from its team's start point

@@ -117,7 +117,7 @@ def carrier_texture(path):
         panels.windows(rng, hull[y:y + 14], 14, lit=1.0, dark=0.25)
 
     decks = canvas[512:640]
-    panels.Plating(rng, decks, tone=0.68, spread=0.05, smallest=26, section=200).cover()
+    panels.Plating(rng, decks, tone=0.56, spread=0.05, smallest=26, section=200).cover()
     panels.windows(rng, decks, 16, lit=1.0, dark=0.22)
     panels.machinery(rng, canvas[640:768])
 
