@@ -17,7 +17,7 @@ RELIEF = 0.8          # shorter normals: what faces up is not yet lit to the ful
 DECK = 8.0            # height of the launch deck
 DECK_SIDE = 13.0      # half its width
 DECK_CELL = 32.0      # length of one repeat of the deck's texture
-DECK_END = 186.0
+DECK_FIRST, DECK_END = -54.0, 186.0  # repeats begin so that no mark lies right before the start
 AHEAD = 66.0          # so the hangar's mouth lies 38 units behind the start, the bow 126 ahead
 BAY_FRONT, BAY_BACK = 26.0, -38.0
 BAY_SIDE, BAY_TOP = 13.0, 21.0
@@ -92,7 +92,7 @@ def side_map(j, row0, row1):
 def deck(shape):
     """The launch deck from the hangar's back wall to the bow, and plates beside it."""
     u0, v0, u1, v1 = CARRIER_DECK
-    for z0 in np.arange(BAY_BACK, DECK_END, DECK_CELL):
+    for z0 in np.arange(DECK_FIRST, DECK_END, DECK_CELL):
         z1 = min(z0 + DECK_CELL, DECK_END)
         end = u0 + (u1 - u0) * (z1 - z0) / DECK_CELL
         shape.face([(DECK_SIDE, DECK, z0), (-DECK_SIDE, DECK, z0), (-DECK_SIDE, DECK, z1),

@@ -30,7 +30,7 @@ def fighters(distance):
         poses = [(180, 0, 0), (0, 0, 0), (90, 0, 0), (0, -90, 0), (0, 90, 0), (215, -20, 20)]
         for i, pose in enumerate(poses):
             for row, blue in enumerate((False, True)):
-                across, up = (2.5 - i) * 0.32, (0.5 - row) * 0.55
+                across, up = (2.5 - i) * 0.26, (0.5 - row) * 0.55
                 studio.ship(eye + distance * np.array([across, up, 1.0]), blue, *pose)
     return set_up
 
@@ -93,7 +93,7 @@ ALL = {
     "start-red": start(RED_START, False, (0, 0, 1)),
     "start-red-x": start(RED_START, False, (-1, 0, 0)),
     "fight": fight,
-    "fighters-8": fighters(8),
+    "fighters-15": fighters(15),
     "fighters-30": fighters(30),
     "fighters-300": fighters(300),
     "close-red": close_up(False),
