@@ -38,7 +38,7 @@ await() {
     return 1
 }
 
-# start_server COMMAND...: starts a practice server and sets port to where it listens.
+# start_server COMMAND...: starts a practice server and sets host and port to where it listens.
 start_server() {
     in_background "$@" >"$work/server" 2>&1 &
     local server=$! ready status=1
@@ -47,7 +47,8 @@ start_server() {
         kill -0 "$server" 2>/dev/null || wait "$server" || status=$?
         fail "the practice server did not start: $(tail -n 3 "$work/server")" "$status"
     fi
-    port=${ready##*:}
+    host=${ready#ready } port=${ready##*:}
+    host=${host%:*}
 }
 
 # The client needs X11, which on Wayland desktops means XWayland.
