@@ -37,6 +37,7 @@ int serve(const practice::ServerOptions& options)
     server.start();
     writeLine("ready 127.0.0.1:" + std::to_string(server.port()));
     io.run();
+    writeLine(server.timing());
     return 0;
 }
 
