@@ -1,12 +1,13 @@
 #include "PracticeServer/Match.h"
 
-#include "PracticeServer/SpawnPlan.h"
+#include "PracticeServer/Sighting.h"
 #include "PracticeServer/StateHash.h"
 #include "PracticeServer/Steering.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 
 namespace practice {
 
@@ -25,8 +26,8 @@ std::string botName(std::size_t index)
 
 }  // namespace
 
-Match::Match(std::uint32_t seed, MatchObserver* observer_, const Rules& rules_)
-    : rules(rules_), random(seed), observer(observer_)
+Match::Match(const MatchSettings& settings_, const Rules& rules_)
+    : settings(settings_), rules(rules_), random(settings_.seed), startPoints(settings_.spawn)
 {
 }
 
@@ -38,9 +39,11 @@ ObjectId Match::addHuman()
 
 ObjectId Match::addBot()
 {
-    const Team team = bots.size() % 2 == 0 ? Team::blue : Team::red;
-    const ObjectId id = addShip(team, false, botName(bots.size()));
-    bots.emplace_back(id);
+    const std::size_t index = bots.size();
+    const Team team = index % 2 == 0 ? Team::blue : Team::red;
+    const auto role = index / 2 % 2 == 0 ? BotPilot::Role::guard : BotPilot::Role::raider;
+    const ObjectId id = addShip(team, false, botName(index));
+    bots.emplace_back(id, role, drawSkill(settings.difficulty, random));
     return id;
 }
 
@@ -51,8 +54,10 @@ ObjectId Match::addShip(Team team, bool human, const std::string& name)
     ship.name = name;
     ship.team = team;
     ship.human = human;
-    enter(ship);
-    ship.grace = human ? rules.joinGrace : 0.0F;
+    ship.respawnIn = restLeft;
+    if (restLeft <= 0.0F) {
+        enter(ship);
+    }
     return ship.id;
 }
 
@@ -66,17 +71,16 @@ Team Match::smallerTeam() const
 /// Puts a ship that is not alive into the world, at rest and whole.
 void Match::enter(Ship& ship)
 {
-    ship.position = spawnPoint(ship, ships, random);
+    ship.position = clearPlace(startPoints.next(ship.team, random), ships);
     ship.velocity = Vector3();
     // A human's view does not follow the ship, so the ship starts where the human already looks.
     ship.orientation = ship.human ? ship.input.orientation : lookAlong(-ship.position);
     ship.health = rules.fullHealth;
     ship.reload = 0.0F;
-    ship.grace = rules.respawnGrace;
+    ship.shownFor = 0.0F;
+    ship.fired = false;
     ship.alive = true;
-    if (observer != nullptr) {
-        observer->shipAppeared(ship);
-    }
+    tell([&](MatchObserver& observer) { observer.shipAppeared(ship); });
 }
 
 void Match::removeShip(ObjectId id)
@@ -85,8 +89,8 @@ void Match::removeShip(ObjectId id)
     if (found == ships.end()) {
         return;
     }
-    if (found->alive && observer != nullptr) {
-        observer->shipVanished(*found);
+    if (found->alive) {
+        tell([&](MatchObserver& observer) { observer.shipVanished(*found); });
     }
     ships.erase(found);
     bots.erase(std::remove_if(bots.begin(), bots.end(), [id](const BotPilot& b) { return b.shipId() == id; }),
@@ -121,17 +125,26 @@ void Match::releaseControls(ObjectId id)
 
 void Match::step()
 {
-    ++steps;  // first, so that what the observer hears carries the time of the state it sees
+    ++steps;  // first, so that what the observers hear carries the time of the state they see
     steerBots();
     flyShips();
     moveShots();
     fireShots();
+    if (isOver()) {
+        finish();
+    }
     passTime();
 }
 
 void Match::steerBots()
 {
-    const BotView view{ships, bots, rules, stepTime};
+    sightings.clear();
+    for (const Ship& ship : ships) {
+        if (ship.alive) {
+            sightings.push_back(sightingOf(ship));
+        }
+    }
+    const BotView view{sightings, rules, static_cast<float>(steps) * stepTime, stepTime};
     for (BotPilot& bot : bots) {
         Ship* ship = editShip(bot.shipId());
         if (ship != nullptr && ship->alive) {
@@ -163,20 +176,20 @@ void Match::moveShots()
         shot.age += stepTime;
         if (shot.age < rules.shotRange / rules.shotSpeed) {
             flying.push_back(shot);
-        } else if (observer != nullptr) {
-            observer->shotEnded(shot);
+        } else {
+            tell([&](MatchObserver& observer) { observer.shotEnded(shot); });
         }
     }
     shots = std::move(flying);
 }
 
-/// The living enemy whom the shot meets first in this step; ships have already moved, the shot has not.
+/// The ship that the shot meets first in this step; ships have already moved, the shot has not.
 Ship* Match::firstHit(const Shot& shot)
 {
     Ship* hit = nullptr;
     float earliest = 2.0F;  // later than any contact
     for (Ship& ship : ships) {
-        if (!ship.alive || ship.team == shot.team || ship.id == shot.shooter) {
+        if (!mayHit(shot, ship)) {
             continue;
         }
         const Vector3 shipBefore = ship.position - ship.velocity * stepTime;
@@ -190,47 +203,51 @@ Ship* Match::firstHit(const Shot& shot)
     return hit;
 }
 
+bool Match::mayHit(const Shot& shot, const Ship& ship) const
+{
+    return ship.alive && ship.id != shot.shooter && (ship.team != shot.team || rules.friendlyFire);
+}
+
 void Match::strike(const Shot& shot, Ship& victim)
 {
-    if (observer != nullptr) {
-        observer->shotEnded(shot);
-    }
+    tell([&](MatchObserver& observer) { observer.shotEnded(shot); });
     victim.health -= rules.shotDamage;
     if (victim.health <= 0.0F) {
-        kill(victim, shot.shooter);
-    } else if (observer != nullptr) {
-        observer->shipDataChanged(victim);
+        kill(victim, shot);
+    } else {
+        tell([&](MatchObserver& observer) { observer.shipDataChanged(victim); });
     }
 }
 
-void Match::kill(Ship& victim, ObjectId killer)
+/// The kill counts for the shooter, who may be dead or gone by now, and for the shot's team; against both if
+/// the victim was a friend.
+void Match::kill(Ship& victim, const Shot& shot)
 {
     victim.health = 0.0F;
     victim.alive = false;
+    victim.newcomer = false;
     victim.respawnIn = rules.respawnTime;
-    int& score = victim.team == Team::blue ? redScore : blueScore;
-    ++score;
-    if (observer != nullptr) {
-        observer->shipExploded(victim);
-        observer->shipVanished(victim);
+    ++victim.deaths;
+    const int credit = victim.team == shot.team ? -1 : 1;
+    scoreOf(shot.team) += credit;
+    if (Ship* shooter = editShip(shot.shooter)) {
+        shooter->score += credit;
     }
-    credit(killer);
+    tell([&](MatchObserver& observer) { observer.shipExploded(victim); });
+    tell([&](MatchObserver& observer) { observer.shipVanished(victim); });
+    showScores(shot.shooter);
 }
 
-/// Gives the kill to its shooter. The new team score travels with any ship that is shown; the shooter, who
-/// may be dead or gone by now, is only the first choice.
-void Match::credit(ObjectId killer)
+/// A team's score travels with any ship that is shown; best with the one whose own score has changed too.
+void Match::showScores(ObjectId preferred)
 {
-    Ship* shown = editShip(killer);
-    if (shown != nullptr) {
-        ++shown->score;
-    }
+    const Ship* shown = findShip(preferred);
     if (shown == nullptr || !shown->alive) {
         const auto alive = std::find_if(ships.begin(), ships.end(), [](const Ship& s) { return s.alive; });
         shown = alive == ships.end() ? nullptr : &*alive;
     }
-    if (shown != nullptr && observer != nullptr) {
-        observer->shipDataChanged(*shown);
+    if (shown != nullptr) {
+        tell([&](MatchObserver& observer) { observer.shipDataChanged(*shown); });
     }
 }
 
@@ -248,16 +265,21 @@ void Match::fireFrom(Ship& ship)
 {
     shots.push_back(shotFrom(ship, nextId++, rules));
     ship.reload = rules.reloadTime;
-    ship.grace = 0.0F;  // who fights is fair game
-    if (observer != nullptr) {
-        observer->shotFired(shots.back());
-    }
+    ship.fired = true;
+    tell([&](MatchObserver& observer) { observer.shotFired(shots.back()); });
 }
 
 void Match::passTime()
 {
+    if (restLeft > 0.0F) {
+        restLeft -= stepTime;
+        if (restLeft <= 0.0F) {
+            beginAnew();
+        }
+        return;
+    }
     for (Ship& ship : ships) {
-        ship.grace = std::max(0.0F, ship.grace - stepTime);
+        ship.shownFor += stepTime;
         if (ship.alive) {
             continue;
         }
@@ -268,10 +290,75 @@ void Match::passTime()
     }
 }
 
+// One match after another.
+
+bool Match::isOver() const
+{
+    if (restLeft > 0.0F) {
+        return false;
+    }
+    const bool scored = settings.scoreLimit > 0 && std::max(redScore, blueScore) >= settings.scoreLimit;
+    const std::uint64_t timeLimit = static_cast<std::uint64_t>(settings.timeLimit) * stepsPerSecond;
+    return scored || (timeLimit > 0 && steps - beganAt >= timeLimit);
+}
+
+/// Takes everything off the field; the scores stay until the next match begins.
+void Match::finish()
+{
+    result = summary();
+    for (const Shot& shot : shots) {
+        tell([&](MatchObserver& observer) { observer.shotEnded(shot); });
+    }
+    shots.clear();
+    for (Ship& ship : ships) {
+        if (ship.alive) {
+            ship.alive = false;
+            tell([&](MatchObserver& observer) { observer.shipVanished(ship); });
+        }
+    }
+    restLeft = rules.intermission;
+}
+
+MatchResult Match::summary() const
+{
+    MatchResult end{
+        matchNumber, static_cast<unsigned>((steps - beganAt) / stepsPerSecond), redScore, blueScore, {}};
+    for (const Ship& ship : ships) {
+        end.standings.push_back({ship.name, ship.team, ship.score, ship.deaths});
+    }
+    std::stable_sort(end.standings.begin(), end.standings.end(), [](const auto& a, const auto& b) {
+        return a.kills != b.kills ? a.kills > b.kills : a.deaths < b.deaths;
+    });
+    return end;
+}
+
+void Match::beginAnew()
+{
+    ++matchNumber;
+    beganAt = steps;
+    redScore = 0;
+    blueScore = 0;
+    for (Ship& ship : ships) {  // before anyone enters: who does tells everyone all the scores
+        ship.score = 0;
+        ship.deaths = 0;
+        ship.newcomer = false;
+    }
+    for (Ship& ship : ships) {
+        enter(ship);
+    }
+}
+
+std::optional<MatchResult> Match::takeResult()
+{
+    return std::exchange(result, std::nullopt);
+}
+
 std::uint64_t Match::stateHash() const
 {
     StateHash hash;
     hash.add(steps);
+    hash.add(matchNumber);
+    hash.add(restLeft);
     hash.add(redScore);
     hash.add(blueScore);
     for (const Ship& ship : ships) {

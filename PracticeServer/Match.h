@@ -2,12 +2,17 @@
 
 #include "PracticeServer/BotPilot.h"
 #include "PracticeServer/MatchObserver.h"
+#include "PracticeServer/MatchResult.h"
+#include "PracticeServer/MatchSettings.h"
 #include "PracticeServer/Random.h"
 #include "PracticeServer/Rules.h"
 #include "PracticeServer/Ship.h"
 #include "PracticeServer/Shot.h"
+#include "PracticeServer/StartPoints.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +20,9 @@ namespace practice {
 
 /// The rules of a match: ships, shots, scores and bots, and nothing of sockets or clocks.
 ///
-/// Time passes only in `step`. The same seed, rules and calls give the same match, bit for bit.
+/// Time passes only in `step`. The same settings, rules and calls give the same match, bit for bit; with
+/// starting points on a grid, also the same scene is needed (see StartPoints). One match follows another: at
+/// the score or time limit all ships vanish, and after an intermission they start anew with no scores.
 class Match
 {
 public:
@@ -25,8 +32,10 @@ public:
     /// Clients number their own explosions from 2 in the same table, so ours start far above.
     static constexpr ObjectId firstId = ObjectId(1) << 32U;
 
-    /// Does not own the observer, which may be null and must outlive the match.
-    explicit Match(std::uint32_t seed, MatchObserver* observer_ = nullptr, const Rules& rules_ = Rules());
+    explicit Match(const MatchSettings& settings_, const Rules& rules_ = Rules());
+
+    /// Not owned; must outlive the match. Observers hear of everything in the order in which they were added.
+    void addObserver(MatchObserver* observer) { observers.push_back(observer); }
 
     /// Adds a ship flown by `setInput` to the team with fewer ships.
     ObjectId addHuman();
@@ -42,6 +51,9 @@ public:
 
     void step();
 
+    /// How the match ended, once after the step in which it did.
+    std::optional<MatchResult> takeResult();
+
     const std::vector<Ship>& allShips() const { return ships; }
     const std::vector<Shot>& allShots() const { return shots; }
     const Ship* findShip(ObjectId id) const;
@@ -56,21 +68,37 @@ public:
     Ship* editShip(ObjectId id);
 
 private:
+    MatchSettings settings;
     Rules rules;
     Random random;
-    MatchObserver* observer;
+    StartPoints startPoints;
+    std::vector<MatchObserver*> observers;
     std::vector<Ship> ships;
     std::vector<Shot> shots;
     std::vector<BotPilot> bots;
+    std::vector<Sighting> sightings;  ///< kept between steps for its memory alone
     ObjectId nextId = firstId;
     std::uint64_t steps = 0;
+    std::uint64_t beganAt = 0;  ///< step at which the present match began
+    float restLeft = 0.0F;      ///< seconds of intermission left
+    unsigned matchNumber = 1;
+    std::optional<MatchResult> result;
     int redScore = 0;
     int blueScore = 0;
     unsigned humansSeen = 0;
 
+    template <typename Event>
+    void tell(Event event)
+    {
+        for (MatchObserver* observer : observers) {
+            event(*observer);
+        }
+    }
+
     ObjectId addShip(Team team, bool human, const std::string& name);
     Team smallerTeam() const;
     void enter(Ship& ship);
+    int& scoreOf(Team team) { return team == Team::blue ? blueScore : redScore; }
 
     void steerBots();
     void flyShips();
@@ -78,10 +106,16 @@ private:
     void fireFrom(Ship& ship);
     void moveShots();
     Ship* firstHit(const Shot& shot);
+    bool mayHit(const Shot& shot, const Ship& ship) const;
     void strike(const Shot& shot, Ship& victim);
-    void kill(Ship& victim, ObjectId killer);
-    void credit(ObjectId killer);
+    void kill(Ship& victim, const Shot& shot);
+    void showScores(ObjectId preferred);
     void passTime();
+
+    bool isOver() const;
+    void finish();
+    MatchResult summary() const;
+    void beginAnew();
 };
 
 }  // namespace practice

@@ -1,5 +1,6 @@
 #include "PracticeServer/PracticeServer.h"
 
+#include "PracticeServer/ScoreTable.h"
 #include "PracticeServer/StateFrames.h"
 #include "instrumentation/Logger.h"
 
@@ -29,9 +30,11 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
       portNumber(ports.number()),
       stepTimer(io),
       clock(stepPeriod),
-      match(config_.seed, &broadcast),
+      match(config_.match),
       broadcast(match, [this](const std::string& frame) { sendToAll(frame); })
 {
+    match.addObserver(&broadcast);
+    match.addObserver(&mirror);
     for (unsigned i = 0; i < config.bots; ++i) {
         match.addBot();
     }
@@ -288,7 +291,9 @@ void PracticeServer::runDueSteps()
 void PracticeServer::step()
 {
     match.step();
+    SceneMirror::apply();
     broadcast.afterStep();
+    tellResult();
     dropOffenders();
     releaseSilentPilots();
     if (match.stepCount() % stepsPerSnapshot == 0) {
@@ -297,6 +302,15 @@ void PracticeServer::step()
     flushAll();
     resumeAccepting();
     tellOfTurnedAway();
+}
+
+void PracticeServer::tellResult()
+{
+    if (const auto result = match.takeResult()) {
+        for (const std::string& line : scoreTable(*result)) {
+            config.log(line);
+        }
+    }
 }
 
 void PracticeServer::releaseSilentPilots()

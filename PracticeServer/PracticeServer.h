@@ -4,6 +4,7 @@
 #include "PracticeServer/ClientSession.h"
 #include "PracticeServer/Match.h"
 #include "PracticeServer/MatchBroadcast.h"
+#include "PracticeServer/SceneMirror.h"
 #include "PracticeServer/ServerPorts.h"
 #include "PracticeServer/StepClock.h"
 
@@ -25,7 +26,7 @@ struct ServerConfig
     boost::asio::ip::address_v4 bind = boost::asio::ip::address_v4::loopback();
     std::uint16_t port = 21042;  ///< 0: any free port
     unsigned bots = 8;
-    std::uint32_t seed = 1;  ///< of the match; qports are random in any case
+    MatchSettings match;  ///< its seed is not that of the qports: they are random in any case
     std::size_t mostClients = 64;
     ConductLimits conduct;
     std::size_t sendQueue = ClientSession::defaultQueueLimit;  ///< bytes that may wait for one client
@@ -76,6 +77,7 @@ private:
     StepClock clock;
     Match match;
     MatchBroadcast broadcast;
+    SceneMirror mirror;
     std::vector<Client> clients;
     std::random_device qportSource;
     std::array<char, 2048> datagram{};
@@ -107,6 +109,7 @@ private:
     void scheduleSteps();
     void runDueSteps();
     void step();
+    void tellResult();
     void releaseSilentPilots();
     void sendSnapshot();
     void sendToAll(const std::string& frame);

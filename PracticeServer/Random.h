@@ -14,8 +14,11 @@ class Random
 public:
     explicit Random(std::uint32_t seed) : engine(seed) {}
 
+    /// Uniform over all 32-bit numbers.
+    std::uint32_t next() { return static_cast<std::uint32_t>(engine()); }
+
     /// Uniform in [0, 1).
-    float unit() { return static_cast<float>(engine() >> 8U) * (1.0F / 16777216.0F); }
+    float unit() { return static_cast<float>(next() >> 8U) * (1.0F / 16777216.0F); }
 
     /// Uniform in [low, high).
     float between(float low, float high) { return low + (high - low) * unit(); }

@@ -49,10 +49,13 @@ struct Ship
     Vector3 velocity;
     Quaternion orientation;
     float health = 0.0F;
-    std::int32_t score = 0;
-    float reload = 0.0F;     ///< seconds until the next shot may leave
-    float respawnIn = 0.0F;  ///< seconds until a dead ship returns
-    float grace = 0.0F;      ///< seconds in which bots leave this ship alone
+    std::int32_t score = 0;   ///< kills of this match
+    std::int32_t deaths = 0;  ///< in this match
+    float reload = 0.0F;      ///< seconds until the next shot may leave
+    float respawnIn = 0.0F;   ///< seconds until a dead ship returns
+    float shownFor = 0.0F;    ///< seconds since it last appeared
+    bool newcomer = true;     ///< has not died yet since it joined
+    bool fired = false;       ///< since it last appeared
     ShipInput input;
 };
 

@@ -1,6 +1,8 @@
 #include "PracticeServer/Shot.h"
 
 #include "PracticeServer/Steering.h"
+#include "scene/LineSegment.h"
+#include "scene/Sphere.h"
 
 #include <cmath>
 
@@ -18,8 +20,15 @@ Shot shotFrom(const Ship& ship, ObjectId id, const Rules& rules)
     return shot;
 }
 
-std::optional<float> contactTime(const Vector3& offset, const Vector3& motion, float reach)
+std::optional<float> contactTime(Vector3 offset, Vector3 motion, float reach)
 {
+    Vector3 centre;
+    const Sphere hull(&centre, reach);
+    const LineSegment path(&offset, &motion);
+    if (!hull.collidesWith(path)) {
+        return std::nullopt;
+    }
+    // The volumes answer generously: a hull beside the path's extension counts as met. So the time decides.
     const float gap = offset.lengthSquared() - reach * reach;
     if (gap <= 0.0F) {
         return 0.0F;

@@ -22,6 +22,6 @@ Shot shotFrom(const Ship& ship, ObjectId id, const Rules& rules);
 /// When, as a share of the step in [0, 1], two bodies that both move in straight lines come within
 /// `reach` of each other; nothing if they do not. `offset` is their distance vector at the start,
 /// `motion` how it changes over the step.
-std::optional<float> contactTime(const Vector3& offset, const Vector3& motion, float reach);
+std::optional<float> contactTime(Vector3 offset, Vector3 motion, float reach);
 
 }  // namespace practice

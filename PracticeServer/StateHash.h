@@ -57,8 +57,9 @@ inline void StateHash::add(const Ship& ship)
     add(ship.health);
     add(ship.score);
     add(ship.reload);
+    add(ship.deaths);
     add(ship.respawnIn);
-    add(ship.grace);
+    add(ship.shownFor);
 }
 
 inline void StateHash::add(const Shot& shot)

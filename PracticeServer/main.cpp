@@ -27,7 +27,7 @@ int serve(const practice::ServerOptions& options)
     practice::ServerConfig config;
     config.port = options.port;
     config.bots = options.bots;
-    config.seed = options.seed;
+    config.match.seed = options.seed;
     config.log = writeLine;
 
     boost::asio::io_context io(1);

@@ -1,6 +1,9 @@
+#include "PracticeServer/BattleFront.h"
 #include "PracticeServer/Match.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 using namespace practice;
 
@@ -8,9 +11,14 @@ namespace {
 
 constexpr int second = Match::stepsPerSecond;
 
-Match botMatch(std::uint32_t seed, int bots = 8)
+Match botMatch(std::uint32_t seed, int bots = 16, Difficulty difficulty = Difficulty::normal)
 {
-    Match match(seed);
+    MatchSettings settings;
+    settings.seed = seed;
+    settings.difficulty = difficulty;
+    settings.scoreLimit = 0;
+    settings.timeLimit = 0;
+    Match match(settings);
     for (int i = 0; i < bots; ++i) {
         match.addBot();
     }
@@ -24,56 +32,116 @@ void run(Match& match, int steps)
     }
 }
 
-/// Two minutes in which bots fight around a human who turns, flies and fires.
-std::uint64_t hashAfterTwoMinutes(std::uint32_t seed)
+/// A bot match with the standard limits.
+std::uint64_t hashAfterTenMinutes(std::uint32_t seed)
 {
-    Match match = botMatch(seed);
-    const ObjectId human = match.addHuman();
-    for (int i = 0; i < 240; ++i) {
-        const float turn = static_cast<float>(i) * 0.3F;
-        const std::uint32_t keys = i % 3 == 0 ? control::fire : control::forward | control::right;
-        match.setInput(human, {Quaternion::FromAxisAngle(turn, Vector3(0, 1, 0)), keys});
-        run(match, second / 2);
+    MatchSettings settings;
+    settings.seed = seed;
+    Match match(settings);
+    for (int i = 0; i < 16; ++i) {
+        match.addBot();
     }
+    run(match, 600 * second);
     return match.stateHash();
+}
+
+float distanceToFight(const Ship& ship, const Match& match)
+{
+    const float time = static_cast<float>(match.stepCount()) * Match::stepTime;
+    return std::min(ship.position.distance(battleFront(Team::blue, time)),
+                    ship.position.distance(battleFront(Team::red, time)));
 }
 
 }  // namespace
 
-TEST(Bots, TheSameSeedAndInputsGiveTheSameMatch)
+/// Changes with every change of the rules, the bots or the math under them, and with nothing else: neither
+/// the build's optimisation nor the machine.
+TEST(Bots, ATenMinuteMatchEndsInTheSameStateEverywhere)
 {
-    const std::uint64_t hash = hashAfterTwoMinutes(5);
-    EXPECT_EQ(hash, hashAfterTwoMinutes(5));
-    EXPECT_NE(hash, hashAfterTwoMinutes(6));
+    EXPECT_EQ(hashAfterTenMinutes(5), 12332426265626555703U);
 }
 
-TEST(Bots, KillEachOtherWithinAMinuteAndStayInTheFight)
+TEST(Bots, TheInputOfAHumanAndTheSeedMakeTheMatch)
 {
-    for (std::uint32_t seed = 1; seed <= 5; ++seed) {
+    const auto hash = [](std::uint32_t seed, std::uint32_t controls) {
+        Match match = botMatch(seed, 4);
+        match.setInput(match.addHuman(), {Quaternion(), controls});
+        run(match, 20 * second);
+        return match.stateHash();
+    };
+    const std::uint64_t one = hash(5, control::forward);
+    EXPECT_EQ(one, hash(5, control::forward));
+    EXPECT_NE(one, hash(6, control::forward));
+    EXPECT_NE(one, hash(5, control::backward));
+}
+
+TEST(Bots, FightALivelyAndBalancedMatchAroundTheCarriers)
+{
+    int kills = 0;
+    int redWins = 0;
+    int blueWins = 0;
+    long far = 0;
+    constexpr int seeds = 20;
+    constexpr int minutes = 5;
+    for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
         Match match = botMatch(seed);
-        for (int i = 0; i < 60 * second; ++i) {
-            match.step();
-            for (const Ship& ship : match.allShips()) {
-                ASSERT_LT(ship.position.length(), 240.0F);
+        for (int i = 0; i < minutes * 60; ++i) {
+            run(match, second);
+            far += std::count_if(match.allShips().begin(), match.allShips().end(),
+                                 [&](const Ship& ship) { return distanceToFight(ship, match) > 400.0F; });
+        }
+        const int lead = match.teamScore(Team::blue) - match.teamScore(Team::red);
+        kills += match.teamScore(Team::blue) + match.teamScore(Team::red);
+        redWins += lead < 0 ? 1 : 0;
+        blueWins += lead > 0 ? 1 : 0;
+    }
+    EXPECT_GT(kills, seeds * minutes * 20);
+    EXPECT_LE(redWins, seeds * 7 / 10);
+    EXPECT_LE(blueWins, seeds * 7 / 10);
+    EXPECT_LT(far, seeds * minutes * 60 * 16 / 10);  // raiders on their way; a tenth of all
+}
+
+TEST(Bots, OfEachSkillBeatThoseBelowAgainstAnIdleTarget)
+{
+    // Seconds until a ship that only hovers at the front is dead, summed over seeds.
+    const auto lifetimes = [](Difficulty difficulty) {
+        int total = 0;
+        for (std::uint32_t seed = 1; seed <= 20; ++seed) {
+            Match match = botMatch(seed, 2, difficulty);
+            match.removeShip(match.allShips()[0].id);  // its blue companion; a red guard remains
+            const ObjectId target = match.addHuman();
+            match.editShip(target)->position = battleFront(Team::red, 0.0F);
+            for (; total < 3600 && match.findShip(target)->alive; ++total) {
+                run(match, second);
             }
         }
-        EXPECT_GE(match.teamScore(Team::red), 1);
-        EXPECT_GE(match.teamScore(Team::blue), 1);
-    }
+        return total;
+    };
+    const int easy = lifetimes(Difficulty::easy);
+    const int normal = lifetimes(Difficulty::normal);
+    EXPECT_GT(easy, normal);
+    EXPECT_GT(normal, lifetimes(Difficulty::hard));
 }
 
-TEST(Bots, LeaveANewcomerTimeToLookAroundAndThenAttack)
+TEST(Bots, LeaveANewcomerTimeToLookAroundUnlessHeFires)
 {
-    for (std::uint32_t seed = 1; seed <= 5; ++seed) {
-        Match match = botMatch(seed);
-        const ObjectId human = match.addHuman();
-        int seconds = 0;
-        for (; seconds < 90 && match.findShip(human)->health == Rules().fullHealth; ++seconds) {
-            run(match, second);
+    int secondsUntilHit[2] = {0, 0};  // of the idle, of those who fire; summed
+    for (std::uint32_t seed = 1; seed <= 10; ++seed) {
+        for (const std::uint32_t controls : {0U, control::fire}) {
+            Match match = botMatch(seed);
+            const ObjectId human = match.addHuman();
+            match.editShip(human)->position = battleFront(Team::blue, 0.0F);
+            match.setInput(human, {Quaternion(), controls});
+            int seconds = 0;
+            for (; match.findShip(human)->health == Rules().fullHealth; ++seconds) {
+                ASSERT_LT(seconds, 120);
+                run(match, second);
+            }
+            secondsUntilHit[controls == 0 ? 0 : 1] += seconds;
         }
-        EXPECT_GT(seconds, 20);
-        EXPECT_LT(seconds, 90);
     }
+    EXPECT_GT(secondsUntilHit[0], 10 * 22);
+    EXPECT_LT(secondsUntilHit[1], secondsUntilHit[0] - 10 * 5);
 }
 
 TEST(Bots, ThatFlySideBySideWithoutAnEnemyMakeRoomFlyOnAndDoNotFire)

@@ -1,12 +1,16 @@
 #include "PracticeServer/Match.h"
 
 #include "PracticeServer/MatchBroadcast.h"
+#include "PracticeServer/SceneMirror.h"
+#include "PracticeServer/ScoreTable.h"
 #include "tests/PracticeServer/TestClient.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
+#include <optional>
+#include <set>
 
 using namespace practice;
 
@@ -20,8 +24,13 @@ class MatchTest : public testing::Test
 {
 protected:
     Heard heard;
-    Match match{1, &broadcast};
+    Match match;
     MatchBroadcast broadcast{match, [this](std::string frame) { heard.take(frame); }};
+
+    explicit MatchTest(const MatchSettings& settings = {}, const Rules& rules = {}) : match(settings, rules)
+    {
+        match.addObserver(&broadcast);
+    }
 
     ObjectId place(const Vector3& position)
     {
@@ -60,6 +69,42 @@ protected:
         return result;
     }
     Heard snapshot() { return heardIn(broadcast.takeSnapshot()); }
+};
+
+class FriendlyFireTest : public MatchTest
+{
+protected:
+    static Rules friendlyFire()
+    {
+        Rules rules;
+        rules.friendlyFire = true;
+        return rules;
+    }
+    FriendlyFireTest() : MatchTest({}, friendlyFire()) {}
+};
+
+class ShortMatchTest : public MatchTest
+{
+protected:
+    static MatchSettings shortMatch()
+    {
+        MatchSettings settings;
+        settings.scoreLimit = 2;
+        settings.timeLimit = 20;
+        return settings;
+    }
+    ShortMatchTest() : MatchTest(shortMatch()) {}
+
+    std::optional<MatchResult> playUntilResult(int seconds)
+    {
+        for (int i = 0; i < seconds * 60; ++i) {
+            step();
+            if (const auto result = match.takeResult()) {
+                return result;
+            }
+        }
+        return std::nullopt;
+    }
 };
 
 }  // namespace
@@ -113,6 +158,7 @@ TEST_F(MatchTest, AKillScoresLeavesExplosionsAndTheVictimReturnsWholeUnderItsId)
     fireOnce(shooter);
     step(60);
     EXPECT_EQ(match.findShip(shooter)->score, 1);
+    EXPECT_EQ(match.findShip(victim)->deaths, 1);
     EXPECT_EQ(match.teamScore(Team::blue), 1);
     EXPECT_EQ(match.teamScore(Team::red), 0);
     EXPECT_EQ(heard.destroys.size(), 1U + 1U + 3U);  // shot, ship, debris
@@ -134,17 +180,6 @@ TEST_F(MatchTest, AKillScoresLeavesExplosionsAndTheVictimReturnsWholeUnderItsId)
     EXPECT_EQ(heard.infos[0].id(), victim);
     EXPECT_EQ(heard.infos[0].playerdata().health(), Rules().fullHealth);
     EXPECT_EQ(heard.infos[0].playerdata().blueteamscore(), 1);
-}
-
-TEST_F(MatchTest, HumansStartWithTheFightInView)
-{
-    for (int i = 0; i < 12; ++i) {
-        const Ship& ship = *match.findShip(match.addHuman());
-        EXPECT_LT(ship.position.z, -100.0F);
-        EXPECT_LT(std::fabs(ship.position.x) / -ship.position.z, std::tan(0.6F));  // of the view's 37 degrees
-        EXPECT_EQ(ship.position.x < 0.0F, ship.team == Team::blue);
-        EXPECT_EQ(ship.orientation, Quaternion());
-    }
 }
 
 TEST_F(MatchTest, ChangedDataLeavesWithTheSnapshotInPlaceOfTheUpdate)
@@ -198,4 +233,114 @@ TEST_F(MatchTest, APointBlankShotIsShownForAWhileAndTheDeadAreNotIntroduced)
     EXPECT_TRUE(heard.destroys.empty());
     step(10);
     EXPECT_EQ(heard.destroys.size(), 1U);
+}
+
+TEST_F(FriendlyFireTest, SparesTheShooterAloneAndCountsAgainstHim)
+{
+    const ObjectId shooter = place({0, 0, 0});
+    place({200, 0, 0});
+    const ObjectId friendly = place({0, 0, 80});
+    match.editShip(friendly)->health = 5.0F;
+    fireOnce(shooter);
+    match.editShip(shooter)->position = {0, 0, 40};  // into the way of his own shot
+    step(60);
+    EXPECT_EQ(health(shooter), Rules().fullHealth);
+    EXPECT_FALSE(match.findShip(friendly)->alive);
+    EXPECT_EQ(match.findShip(shooter)->score, -1);
+    EXPECT_EQ(match.teamScore(Team::blue), -1);
+    EXPECT_EQ(match.teamScore(Team::red), 0);
+}
+
+TEST_F(ShortMatchTest, EndsAtTheScoreLimitAndTheNextOneStartsWithNoScores)
+{
+    const ObjectId shooter = place({0, 0, 0});
+    const ObjectId victims[] = {place({0, 0, 50}), place({50, 50, 0}), place({0, 0, 70})};
+    match.removeShip(victims[1]);
+    for (const ObjectId victim : {victims[0], victims[2]}) {
+        match.editShip(victim)->team = Team::red;
+        match.editShip(victim)->health = 5.0F;
+    }
+    hold(shooter, control::fire);
+    const auto result = playUntilResult(3);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->blueScore, 2);
+    ASSERT_EQ(result->standings.size(), 3U);
+    EXPECT_EQ(result->standings[0].kills, 2);
+    EXPECT_EQ(result->standings[2].deaths, 1);
+    EXPECT_FALSE(match.takeResult());
+    EXPECT_TRUE(heardIn(broadcast.introduction()).infos.empty());  // neither ships nor shots
+    EXPECT_EQ(match.teamScore(Team::blue), 2);
+
+    hold(shooter, 0);
+    heard = {};
+    const ObjectId latecomer = match.addHuman();
+    EXPECT_FALSE(match.findShip(latecomer)->alive);
+    step(static_cast<int>(Rules().intermission * 60.0F) + 1);
+    EXPECT_EQ(match.teamScore(Team::blue), 0);
+    ASSERT_EQ(heard.infos.size(), 4U);
+    for (const auto& info : heard.infos) {
+        EXPECT_EQ(info.playerdata().health(), Rules().fullHealth);
+        EXPECT_EQ(info.playerdata().score() + info.playerdata().blueteamscore(), 0);
+    }
+}
+
+TEST_F(ShortMatchTest, EndsAtTheTimeLimitMeasuredFromItsOwnStart)
+{
+    place({0, 0, 0});
+    for (const unsigned number : {1U, 2U}) {
+        const auto result = playUntilResult(27);
+        ASSERT_TRUE(result);
+        EXPECT_EQ(result->number, number);
+        EXPECT_EQ(result->seconds, 20U);
+        EXPECT_EQ(scoreTable(*result),
+                  (std::vector<std::string>{
+                      "match " + std::to_string(number) + " over after 0:20: a draw, blue 0 red 0",
+                      "  blue Pilot 1            0 kills    0 deaths"}));
+    }
+}
+
+TEST(StartPoints, EveryModeLaysOutItsOwnWayAndShipsNeverOverlap)
+{
+    const struct
+    {
+        General::Mode mode;
+        float sideways;  ///< |x| of a team's own side; 0: both teams share the field
+        float spread;    ///< units that ships may be away from their team's point
+    } cases[] = {
+        {General::FIXED, 500.0F, 60.0F}, {General::RANDOM, 500.0F, 110.0F}, {General::GRID, 0.0F, 400.0F}};
+    for (const auto& c : cases) {
+        MatchSettings settings;
+        settings.spawn = c.mode;
+        Match match(settings);
+        SceneMirror mirror;
+        match.addObserver(&mirror);
+        for (int i = 0; i < 16; ++i) {
+            match.addBot();
+        }
+        std::set<float> xs;
+        for (const Ship& ship : match.allShips()) {
+            const float side = ship.team == Team::blue ? -1.0F : 1.0F;
+            EXPECT_LE(ship.position.distance({side * c.sideways, 0, 0}), c.spread) << c.mode;
+            xs.insert(ship.position.x);
+            for (const Ship& other : match.allShips()) {
+                EXPECT_TRUE(ship.id == other.id || ship.position.distance(other.position) > 13.0F) << c.mode;
+            }
+        }
+        // The grid grows with the scene: with 15 ships in it, five slots 100 apart.
+        EXPECT_EQ(xs.count(-150.0F) + xs.count(50.0F) > 0, c.mode == General::GRID);
+    }
+}
+
+TEST(StartPoints, AreTheSameForTheSameSeedWhateverElseDrawsFromTheCLibrary)
+{
+    const auto firstPosition = [](std::uint32_t seed) {
+        std::rand();
+        MatchSettings settings;
+        settings.seed = seed;
+        Match match(settings);
+        return match.findShip(match.addHuman())->position;
+    };
+    const Vector3 position = firstPosition(4);
+    EXPECT_EQ(position, firstPosition(4));
+    EXPECT_FALSE(position == firstPosition(5));
 }
