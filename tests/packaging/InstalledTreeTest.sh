@@ -61,8 +61,8 @@ APracticeMatchPlaysAndLeavesNothing() {
     TMPDIR=$work/tmp "$games/vantor-practice" --bots 4 &
     local match=$! tries=60
     started+=("$match")
-    xdotool mousedown 1  # the last file that the client loads is a shot's
     until [ "$(colours)" -gt 1000 ] && grep -qs shot.obj "$work"/tmp/*/client; do
+        xdotool mousedown 1 sleep 0.2 mouseup 1  # the last file that the client loads is a shot's
         [ $((tries -= 1)) -gt 0 ] && kill -0 $match || fail 'no picture of a match'
         sleep 0.5
     done
