@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # The processes of a match and their end: what ./play and vantor-practice have in common.
 #
 # For bash scripts with `set -euo pipefail`, which define `fail MESSAGE [STATUS]` (tells the player, and exits) and then
@@ -17,7 +18,7 @@ close_session() {
     for pid in "${started[@]}"; do
         kill "$pid" 2>/dev/null && wait "$pid" 2>/dev/null || true
     done
-    rm -rf "$work"
+    rm -rf --one-file-system "$work"
 }
 
 # Server and display get sessions of their own, so that Ctrl-C reaches nobody but this script and they outlive the
