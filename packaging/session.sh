@@ -62,7 +62,7 @@ require_x11_beside_wayland() {
 start_client() {
     # SDL's classic driver of that name is the one that has OpenGL. The client makes no sound, so it need not open a
     # sound card either. Its window has one size: SDL 1.2 on top of SDL 2 need not draw into a buffer of its own to
-    # scale it, which costs a software renderer two thirds of its speed.
+    # scale it, which costs a software renderer time in each frame.
     SDL_VIDEODRIVER=x11 SDL_AUDIODRIVER=${SDL_AUDIODRIVER:-dummy} \
         SDL12COMPAT_OPENGL_SCALING=${SDL12COMPAT_OPENGL_SCALING:-0} "$@" &
     client=$!
