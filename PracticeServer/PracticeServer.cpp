@@ -26,7 +26,7 @@ constexpr std::uint64_t turnedAwayPause = 60;  ///< steps between two lines abou
 
 PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& config_)
     : config(config_),
-      ports(io, config_.bind, config_.port),
+      ports(io, config_.port, config_.bind),
       portNumber(ports.number()),
       stepTimer(io),
       clock(stepPeriod),

@@ -73,7 +73,7 @@ boost::asio::ip::address_v4 address(const po::variables_map& values, const char*
 {
     const auto& text = values[option].as<std::string>();
     boost::system::error_code error;
-    const auto result = boost::asio::ip::make_address_v4(text, error);
+    auto result = boost::asio::ip::make_address_v4(text, error);
     if (error) {
         refuse(option, "an IPv4 address of this machine like 127.0.0.1 (0.0.0.0: all of them)", text);
     }

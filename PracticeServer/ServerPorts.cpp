@@ -41,8 +41,8 @@ boost::system::error_code bindUdp(udp::socket& socket, const udp::endpoint& endp
 
 }  // namespace
 
-ServerPorts::ServerPorts(boost::asio::io_context& io, const boost::asio::ip::address_v4& address,
-                         std::uint16_t port)
+ServerPorts::ServerPorts(boost::asio::io_context& io, std::uint16_t port,
+                         const boost::asio::ip::address_v4& address)
     : acceptor(io), udp(io)
 {
     boost::system::error_code error;

@@ -17,7 +17,8 @@ struct ServerPorts
 
     /// Port 0 takes any number that is free for both. Throws boost::system::system_error if there is none, if
     /// the wanted port is taken, or if the address is not one of this machine.
-    ServerPorts(boost::asio::io_context& io, const boost::asio::ip::address_v4& address, std::uint16_t port);
+    ServerPorts(boost::asio::io_context& io, std::uint16_t port,
+                const boost::asio::ip::address_v4& address = boost::asio::ip::address_v4::loopback());
 
     std::uint16_t number() const { return acceptor.local_endpoint().port(); }
 };
