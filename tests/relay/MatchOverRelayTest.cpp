@@ -74,7 +74,7 @@ bool isBluePaint(support::Pixel pixel)
     return pixel.blue > 50 && 6 * pixel.red < pixel.blue && 6 * pixel.green < pixel.blue;
 }
 
-/// Whether blue ships are at other places of the sky, while the own ship, and with it the view, rested.
+/// Whether blue ships are at other places of the sky. The own ship rests below it, or has fallen.
 bool showsMotion(const Picture& before, const Picture& after)
 {
     int moved = 0;
@@ -84,7 +84,7 @@ bool showsMotion(const Picture& before, const Picture& after)
         }
     }
     constexpr int speck = 8;  // pixels; a ship 200 units away covers about 30
-    return moved > speck && countChanged(before, after, position) == 0;
+    return moved > speck;
 }
 
 }  // namespace
@@ -105,10 +105,10 @@ TEST(MatchOverRelay, StaysConnectedForAMinuteOfLossAndReorderingAndShowsMovingSh
         const Picture before = player.photograph(name + "a");
         std::this_thread::sleep_for(700ms);
         const Picture after = player.photograph(name + "b");
-        EXPECT_TRUE(isInMatch(after)) << name;
+        EXPECT_TRUE(shot > 1 || isInMatch(after)) << "at first nobody aims at a newcomer";
         moving += showsMotion(before, after) ? 1 : 0;
     }
-    EXPECT_GE(moving, 3) << "pairs of pictures";  // the own ship may fall, and then flies or looks elsewhere
+    EXPECT_GE(moving, 4) << "of 6 pairs of pictures";  // at times all blue ships are out of sight
     std::this_thread::sleep_until(connected + 61s);
     EXPECT_TRUE(player.client.isRunning());
     EXPECT_FALSE(relay.process.hasPrinted("connection 1: broken"));

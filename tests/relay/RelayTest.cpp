@@ -155,6 +155,24 @@ TEST(Relay, APeerThatDoesNotReadFillsABoundedBufferAndStallsNobodyElse)
     })) << "reading goes on once the peer reads";
 }
 
+TEST(Relay, StrangersThatFillTheTableOfFlowsGiveWayToAPlayer)
+{
+    LocalNetwork network;
+    for (std::size_t i = 0; i < 2 * Relay::mostFlows; ++i) {
+        network.datagramSocket().send_to(boost::asio::buffer("!", 1), network.relayAddress());
+        network.io.poll();
+    }
+    DatagramEnd server{network.server.udp};
+    auto player = network.datagramSocket();
+    EXPECT_TRUE(network.await([&] {
+        player.send_to(boost::asio::buffer("?", 1), network.relayAddress());
+        server.poll();
+        return !server.heard.empty() && server.heard.back() == "?";
+    }));
+    const std::string complaint = "ignoring new senders of datagrams: 64 are active";
+    EXPECT_EQ(std::count(network.log.begin(), network.log.end(), complaint), 1) << "and says so once";
+}
+
 TEST(Relay, HangsUpOnBothSidesAndFallsSilentWhenTheLineIsCut)
 {
     RelayConfig config;
