@@ -39,14 +39,16 @@ await() {
     return 1
 }
 
-# start_server COMMAND...: starts a practice server and sets host and port to where it listens.
-start_server() {
-    in_background "$@" >"$work/server" 2>&1 &
-    local server=$! ready status=1
-    started+=("$server")
-    if ! ready=$(await 10 "$work/server" '^ready ' "$server"); then
-        kill -0 "$server" 2>/dev/null || wait "$server" || status=$?
-        fail "the practice server did not start: $(tail -n 3 "$work/server")" "$status"
+# serve NAME COMMAND...: starts a service, and sets host and port to where it says that it is ready.
+serve() {
+    local name=$1 pid ready status=1
+    shift
+    in_background "$@" >"$work/$name" 2>&1 &
+    pid=$!
+    started+=("$pid")
+    if ! ready=$(await 10 "$work/$name" '^ready ' "$pid"); then
+        kill -0 "$pid" 2>/dev/null || wait "$pid" || status=$?
+        fail "the $name did not start: $(tail -n 3 "$work/$name")" "$status"
     fi
     host=${ready#ready } port=${ready##*:}
     host=${host%:*}

@@ -96,7 +96,7 @@ std::shared_ptr<UdpFlow> Relay::addFlow(const UdpFlow::Endpoint& client)
 {
     const UdpFlow::Endpoint serverAddress(server.address(), server.port());
     try {
-        const auto flow = std::make_shared<UdpFlow>(door.udp(), client, serverAddress, ++flowCount, config);
+        auto flow = std::make_shared<UdpFlow>(door.udp(), client, serverAddress, ++flowCount, config);
         flow->start();
         flows[client] = flow;
         return flow;

@@ -20,8 +20,9 @@ class Relay
 public:
     static constexpr std::size_t mostLinks = 64;
     static constexpr std::size_t mostFlows = 64;
-    /// A flow gives way to a new one when its client has been silent for so long.
-    static constexpr Duration idleLimit = std::chrono::seconds(30);
+    /// Where there are too many, flows of clients that have been silent for so long give way: players say
+    /// something 20 times a second.
+    static constexpr Duration idleLimit = std::chrono::seconds(2);
 
     /// Finds the server's address and opens the ports. Throws boost::system::system_error where that fails.
     Relay(boost::asio::io_context& io, const RelayConfig& config);

@@ -13,6 +13,8 @@ namespace relay {
 
 namespace {
 
+constexpr std::size_t largestFrame = framing::lengthSize + 65535;
+
 bool isFrom(const Chunk& chunk, Transport transport, Direction direction)
 {
     return chunk.kind == Chunk::Kind::bytes && chunk.lane.transport == transport &&
@@ -33,34 +35,53 @@ std::optional<std::uint16_t> welcomedQport(const std::string& stream)
     return static_cast<std::uint16_t>(welcome.qport());
 }
 
-struct Welcomed
+struct Player
 {
     std::uint32_t connection;
     std::uint16_t qport;
+    std::uint32_t flow;  ///< of datagrams; 0, which none has, where the player never sent the qport
 };
 
-Welcomed firstWelcomed(const std::vector<Chunk>& recording)
+std::vector<Player> welcomedPlayers(const std::vector<Chunk>& recording)
 {
-    std::map<std::uint32_t, std::string> streams;
+    std::map<std::uint32_t, std::string>
+        starts;  ///< of the streams, by connection, until their Welcome is whole
+    std::vector<Player> players;
     for (const Chunk& chunk : recording) {
-        if (isFrom(chunk, Transport::stream, Direction::toClient)) {
-            std::string& stream = streams[chunk.lane.number];
-            stream += chunk.bytes;
-            if (const auto qport = welcomedQport(stream)) {
-                return {chunk.lane.number, *qport};
-            }
+        std::string& start = starts[chunk.lane.number];
+        if (!isFrom(chunk, Transport::stream, Direction::toClient) || start.size() > largestFrame) {
+            continue;
+        }
+        start += chunk.bytes;
+        if (const auto qport = welcomedQport(start)) {
+            players.push_back({chunk.lane.number, *qport, 0});
+            start.resize(largestFrame + 1);  // no more of this one
         }
     }
-    throw std::runtime_error("no server welcomes a client in this recording");
+    return players;
 }
 
-/// 0, which no flow has, where the client never sent its qport.
 std::uint32_t flowWith(std::uint16_t qport, const std::vector<Chunk>& recording)
 {
     const auto found = std::find_if(recording.begin(), recording.end(), [qport](const Chunk& chunk) {
         return isFrom(chunk, Transport::datagrams, Direction::toServer) && carriesQport(chunk.bytes, qport);
     });
     return found == recording.end() ? 0 : found->lane.number;
+}
+
+/// The first one that played; where none did, the first one that watched.
+Player firstPlayer(const std::vector<Chunk>& recording)
+{
+    std::vector<Player> players = welcomedPlayers(recording);
+    if (players.empty()) {
+        throw std::runtime_error("no server welcomes a client in this recording");
+    }
+    const auto plays = [&recording](Player& player) {
+        player.flow = flowWith(player.qport, recording);
+        return player.flow != 0;
+    };
+    const auto found = std::find_if(players.begin(), players.end(), plays);
+    return found == players.end() ? players.front() : *found;
 }
 
 Duration connectionTime(std::uint32_t connection, const std::vector<Chunk>& recording)
@@ -81,12 +102,12 @@ bool carriesQport(const std::string& datagram, std::uint16_t qport)
 
 Script serverSide(const std::vector<Chunk>& recording)
 {
-    const Welcomed client = firstWelcomed(recording);
-    const std::uint32_t flow = flowWith(client.qport, recording);
+    const Player client = firstPlayer(recording);
     const Duration start = connectionTime(client.connection, recording);
     Script script{client.qport, {}};
     for (const Chunk& chunk : recording) {
-        const std::uint32_t number = chunk.lane.transport == Transport::stream ? client.connection : flow;
+        const std::uint32_t number =
+            chunk.lane.transport == Transport::stream ? client.connection : client.flow;
         if (isFrom(chunk, chunk.lane.transport, Direction::toClient) && chunk.lane.number == number) {
             script.lines.push_back({chunk.at - start, chunk.lane.transport, chunk.bytes});
         }

@@ -25,8 +25,8 @@ struct Script
 /// Whether a client's datagram begins with the qport.
 bool carriesQport(const std::string& datagram, std::uint16_t qport);
 
-/// The server's side of the first connection that got a Welcome, with the datagrams of the flow that carries
-/// its qport. Throws std::runtime_error where no connection got one.
+/// The server's side towards one client: the first one that it welcomed and that sent its qport in a
+/// datagram, or else the first one that it welcomed. Throws std::runtime_error where it welcomed nobody.
 Script serverSide(const std::vector<Chunk>& recording);
 
 }  // namespace relay
