@@ -1,5 +1,9 @@
 #pragma once
 
+#include "PracticeServer/MatchSettings.h"
+
+#include <boost/asio/ip/address_v4.hpp>
+
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -8,9 +12,11 @@ namespace practice {
 
 struct ServerOptions
 {
-    std::uint16_t port = 21042;
-    unsigned bots = 8;
-    std::uint32_t seed = 1;
+    boost::asio::ip::address_v4 bind;
+    std::uint16_t port = 0;
+    unsigned bots = 0;
+    MatchSettings match;
+    std::string measurements;  ///< the file to append to; empty: none
 };
 
 /// Why there are no options: a text to show and the status to end with.

@@ -1,3 +1,4 @@
+#include "PracticeServer/MeasurementLog.h"
 #include "PracticeServer/PracticeServer.h"
 #include "PracticeServer/ServerOptions.h"
 
@@ -9,6 +10,8 @@
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <optional>
+#include <string>
 
 namespace {
 
@@ -25,18 +28,29 @@ void writeLine(const std::string& line)
 int serve(const practice::ServerOptions& options)
 {
     practice::ServerConfig config;
+    config.bind = options.bind;
     config.port = options.port;
     config.bots = options.bots;
-    config.seed = options.seed;
+    config.match = options.match;
     config.log = writeLine;
 
     boost::asio::io_context io(1);
     practice::PracticeServer server(io, config);
+    std::optional<practice::MeasurementLog> measurements;
+    if (!options.measurements.empty()) {
+        measurements.emplace(io, options.measurements, writeLine);
+    }
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
-    signals.async_wait([&server](const boost::system::error_code&, int) { server.stop(); });
+    signals.async_wait([&](const boost::system::error_code&, int) {
+        server.stop();
+        if (measurements) {
+            measurements->stop();
+        }
+    });
     server.start();
-    writeLine("ready 127.0.0.1:" + std::to_string(server.port()));
+    writeLine("ready " + options.bind.to_string() + ":" + std::to_string(server.port()));
     io.run();
+    writeLine(server.timing());
     return 0;
 }
 
