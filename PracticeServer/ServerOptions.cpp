@@ -94,8 +94,8 @@ po::options_description description()
     options.add_options()("difficulty", text("LEVEL", "normal"), "of the bots: easy, normal or hard");
     options.add_options()("seed", text("N", "1"), "of the match; the same seed gives the same bots");
     options.add_options()(
-        "spawn", text("MODE", "random"),
-        "starting points: random in the team's box, on a grid, or one fixed point per team");
+        "spawn", text("MODE", "fixed"),
+        "starting points: fixed, one for each team; random in a box of the team; or on a grid");
     options.add_options()("score-limit", text("N", "50"), "team kills that end a match; 0: none");
     options.add_options()("time-limit", text("S", "600"), "seconds after which a match ends; 0: never");
     options.add_options()("log", po::value<std::string>()->default_value("")->value_name("FILE"),

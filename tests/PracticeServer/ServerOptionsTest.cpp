@@ -21,6 +21,8 @@ TEST(ServerCommandLine, GivesItsValues)
     const auto standard = std::get<ServerOptions>(read({}));
     EXPECT_TRUE(standard.bind.is_loopback());
     EXPECT_EQ(standard.port, 21042);
+    EXPECT_EQ(standard.match.difficulty, MatchSettings().difficulty);
+    EXPECT_EQ(standard.match.spawn, MatchSettings().spawn);
     EXPECT_EQ(standard.match.scoreLimit, MatchSettings().scoreLimit);
     EXPECT_EQ(standard.match.timeLimit, MatchSettings().timeLimit);
     const auto given = std::get<ServerOptions>(
