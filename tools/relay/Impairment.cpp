@@ -32,10 +32,9 @@ Fate Impairment::next()
     const auto depth = 1 + static_cast<unsigned>(unit() * deepestReorder);
     const double swing = 2 * unit() - 1;
     const auto jitter = static_cast<Duration::rep>(swing * static_cast<double>(conditions.jitter.count()));
-    return {lost      ? 0U
-            : doubled ? 2U
-                      : 1U,
-            std::max(Duration(0), conditions.latency + Duration(jitter)), reordered ? depth : 0U};
+    const unsigned copies = doubled ? 2 : 1;
+    return {lost ? 0 : copies, std::max(Duration(0), conditions.latency + Duration(jitter)),
+            reordered ? depth : 0};
 }
 
 /// Uniform in [0, 1). The engine's sequence is fixed by the language standard, the library's distributions
