@@ -2,6 +2,7 @@
 
 #include <boost/program_options/parsers.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <sstream>
 #include <stdexcept>
@@ -30,6 +31,33 @@ std::invalid_argument complaint(const std::string& option, const char* kind, Num
 }
 
 }  // namespace
+
+void addInformation(po::options_description& options)
+{
+    options.add_options()("help", "show this text")("version", "show the version");
+}
+
+std::optional<End> information(const std::string& program, const po::options_description& options,
+                               const po::variables_map& values)
+{
+    std::ostringstream text;
+    if (values.count("help") != 0) {
+        text << options;
+        return End{text.str(), 0};
+    }
+    if (values.count("version") != 0) {
+        return End{program + " " VANTOR_VERSION "\n", 0};
+    }
+    return std::nullopt;
+}
+
+End refusal(const std::string& program, const std::exception& error)
+{
+    std::string text = error.what();
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
+    return {program + ": " + text + "; see --help\n", 2};
+}
 
 po::variables_map parse(int argc, const char* const* argv, const po::options_description& options)
 {

@@ -11,20 +11,26 @@ using boost::asio::ip::udp;
 
 constexpr int attempts = 16;  ///< someone else may hold the UDP port of the TCP port we were given
 
-tcp::acceptor listenOn(boost::asio::io_context& io, std::uint16_t port)
+boost::system::system_error cannotServe(const boost::system::error_code& error, const std::string& transport,
+                                        const boost::asio::ip::address& address, std::uint16_t port)
+{
+    return {error, "cannot serve on " + transport + " " + address.to_string() + ":" + std::to_string(port)};
+}
+
+tcp::acceptor listenOn(boost::asio::io_context& io, const tcp::endpoint& endpoint)
 {
     try {
-        return {io, {boost::asio::ip::address_v4::loopback(), port}};
+        return {io, endpoint};
     } catch (const boost::system::system_error& error) {
-        throw boost::system::system_error(error.code(), "cannot serve on TCP port " + std::to_string(port));
+        throw cannotServe(error.code(), "TCP", endpoint.address(), endpoint.port());
     }
 }
 
-boost::system::error_code bindUdp(udp::socket& socket, std::uint16_t port)
+boost::system::error_code bindUdp(udp::socket& socket, const udp::endpoint& endpoint)
 {
     boost::system::error_code error;
     socket.open(udp::v4());
-    socket.bind({boost::asio::ip::address_v4::loopback(), port}, error);
+    socket.bind(endpoint, error);
     if (error) {
         socket.close();
     }
@@ -33,16 +39,18 @@ boost::system::error_code bindUdp(udp::socket& socket, std::uint16_t port)
 
 }  // namespace
 
-PortPair::PortPair(boost::asio::io_context& io, std::uint16_t port) : acceptor(io), udp(io)
+PortPair::PortPair(boost::asio::io_context& io, std::uint16_t port,
+                   const boost::asio::ip::address_v4& address)
+    : acceptor(io), udp(io)
 {
     boost::system::error_code error;
     for (int attempt = 0; attempt < (port == 0 ? attempts : 1); ++attempt) {
-        acceptor = listenOn(io, port);
-        error = bindUdp(udp, number());
+        acceptor = listenOn(io, {address, port});
+        error = bindUdp(udp, {address, number()});
         if (!error) {
             udp.non_blocking(true);
             return;
         }
     }
-    throw boost::system::system_error(error, "cannot serve on UDP port " + std::to_string(number()));
+    throw cannotServe(error, "UDP", address, number());
 }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "Common/PortPair.h"
 #include "PracticeServer/ClientConduct.h"
 #include "PracticeServer/ClientSession.h"
 #include "PracticeServer/Match.h"
 #include "PracticeServer/MatchBroadcast.h"
 #include "PracticeServer/SceneMirror.h"
-#include "PracticeServer/ServerPorts.h"
 #include "PracticeServer/StepClock.h"
 
 #include <boost/asio/io_context.hpp>
@@ -25,7 +25,7 @@ struct ServerConfig
 {
     boost::asio::ip::address_v4 bind{boost::asio::ip::address_v4::bytes_type{{127, 0, 0, 1}}};
     std::uint16_t port = 21042;  ///< 0: any free port
-    unsigned bots = 8;
+    unsigned bots = 16;
     MatchSettings match;  ///< its seed is not that of the qports: they are random in any case
     std::size_t mostClients = 64;
     ConductLimits conduct;
@@ -71,7 +71,7 @@ private:
 
     ServerConfig config;
     bool stopped = false;
-    ServerPorts ports;
+    PortPair ports;
     std::uint16_t portNumber;
     boost::asio::steady_timer stepTimer;
     StepClock clock;

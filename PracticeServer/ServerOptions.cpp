@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -16,6 +14,7 @@ namespace {
 
 namespace po = boost::program_options;
 
+constexpr const char* program = "vantor-server";
 constexpr std::uint32_t mostBots = 64;
 constexpr std::uint32_t highestScore = 10'000;  ///< kills; more than a day of fighting
 constexpr std::uint32_t longestMatch = 86'400;  ///< seconds
@@ -35,16 +34,9 @@ constexpr std::array spawns = {Choice<General::Mode>{"random", General::RANDOM},
     throw std::invalid_argument("--" + std::string(option) + " wants " + wanted + ", not '" + given + "'");
 }
 
-/// Digits only: the library's own conversion would take -1 for a large unsigned number.
 std::uint32_t number(const po::variables_map& values, const char* option, std::uint32_t largest)
 {
-    const auto& text = values[option].as<std::string>();
-    std::uint32_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || value > largest) {
-        refuse(option, "a whole number from 0 to " + std::to_string(largest), text);
-    }
-    return value;
+    return commandline::wholeNumber(option, values[option].as<std::string>(), largest);
 }
 
 template <typename Choices>
@@ -86,11 +78,11 @@ po::options_description description()
     const auto text = [](const char* name, const char* standard) {
         return po::value<std::string>()->default_value(standard)->value_name(name);
     };
-    options.add_options()("help", "show this text");
+    commandline::addInformation(options);
     options.add_options()("port", text("N", "21042"), "TCP and UDP port; 0 takes any free one");
     options.add_options()("bind", text("ADDRESS", "127.0.0.1"),
                           "IPv4 address to listen on; 0.0.0.0 lets other machines in");
-    options.add_options()("bots", text("N", "8"), "computer pilots, 0 to 64, evenly on both teams");
+    options.add_options()("bots", text("N", "16"), "computer pilots, 0 to 64, evenly on both teams");
     options.add_options()("difficulty", text("LEVEL", "normal"), "of the bots: easy, normal or hard");
     options.add_options()("seed", text("N", "1"), "of the match; the same seed gives the same bots");
     options.add_options()(
@@ -122,41 +114,19 @@ ServerOptions readValues(const po::variables_map& values)
     return result;
 }
 
-std::variant<ServerOptions, OptionsEnd> parse(int argc, const char* const* argv)
-{
-    const po::options_description options = description();
-    const int style = po::command_line_style::default_style & ~po::command_line_style::allow_guessing;
-    po::variables_map values;
-    po::store(po::command_line_parser(argc, argv)
-                  .options(options)
-                  .positional(po::positional_options_description())
-                  .style(style)
-                  .run(),
-              values);
-    if (values.count("help") != 0) {
-        std::ostringstream help;
-        help << options;
-        return OptionsEnd{help.str(), 0};
-    }
-    return readValues(values);
-}
-
-/// A value may hold anything; what we say of it stays on one line.
-std::string onOneLine(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
-    return text;
-}
-
 }  // namespace
 
-std::variant<ServerOptions, OptionsEnd> readServerOptions(int argc, const char* const* argv)
+std::variant<ServerOptions, commandline::End> readServerOptions(int argc, const char* const* argv)
 {
     try {
-        return parse(argc, argv);
+        const po::options_description options = description();
+        const po::variables_map values = commandline::parse(argc, argv, options);
+        if (auto information = commandline::information(program, options, values)) {
+            return *information;
+        }
+        return readValues(values);
     } catch (const std::exception& error) {
-        return OptionsEnd{"vantor-server: " + onOneLine(error.what()) + "; see --help\n", 2};
+        return commandline::refusal(program, error);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Common/CommandLine.h"
 #include "PracticeServer/MatchSettings.h"
 
 #include <boost/asio/ip/address_v4.hpp>
@@ -19,14 +20,7 @@ struct ServerOptions
     std::string measurements;  ///< the file to append to; empty: none
 };
 
-/// Why there are no options: a text to show and the status to end with.
-struct OptionsEnd
-{
-    std::string text;
-    int status;  ///< 0 for help, 2 for a bad command line
-};
-
 /// Reads the command line of the server; takes nothing for granted.
-std::variant<ServerOptions, OptionsEnd> readServerOptions(int argc, const char* const* argv);
+std::variant<ServerOptions, commandline::End> readServerOptions(int argc, const char* const* argv);
 
 }  // namespace practice

@@ -1,11 +1,9 @@
+#include "Common/StatusLine.h"
 #include "PracticeServer/MeasurementLog.h"
 #include "PracticeServer/PracticeServer.h"
 #include "PracticeServer/ServerOptions.h"
 
 #include <boost/asio/signal_set.hpp>
-
-#include <poll.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -15,16 +13,6 @@
 
 namespace {
 
-/// Writes one line, unless that would block: whoever started us may have stopped reading, and players could
-/// stall the match by making us write.
-void writeLine(const std::string& line)
-{
-    pollfd output{STDOUT_FILENO, POLLOUT, 0};
-    if (poll(&output, 1, 0) == 1) {
-        std::cout << line << std::endl;
-    }
-}
-
 int serve(const practice::ServerOptions& options)
 {
     practice::ServerConfig config;
@@ -32,13 +20,13 @@ int serve(const practice::ServerOptions& options)
     config.port = options.port;
     config.bots = options.bots;
     config.match = options.match;
-    config.log = writeLine;
+    config.log = writeStatusLine;
 
     boost::asio::io_context io(1);
     practice::PracticeServer server(io, config);
     std::optional<practice::MeasurementLog> measurements;
     if (!options.measurements.empty()) {
-        measurements.emplace(io, options.measurements, writeLine);
+        measurements.emplace(io, options.measurements, writeStatusLine);
     }
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
     signals.async_wait([&](const boost::system::error_code&, int) {
@@ -48,9 +36,9 @@ int serve(const practice::ServerOptions& options)
         }
     });
     server.start();
-    writeLine("ready " + options.bind.to_string() + ":" + std::to_string(server.port()));
+    writeStatusLine("ready " + options.bind.to_string() + ":" + std::to_string(server.port()));
     io.run();
-    writeLine(server.timing());
+    writeStatusLine(server.timing());
     return 0;
 }
 
@@ -61,7 +49,7 @@ int main(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);  // nor may a reader that is gone end the match
     try {
         const auto parsed = practice::readServerOptions(argc, argv);
-        if (const auto* end = std::get_if<practice::OptionsEnd>(&parsed)) {
+        if (const auto* end = std::get_if<commandline::End>(&parsed)) {
             (end->status == 0 ? std::cout : std::cerr) << end->text;
             return end->status;
         }

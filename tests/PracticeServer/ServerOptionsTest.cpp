@@ -8,7 +8,7 @@ using namespace practice;
 
 namespace {
 
-std::variant<ServerOptions, OptionsEnd> read(std::vector<const char*> arguments)
+std::variant<ServerOptions, commandline::End> read(std::vector<const char*> arguments)
 {
     arguments.insert(arguments.begin(), "vantor-server");
     return readServerOptions(static_cast<int>(arguments.size()), arguments.data());
@@ -41,7 +41,8 @@ TEST(ServerCommandLine, GivesItsValues)
 
 TEST(ServerCommandLine, EndsWithOneLineAndAStatusOrWithHelp)
 {
-    EXPECT_EQ(std::get<OptionsEnd>(read({"--help"})).status, 0);
+    EXPECT_EQ(std::get<commandline::End>(read({"--help"})).status, 0);
+    EXPECT_EQ(std::get<commandline::End>(read({"--version"})).status, 0);
     const std::vector<const char*> bad[] = {{"--port", "65536"},
                                             {"--port", "-1"},
                                             {"--port", "12x"},
@@ -59,10 +60,10 @@ TEST(ServerCommandLine, EndsWithOneLineAndAStatusOrWithHelp)
                                             {"--log", ""},
                                             {"--bots", "a\nb"}};
     for (const auto& arguments : bad) {
-        const auto end = std::get<OptionsEnd>(read(arguments));
+        const auto end = std::get<commandline::End>(read(arguments));
         EXPECT_EQ(end.status, 2) << arguments.back();
         EXPECT_EQ(end.text.find('\n'), end.text.size() - 1) << end.text;
     }
-    EXPECT_NE(std::get<OptionsEnd>(read({"--spawn", "x"})).text.find("random, grid, fixed"),
+    EXPECT_NE(std::get<commandline::End>(read({"--spawn", "x"})).text.find("random, grid, fixed"),
               std::string::npos);
 }

@@ -14,6 +14,7 @@ namespace {
 
 namespace po = boost::program_options;
 
+constexpr const char* program = "vantor-relay";
 constexpr double longestDelay = 10'000;  ///< ms
 constexpr double longestLife = 86'400;   ///< s, a day
 constexpr double slowest = 0.01;         ///< times the recorded speed
@@ -64,8 +65,8 @@ po::options_description description()
         "prints \"ready HOST:PORT\" when it does. Ends on SIGINT or SIGTERM.\n\nOptions",
         82, 50);
     const auto value = [](const char* name) { return po::value<std::string>()->value_name(name); };
+    commandline::addInformation(options);
     auto add = options.add_options();
-    add("help", "show this text");
     add("listen", value("PORT")->default_value("0"), "TCP and UDP port; 0 takes any free one");
     add("to", value("HOST:PORT"), "the server");
     const std::string list = networkList();
@@ -209,14 +210,12 @@ std::variant<RelayOptions, commandline::End> readRelayOptions(int argc, const ch
     try {
         const po::options_description options = description();
         const po::variables_map map = commandline::parse(argc, argv, options);
-        if (map.count("help") != 0) {
-            std::ostringstream help;
-            help << options;
-            return commandline::End{help.str(), 0};
+        if (auto information = commandline::information(program, options, map)) {
+            return *information;
         }
         return optionsOf(Values(map));
     } catch (const std::exception& error) {
-        return commandline::End{"vantor-relay: " + std::string(error.what()) + "; see --help\n", 2};
+        return commandline::refusal(program, error);
     }
 }
 
