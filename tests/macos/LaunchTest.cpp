@@ -69,7 +69,8 @@ protected:
                                         "GNUSTEP_CONFIG_FILE=" + (folder / "GNUstep.conf").string(),
                                         "SDL_VIDEODRIVER=x11",
                                         "SDL_VIDEO_WINDOW_POS=400,300",
-                                        "LIBGL_ALWAYS_SOFTWARE=1"};
+                                        "LIBGL_ALWAYS_SOFTWARE=1",
+                                        "MALLOC_PERTURB_=90"};  // fresh memory is not zero
         all.insert(all.end(), words.begin(), words.end());
         return all;
     }
