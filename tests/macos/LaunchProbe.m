@@ -72,9 +72,15 @@ static NSPoint placeOf(NSMenu* menu, NSInteger index)
     return NSMakePoint(place.x, NSMaxY([[NSScreen mainScreen] frame]) - place.y);
 }
 
-// Where the application's menu is, and Quit in it; a line whenever they have moved.
-static void printPlaces(void)
+@interface PlacePrinter : NSObject
+@end
+
+@implementation PlacePrinter
+
+// Where the application's menu is, and Quit in it; a line each whenever they have moved.
+- (void)printPlaces:(NSTimer*)timer
 {
+    (void)timer;
     static NSPoint lastQuit;
     NSMenu* menu = [[[NSApp mainMenu] itemAtIndex:0] submenu];
     const NSPoint opener = placeOf([NSApp mainMenu], 0);
@@ -83,6 +89,21 @@ static void printPlaces(void)
         printf("menu at %.0f %.0f\nQuit at %.0f %.0f\n", opener.x, opener.y, quit.x, quit.y);
         lastQuit = quit;
     }
+}
+
+@end
+
+// A timer, since nothing else runs while a menu is open.
+static void keepPrintingPlaces(void)
+{
+    PlacePrinter* printer = [[[PlacePrinter alloc] init] autorelease];
+    NSTimer* timer = [NSTimer timerWithTimeInterval:0.05
+                                             target:printer
+                                           selector:@selector(printPlaces:)
+                                           userInfo:nil
+                                            repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSDefaultRunLoopMode];
+    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
 }
 
 // As SDL's own video driver does on macOS, and its X11 driver does not.
@@ -102,9 +123,9 @@ static int play(void)
 {
     SDL_Init(SDL_INIT_VIDEO);
     SDL_SetVideoMode(300, 200, 0, SDL_OPENGL);
+    keepPrintingPlaces();
     for (SDL_Event event = {0}; event.type != SDL_QUIT; SDL_PollEvent(&event)) {
         handleCocoaEvents();
-        printPlaces();
     }
     puts("SDL_QUIT");
     SDL_Quit();
