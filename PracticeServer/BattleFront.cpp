@@ -6,9 +6,9 @@ namespace practice {
 
 namespace {
 
-constexpr Vector3 pivot(500.0F, 60.0F, -50.0F);  ///< above red's carrier; blue's has the opposite x
-constexpr float distance = 250.0F;               ///< units from there, so ahead of the bow, which is at 200
-constexpr float swing = 0.5F;                    ///< rad to each side of the bow
+constexpr Vector3 pivot(500.0F, 45.0F, -50.0F);  ///< above red's carrier; blue's has the opposite x
+constexpr float distance = 240.0F;               ///< units from there, so beyond the bow, which is at 180
+constexpr float swing = 0.2F;                    ///< rad to each side of the bow
 constexpr float period = 150.0F;                 ///< seconds to and fro
 
 }  // namespace

@@ -91,7 +91,7 @@ bool showsMotion(const Picture& before, const Picture& after)
 
 TEST(MatchOverRelay, StaysConnectedForAMinuteOfLossAndReorderingAndShowsMovingShips)
 {
-    Service server({VANTOR_SERVER, "--port", "0", "--bots", "8", "--seed", "5"});
+    Service server({VANTOR_SERVER, "--port", "0", "--bots", "16", "--seed", "5"});
     Service relay({VANTOR_RELAY, "--to", "127.0.0.1:" + server.port, "--latency", "80", "--jitter", "30",
                    "--loss", "5", "--reorder", "5"});
     EXPECT_TRUE(relay.process.hasPrinted("80±30 ms, loss 5%, reorder 5%"));
