@@ -1,6 +1,7 @@
 #include "PracticeServer/ClientFrame.h"
 
 #include "Common/Protobuf/Object/Object.pb.h"
+#include "network/Framing.h"
 #include "network/MessageTypes.h"
 
 #include <cmath>
@@ -67,6 +68,20 @@ FrameMeaning readSteering(const ClientFrame& frame, ShipInput& input)
     orientation.normalise();
     input = {orientation, update.boosterson() & knownControls};
     return FrameMeaning::steering;
+}
+
+std::string steeringFrame(std::uint16_t qport, const ShipInput& input)
+{
+    Vantor::ClientUpdate update;
+    update.mutable_orientation()->set_w(input.orientation.w);
+    update.mutable_orientation()->set_x(input.orientation.x);
+    update.mutable_orientation()->set_y(input.orientation.y);
+    update.mutable_orientation()->set_z(input.orientation.z);
+    update.set_boosterson(input.controls);
+    std::string frame;
+    framing::appendUint16(frame, qport);
+    framing::appendFrame(frame, MessageTypes::CLIENT_UPDATE, update);
+    return frame;
 }
 
 }  // namespace practice

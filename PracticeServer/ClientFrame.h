@@ -47,6 +47,9 @@ enum class FrameMeaning
 /// control bits are dropped.
 FrameMeaning readSteering(const ClientFrame& frame, ShipInput& input);
 
+/// A client's steering as it goes over the wire; the other end of readSteering.
+std::string steeringFrame(std::uint16_t qport, const ShipInput& input);
+
 /// Cuts one client's TCP stream into frames, with bounded memory.
 ///
 /// A stream that breaks the framing cannot be followed any more: from then on it is lost, and only discarded.

@@ -9,20 +9,6 @@
 
 static const boost::asio::ip::address_v4 loopback = boost::asio::ip::address_v4::loopback();
 
-std::string steeringFrame(std::uint16_t qport, const practice::ShipInput& input)
-{
-    Vantor::ClientUpdate update;
-    update.mutable_orientation()->set_w(input.orientation.w);
-    update.mutable_orientation()->set_x(input.orientation.x);
-    update.mutable_orientation()->set_y(input.orientation.y);
-    update.mutable_orientation()->set_z(input.orientation.z);
-    update.set_boosterson(input.controls);
-    std::string frame;
-    framing::appendUint16(frame, qport);
-    framing::appendFrame(frame, MessageTypes::CLIENT_UPDATE, update);
-    return frame;
-}
-
 void Heard::take(std::string& stream)
 {
     while (const std::size_t length = framing::wholeFrameLength(stream.data(), stream.size())) {

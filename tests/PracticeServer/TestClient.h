@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Common/Protobuf/Object/Object.pb.h"
-#include "PracticeServer/Ship.h"
+#include "PracticeServer/ClientFrame.h"
 #include "network/MessageTypes.h"
 
 #include <boost/asio/io_context.hpp>
@@ -10,9 +10,6 @@
 
 #include <string>
 #include <vector>
-
-/// A client's steering as it goes over the wire.
-std::string steeringFrame(std::uint16_t qport, const practice::ShipInput& input);
 
 /// What a server has said, in order.
 struct Heard
@@ -38,7 +35,7 @@ public:
 
     /// Takes what has arrived.
     void poll();
-    void steer(const practice::ShipInput& input) { sendDatagram(steeringFrame(qport(), input)); }
+    void steer(const practice::ShipInput& input) { sendDatagram(practice::steeringFrame(qport(), input)); }
     void sendDatagram(const std::string& bytes);
     void sendStream(const std::string& bytes);
     void hangUp() { tcp.close(); }

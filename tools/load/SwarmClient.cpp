@@ -1,7 +1,6 @@
 #include "tools/load/SwarmClient.h"
 
-#include "network/Framing.h"
-#include "network/MessageTypes.h"
+#include "PracticeServer/ClientFrame.h"
 
 #include <chrono>
 
@@ -15,20 +14,6 @@ using boost::system::error_code;
 constexpr std::chrono::milliseconds steeringPeriod{50};
 constexpr float courseChanges = 0.05F;      ///< share of the steering; about once a second
 constexpr int receiveBuffer = 1024 * 1024;  ///< bytes, as far as the system grants them
-
-std::string steeringFrame(std::uint16_t qport, const practice::ShipInput& input)
-{
-    Vantor::ClientUpdate update;
-    update.mutable_orientation()->set_w(input.orientation.w);
-    update.mutable_orientation()->set_x(input.orientation.x);
-    update.mutable_orientation()->set_y(input.orientation.y);
-    update.mutable_orientation()->set_z(input.orientation.z);
-    update.set_boosterson(input.controls);
-    std::string frame;
-    framing::appendUint16(frame, qport);
-    framing::appendFrame(frame, MessageTypes::CLIENT_UPDATE, update);
-    return frame;
-}
 
 }  // namespace
 
@@ -97,9 +82,9 @@ void SwarmClient::steer()
         changeCourse();
     }
     error_code ignored;  // a datagram that is not taken is lost like any other
-    udp.send_to(
-        boost::asio::buffer(steeringFrame(static_cast<std::uint16_t>(witness.welcome().qport()), input)),
-        server, 0, ignored);
+    udp.send_to(boost::asio::buffer(
+                    practice::steeringFrame(static_cast<std::uint16_t>(witness.welcome().qport()), input)),
+                server, 0, ignored);
 }
 
 void SwarmClient::changeCourse()
