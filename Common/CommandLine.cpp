@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <locale>
 #include <sstream>
 #include <stdexcept>
 
@@ -13,12 +14,20 @@ namespace po = boost::program_options;
 
 namespace {
 
-template <class Number, class... Format>
-bool convert(const std::string& text, Number& value, Format... format)
+bool convert(const std::string& text, std::uint32_t& value)
 {
     const char* const last = text.data() + text.size();
-    const auto [end, error] = std::from_chars(text.data(), last, value, format...);
+    const auto [end, error] = std::from_chars(text.data(), last, value);
     return error == std::errc() && end == last;
+}
+
+// Not every standard library has from_chars for this; a stream alone would take signs and exponents.
+bool convert(const std::string& text, double& value)
+{
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    const bool isPlain = text.find_first_not_of("0123456789.") == std::string::npos;
+    return isPlain && stream >> value && stream.eof();
 }
 
 template <class Number>
@@ -84,8 +93,7 @@ std::uint32_t wholeNumber(const std::string& option, const std::string& text, st
 double decimal(const std::string& option, const std::string& text, double largest)
 {
     double value = 0;
-    const bool isNumber = convert(text, value, std::chars_format::fixed);
-    if (!isNumber || !(value >= 0 && value <= largest)) {  // NaN is neither
+    if (!convert(text, value) || value > largest) {
         throw complaint(option, "number", largest, text);
     }
     return value;
