@@ -5,7 +5,7 @@ find_file(VANTOR_FONT LiberationSans-Regular.ttf
   PATH_SUFFIXES truetype/liberation2 truetype/liberation liberation-sans-fonts
   DOC "the font of the display's texts")
 if(NOT VANTOR_FONT)
-  message(FATAL_ERROR "no LiberationSans-Regular.ttf: install fonts-liberation2${VANTOR_PACKAGES}")
+  message(FATAL_ERROR "no LiberationSans-Regular.ttf: install fonts-liberation2${VANTOR_PACKAGE_HINT}")
 endif()
 
 file(GLOB art CONFIGURE_DEPENDS
