@@ -6,7 +6,9 @@ _vantor_options() {
 }
 
 _vantor() {
-    local program=$1 word=$2 previous=$3 words=
+    local program=${1/#\~\//$HOME/} word=$2 previous=$3 words=
+    [ "$word" != = ] || word=                                      # --option=
+    [ "$previous" != = ] || previous=${COMP_WORDS[COMP_CWORD - 2]} # --option=word
     case $previous in
         --log | --record | --replay)
             compopt -o filenames 2>/dev/null

@@ -8,6 +8,7 @@
 open_session() {
     work=$(mktemp -d "${TMPDIR:-/tmp}/vantor.XXXXXX")
     started=() client= interrupted=
+    declare -gA services=()
     trap close_session EXIT
     # Closing politely: the client takes it for a closed window and ends with its own status.
     trap '[ -z "$client" ] || kill "$client" 2>/dev/null || true; interrupted=yes' INT TERM HUP
@@ -27,11 +28,18 @@ in_background() {
     exec setsid setpriv --pdeathsig TERM "$@"
 }
 
-# await SECONDS FILE PATTERN PID: waits until a line of the file, which the process writes, matches; prints the line.
+# Who interrupts before the client runs has left, as one who closes its window: no error.
+leave_if_interrupted() {
+    [ -z "$interrupted" ] || exit 0
+}
+
+# await SECONDS FILE PATTERN PID: waits until a line of the file, which the process writes, matches; sets line to it. Not
+# for subshells, which hear of no interruption.
 await() {
     local tenths=$(($1 * 10))
-    while [ "$tenths" -gt 0 ] && [ -z "$interrupted" ]; do
-        grep -m 1 -E "$3" "$2" 2>/dev/null && return 0
+    while [ "$tenths" -gt 0 ]; do
+        leave_if_interrupted
+        line=$(grep -m 1 -E "$3" "$2" 2>/dev/null) && return 0
         kill -0 "$4" 2>/dev/null || return 1
         sleep 0.1
         tenths=$((tenths - 1))
@@ -41,17 +49,38 @@ await() {
 
 # serve NAME COMMAND...: starts a service, and sets host and port to where it says that it is ready.
 serve() {
-    local name=$1 pid ready status=1
+    local name=$1 pid status=1
     shift
     in_background "$@" >"$work/$name" 2>&1 &
     pid=$!
     started+=("$pid")
-    if ! ready=$(await 10 "$work/$name" '^ready ' "$pid"); then
+    services[$name]=$pid
+    if ! await 10 "$work/$name" '^ready ' "$pid"; then
         kill -0 "$pid" 2>/dev/null || wait "$pid" || status=$?
         fail "the $name did not start: $(tail -n 3 "$work/$name")" "$status"
     fi
-    host=${ready#ready } port=${ready##*:}
+    host=${line#ready } port=${line##*:}
     host=${host%:*}
+}
+
+# Fails if a service has ended by itself; the client only saw the connection end, as when a match is closed.
+expect_services() {
+    local name pid status
+    for name in "${!services[@]}"; do
+        pid=${services[$name]}
+        if [ -z "$interrupted" ] && ! kill -0 "$pid" 2>/dev/null; then
+            wait "$pid" && status=0 || status=$?
+            fail "the $name broke off with status $status: $(tail -n 3 "$work/$name")"
+        fi
+    done
+}
+
+# start_display: starts a virtual display of the client's size and exports DISPLAY.
+start_display() {
+    in_background Xvfb -displayfd 3 -noreset -screen 0 800x600x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb" &
+    started+=($!)
+    await 20 "$work/display" '^[0-9]+$' $! || fail "no virtual display: $(cat "$work/xvfb")"
+    export DISPLAY=:$line
 }
 
 # The client needs X11, which on Wayland desktops means XWayland.
@@ -62,6 +91,7 @@ require_x11_beside_wayland() {
 
 # start_client COMMAND...: starts the client and sets client to its process.
 start_client() {
+    leave_if_interrupted
     # SDL's classic driver of that name is the one that has OpenGL. The client makes no sound, so it need not open a
     # sound card either. Its window has one size: SDL 1.2 on top of SDL 2 need not draw into a buffer of its own to
     # scale it, which costs a software renderer time in each frame.
@@ -76,6 +106,9 @@ await_client() {
     local status
     while :; do
         wait "$client" && status=0 || status=$?
-        kill -0 "$client" 2>/dev/null || return "$status"
+        kill -0 "$client" 2>/dev/null || break
     done
+    # The signal came so early that it did not mean a closed window yet.
+    [ -z "$interrupted" ] || [ "$status" -ne $((128 + 15)) ] || status=0
+    return "$status"
 }

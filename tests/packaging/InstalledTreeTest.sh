@@ -15,10 +15,37 @@ options_in_manual() {
     zcat "$tree/share/man/man6/$1.6.gz" | sed -n 's/\\-/-/g; s/^\.BI\? \(--[a-z-]*\).*/\1/p' | sort -u
 }
 
-# completed PROGRAM PREVIOUS_WORD
+# about_in_manual PROGRAM OPTION: what it says of the option as one line, with the words in bold in brackets.
+about_in_manual() {
+    zcat "$tree/share/man/man6/$1.6.gz" | sed 's/\\-/-/g' | awk -v option="$2" '
+        /^\.SH/ || /^\.BI? --/ { inside = $2 == option; next }
+        inside { print /^\.B/ ? "[" $2 "]" : $0 }' | tr '\n' ' '
+}
+
+# expect_same_defaults PROGRAM COUNT: each "--option ARG (=X)" is "X by default" or "X (the default)" in the manual.
+expect_same_defaults() {
+    local option value count=0
+    while read -r option value; do
+        [[ $(about_in_manual "$1" "$option") =~ (^|[[ ])"$value"]?\ (by default|\(the default) ]] ||
+            fail "the manual of $1 does not say that $value is the default of $option"
+        count=$((count + 1))
+    done < <("$games/$1" --help | sed -n 's/^  \(--[a-z-]*\) .*(=\([^)]*\)).*/\1 \2/p')
+    [ $count -eq "$2" ] || fail "the help of $1 names $count defaults, not $2"
+}
+
+# values_of PROGRAM OPTION: the words that it takes, as the program itself says.
+values_of() {
+    if [ "$2" = --network ]; then
+        "$games/$1" --help | sed -n 's/^ *\([a-z]*\): [0-9].*/\1/p'
+    else
+        "$games/$1" "$2" none 2>&1 | sed 's/.* one of \(.*\), not .*/\1/; s/, /\n/g'
+    fi | sort -u
+}
+
+# completed PROGRAM PREVIOUS_WORD [WORD]
 completed() {
     COMPREPLY=()
-    _vantor "$games/$1" '' "$2"
+    _vantor "$games/$1" "${3:-}" "$2"
     sorted "${COMPREPLY[@]}"
 }
 
@@ -28,7 +55,7 @@ expect_same() {
 
 EveryOptionIsInTheManualAndCompleted() {
     . "$tree/share/bash-completion/completions/vantor-relay"
-    local program option word words own known
+    local program option words own known
     for program in vantor vantor-practice vantor-relay vantor-server; do
         own=$(options_in_help $program)
         expect_same "help and manual of $program" "$own" "$(options_in_manual $program)"
@@ -36,31 +63,55 @@ EveryOptionIsInTheManualAndCompleted() {
         [ $program != vantor-practice ] || known=$(sorted $own $(options_in_help vantor-server))
         expect_same "help and completion of $program" "$known" "$(completed $program $program)"
     done
+    expect_same_defaults vantor 3
+    expect_same_defaults vantor-server 8
+    expect_same_defaults vantor-relay 2
     for option in vantor-server:--difficulty vantor-server:--spawn vantor-relay:--network; do
-        program=${option%:*}
-        words=$(completed "$program" "${option#*:}")
-        [[ $words != *--* ]] || fail "no values are known for $option"
-        for word in $words; do
-            "$games/$program" --help | grep -qw "$word" || fail "$program knows no $word"
-        done
+        program=${option%:*} option=${option#*:}
+        words=$(values_of "$program" "$option" || true)
+        expect_same "values and completion of $option" "$words" "$(completed "$program" "$option")"
+        expect_same "values and manual of $option" "$words" \
+            "$(about_in_manual "$program" "$option" | grep -oE '\[[a-z]+\]' | tr -d '[]' | sort -u)"
+    done
+    COMP_WORDS=(vantor-server --spawn = g) COMP_CWORD=3
+    expect_same 'completion after =' grid "$(completed vantor-server = g)"
+    HOME=$tree games='~/games'
+    expect_same "completion in one's home" --replay "$(completed vantor-relay vantor-relay --rep)"
+}
+
+# practise OPTION...: starts a match; sets match to its process.
+practise() {
+    mkdir "$work/tmp"
+    TMPDIR=$work/tmp "$games/vantor-practice" "$@" 2>"$work/said" &
+    match=$!
+    started+=("$match")
+}
+
+# expect_said STATUS TEXT...: of a match that ends.
+expect_said() {
+    local status=0 text
+    wait "$match" || status=$?
+    [ $status -eq "$1" ] || fail "status $status, $(cat "$work/said")"
+    for text in "${@:2}"; do
+        grep -q "$text" "$work/said" || fail "not told '$text', but $(cat "$work/said")"
     done
 }
 
-start_display() {
-    in_background Xvfb -displayfd 3 -noreset -screen 0 800x600x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
-    started+=($!)
-    DISPLAY=:$(await 20 "$work/display" '^[0-9]+$' $!) || fail 'no virtual display'
-    export DISPLAY
+# await_file PATH TEXT: until the file, whose path may be a pattern, has it.
+await_file() {
+    local tries=200
+    until grep -qs "$2" $1; do
+        [ $((tries -= 1)) -gt 0 ] || fail "no $2 in $1"
+        sleep 0.1
+    done
 }
 
 colours() { import -silent -window root ppm:- | identify -format %k ppm:-; }
 
 APracticeMatchPlaysAndLeavesNothing() {
     start_display
-    mkdir "$work/tmp"
-    TMPDIR=$work/tmp "$games/vantor-practice" --bots 4 &
-    local match=$! tries=60
-    started+=("$match")
+    practise --bots 4
+    local tries=60
     until [ "$(colours)" -gt 1000 ] && grep -qs shot.obj "$work"/tmp/*/client; do
         xdotool mousedown 1 sleep 0.2 mouseup 1  # the last file that the client loads is a shot's
         [ $((tries -= 1)) -gt 0 ] && kill -0 $match || fail 'no picture of a match'
@@ -71,6 +122,25 @@ APracticeMatchPlaysAndLeavesNothing() {
     wait $match || fail "left, but with status $?"
     [ -z "$(ls "$work/tmp")" ] || fail "left over: $(ls "$work/tmp")"
     ! pgrep -f "$games/" || fail 'a process was left running'
+}
+
+AServerThatBreaksOffAndWhatTheClientMissedAreReported() {
+    start_display
+    rm "$tree/share/games/vantor/Resources/skybox.png"
+    practise --bots 2
+    IFS= await_file "$work/tmp/*/client" fighter.obj
+    kill -KILL "$(pgrep -P "$match" -x vantor-server)"
+    expect_said 1 'practice server broke off with status 137' '^vantor-practice: Error.*skybox.png'
+    grep -q 'broke off' "$work/dialog" || fail 'no dialog'
+}
+
+AnInterruptBeforeTheClientStartsIsNoError() {
+    printf '#!/bin/sh\necho starting\nexec sleep 30\n' >"$games/vantor-server"
+    DISPLAY=:nowhere practise
+    IFS= await_file "$work/tmp/*/practice server" starting
+    kill "$match"
+    expect_said 0
+    [ ! -s "$work/said" ] || fail "$(cat "$work/said")"
 }
 
 # expect_end STATUS TEXT OPTION...
@@ -84,10 +154,6 @@ BadStartsAreExplained() {
     unset DISPLAY WAYLAND_DISPLAY
     expect_end 1 'no display'
     WAYLAND_DISPLAY=wayland-0 expect_end 1 'install xwayland'
-    mkdir "$work/desktop"
-    printf '#!/bin/sh\necho "$@" >"%s/dialog"\n' "$work" >"$work/desktop/zenity"
-    chmod +x "$work/desktop/zenity"
-    PATH=$work/desktop:$PATH
     export DISPLAY=:nowhere
     expect_end 1 "Couldn't initialize SDL"
     grep -q "Couldn't initialize SDL" "$work/dialog" || fail 'no dialog'
@@ -96,6 +162,10 @@ BadStartsAreExplained() {
 
 . "$(dirname "$(readlink -f "$0")")/../../packaging/session.sh"
 open_session
+mkdir "$work/desktop"  # whose dialogs nobody needs to close
+printf '#!/bin/sh\necho "$@" >>"%s/dialog"\n' "$work" >"$work/desktop/zenity"
+chmod +x "$work/desktop/zenity"
+PATH=$work/desktop:$PATH
 cmake --install "$2" --prefix "$work/first place" >/dev/null
 tree="$work/any place"  # it may be moved, and blanks do no harm
 mv "$work/first place" "$tree"
