@@ -81,6 +81,8 @@ static void appendArgument(const char* text)
 static void changeToFolderOfBundle(void)
 {
     NSString* folder = [[[NSBundle mainBundle] bundlePath] stringByDeletingLastPathComponent];
+    // An abort prints the assertion's text: the name and the space before the bracket are part of the
+    // message.
     const char* parentdir = [folder fileSystemRepresentation];
     // clang-format off
     assert(chdir (parentdir) == 0);

@@ -6,17 +6,30 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <array>
+#include <memory>
+#include <type_traits>
+
+namespace {
+
+/// Gives a copy of the framework's back, of which there may be none.
+struct Release
+{
+    void operator()(CFTypeRef copy) const { CFRelease(copy); }
+};
+
+template <typename Ref>
+using Copy = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
+
+}  // namespace
 
 std::string applicationFolder()
 {
-    const CFURLRef url = CFBundleCopyBundleURL(CFBundleGetMainBundle());
-    const CFStringRef path = CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle);
+    const Copy<CFURLRef> url(CFBundleCopyBundleURL(CFBundleGetMainBundle()));
+    const Copy<CFStringRef> path(url ? CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle) : nullptr);
     std::array<char, 1024> buffer = {};
-    const bool fits = CFStringGetCString(path, buffer.data(), buffer.size(), kCFStringEncodingASCII) != 0;
-    CFRelease(url);
-    CFRelease(path);
-    if (!fits) {
-        DebugPrint("Error the application's path is not ASCII or too long, trying the working directory\n");
+    if (!path || CFStringGetCString(path.get(), buffer.data(), buffer.size(), kCFStringEncodingASCII) == 0) {
+        DebugPrint(
+            "Error the application's path is unknown, not ASCII or too long, trying the working directory\n");
         return ".";
     }
     return buffer.data();

@@ -28,7 +28,7 @@ StandInURL bundleUrl;
 StandInString bundlePathString;
 StandInContext currentContext;
 
-std::string bundlePath;
+std::string bundlePath;           ///< none: empty
 std::multiset<CFTypeRef> copies;  ///< not released yet
 CGLError answerToEnable = kCGLNoError;
 int enabledOption = 0;
@@ -55,7 +55,7 @@ CFBundleRef CFBundleGetMainBundle()
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle)
 {
     EXPECT_EQ(bundle, &mainBundle);
-    return static_cast<CFURLRef>(*copies.insert(&bundleUrl));
+    return bundlePath.empty() ? nullptr : static_cast<CFURLRef>(*copies.insert(&bundleUrl));
 }
 
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFIndex pathStyle)
@@ -84,7 +84,7 @@ void CFRelease(CFTypeRef object)
 
 CGLContextObj CGLGetCurrentContext()
 {
-    return &currentContext;
+    return glRecorder.calls.find("SDL_SetVideoMode") == std::string::npos ? nullptr : &currentContext;
 }
 
 CGLError CGLEnable(CGLContextObj context, CGLContextEnable option)
@@ -99,7 +99,7 @@ using EngineOnMacOS = FreshWorld;
 TEST_F(EngineOnMacOS, TakesItsResourcesFromTheBundle)
 {
     const std::string complaint =
-        "Error the application's path is not ASCII or too long, trying the working directory\n";
+        "Error the application's path is unknown, not ASCII or too long, trying the working directory\n";
     const std::string longest(1023, 'x');
     const struct
     {
@@ -109,6 +109,7 @@ TEST_F(EngineOnMacOS, TakesItsResourcesFromTheBundle)
         {longest, longest + "/Contents/Resources/", ""},
         {longest + "x", "./Contents/Resources/", complaint},
         {"/Spiele für alle/Vantor.app", "./Contents/Resources/", complaint},
+        {"", "./Contents/Resources/", complaint},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.bundle);
@@ -124,6 +125,7 @@ TEST_F(EngineOnMacOS, AsksForMultithreadedOpenGLAndOnlyReportsARefusal)
     glRecorder.deliver(4, 0xFF0000, 800, 600);
     for (const auto& [answer, printed] :
          {std::pair(kCGLNoError, ""), std::pair(kCGLBadContext, "Could not enable opengl-MT\n")}) {
+        glRecorder.calls.clear();
         answerToEnable = answer;
         enabledOption = 0;
         EXPECT_EQ(printedBy([] { VT.init(); }), printed);

@@ -1,5 +1,6 @@
-// An SDL_main that tells what the start-up code gave it, one fact a line, and ends with status 7. Where
-// PROBE_WINDOW is set it opens a window instead of ending, and ends with status 0 on SDL_QUIT.
+// An SDL_main that tells what the start-up code gave it, one fact a line, and ends with status 7. The desktop
+// asks for the document PROBE_DOCUMENT before any that GNUstep is told of, which can be told of one only.
+// Where PROBE_WINDOW is set it opens a window instead of ending, and ends with status 0 on SDL_QUIT.
 #import <Cocoa/Cocoa.h>
 #include <SDL.h>
 
@@ -8,6 +9,30 @@
 #include <unistd.h>
 
 int SDL_main(int argc, char** argv);
+
+@interface Desktop : NSObject
+@end
+
+@implementation Desktop
+
++ (void)load
+{
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(openDocument:)
+                                                 name:NSApplicationWillFinishLaunchingNotification
+                                               object:nil];
+}
+
++ (void)openDocument:(NSNotification*)notification
+{
+    (void)notification;
+    NSString* document = [[[NSProcessInfo processInfo] environment] objectForKey:@"PROBE_DOCUMENT"];
+    if (document != nil) {
+        [[NSApp delegate] application:NSApp openFile:document];
+    }
+}
+
+@end
 
 @implementation NSApplication (ActivationPolicy)
 
@@ -44,7 +69,9 @@ static void printKey(NSMenuItem* item)
 {
     const NSUInteger modifiers = [item keyEquivalentModifierMask];
     if ([[item keyEquivalent] length] > 0) {
-        printf(", %s%s%s", (modifiers & NSAlternateKeyMask) != 0 ? "option " : "",
+        printf(", %s%s%s%s%s", (modifiers & NSControlKeyMask) != 0 ? "control " : "",
+               (modifiers & NSAlternateKeyMask) != 0 ? "option " : "",
+               (modifiers & NSShiftKeyMask) != 0 ? "shift " : "",
                (modifiers & NSCommandKeyMask) != 0 ? "command " : "", [[item keyEquivalent] UTF8String]);
     }
 }

@@ -42,7 +42,7 @@ protected:
         prctl(PR_SET_CHILD_SUBREAPER, 1);
         fs::create_directories(bundle / "Resources");
         fs::copy_file(VANTOR_LAUNCH_PROBE, program);
-        nameBundle("Star");
+        fs::copy_file(VANTOR_INFO_PLIST, information);
         std::ofstream(folder / "GNUstep.conf")
             << "GNUSTEP_USER_DEFAULTS_DIR=" << folder.string()
             << "/Defaults\nGNUSTEP_USER_DIR_LIBRARY=" << folder.string() << "/Library\n";
@@ -53,11 +53,6 @@ protected:
         display.reset();
         endDaemons();
         fs::remove_all(folder);
-    }
-
-    void nameBundle(const std::string& name) const
-    {
-        std::ofstream(bundle / "Resources/Info-gnustep.plist") << "{ CFBundleName = \"" << name << "\"; }";
     }
 
     /// The words: settings of the environment, the program, its arguments.
@@ -75,11 +70,12 @@ protected:
         return all;
     }
 
-    /// What a start prints that ends by itself.
-    std::string printedBy(std::vector<std::string> arguments) const
+    /// What a start prints that ends by itself, by these settings of the environment and arguments.
+    std::string printedBy(std::vector<std::string> words, const std::vector<std::string>& arguments) const
     {
-        arguments.insert(arguments.begin(), program);
-        Process probe(onDisplay(arguments));
+        words.push_back(program);
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        Process probe(onDisplay(words));
         EXPECT_EQ(probe.end(), "status 7") << "the result of SDL_main is the exit status";
         return probe.output();
     }
@@ -88,6 +84,7 @@ protected:
     const fs::path applications = folder / "Applications";
     const fs::path bundle = applications / "Probe.app";
     const fs::path program = bundle / "Probe";
+    const fs::path information = bundle / "Resources/Info-gnustep.plist";
     std::optional<support::VirtualDisplay> display{std::in_place};
 };
 
@@ -118,18 +115,25 @@ TEST_F(Launch, PassesTheArgumentsOnUnlessTheDesktopAddedItsOwn)
     {
         std::vector<std::string> given;
         std::string seen, folder;
+        std::vector<std::string> settings = {};
     } cases[] = {
         {{}, "", here},
         {{"--host", "127.0.0.1", "--port", "5"}, " [--host] [127.0.0.1] [--port] [5]", here},
         {{"--host", "-psn_0_1234"}, " [--host] [-psn_0_1234]", here},
         {{"-psn_0_1234"}, "", beside},
+        {{"-psnX"}, "", beside},
+        {{"-ps"}, " [-ps]", here},
         {{"-psn_0_1234", "--host", "127.0.0.1"}, "", beside},
         // GNUstep's way to say that the desktop asks for a document.
         {{"-psn_0_1234", "-GSFilePath", document}, " [" + document + "]", beside},
+        {{"-psn_0_1234", "-GSFilePath", document},
+         " [/first] [" + document + "]",
+         beside,
+         {"PROBE_DOCUMENT=/first"}},
         {{"-GSFilePath", document}, " [-GSFilePath] [" + document + "]", here},
     };
     for (const auto& c : cases) {
-        const std::string output = printedBy(c.given);
+        const std::string output = printedBy(c.settings, c.given);
         const std::string expected =
             "SDL_main" + c.seen + "\nin " + c.folder + "\na late document is refused\n";
         EXPECT_EQ(since(output, "SDL_main").substr(0, expected.size()), expected);
@@ -140,19 +144,19 @@ TEST_F(Launch, PassesTheArgumentsOnUnlessTheDesktopAddedItsOwn)
 
 TEST_F(Launch, BuildsAMenuBarUnderTheNameOfTheBundleOrOfTheProcess)
 {
-    EXPECT_EQ(since(printedBy({}), "Star:\n"),
-              "Star:\n"
-              "About Star, orderFrontStandardAboutPanel:\n"
+    EXPECT_EQ(since(printedBy({}, {}), "Vantor:\n"),
+              "Vantor:\n"
+              "About Vantor, orderFrontStandardAboutPanel:\n"
               "--\n"
-              "Hide Star, command h, hide:\n"
+              "Hide Vantor, command h, hide:\n"
               "Hide Others, option command h, hideOtherApplications:\n"
               "Show All, unhideAllApplications:\n"
               "--\n"
-              "Quit Star, command q, terminate:\n"
+              "Quit Vantor, command q, terminate:\n"
               "Window:\n"
               "Minimize, command m, performMiniaturize:\n");
-    nameBundle("");
-    const std::string output = printedBy({});  // GNUstep arranges a menu of this name in its own way
+    std::ofstream(information) << "{}";
+    const std::string output = printedBy({}, {});  // GNUstep arranges a menu of this name in its own way
     for (const char* item : {"\nAbout Probe,", "\nHide Probe,", "\nQuit Probe,"}) {
         EXPECT_NE(output.find(item), std::string::npos) << item << "\n" << output;
     }
