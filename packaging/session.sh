@@ -33,8 +33,8 @@ leave_if_interrupted() {
     [ -z "$interrupted" ] || exit 0
 }
 
-# await SECONDS FILE PATTERN PID: waits until a line of the file, which the process writes, matches; sets line to it. Not
-# for subshells, which hear of no interruption.
+# await SECONDS FILE PATTERN PID: waits until a line of the file, which the process writes, matches; sets line to it.
+# Not for subshells, which hear of no interruption.
 await() {
     local tenths=$(($1 * 10))
     while [ "$tenths" -gt 0 ]; do

@@ -109,6 +109,7 @@ await_file() {
 colours() { import -silent -window root ppm:- | identify -format %k ppm:-; }
 
 APracticeMatchPlaysAndLeavesNothing() {
+    ! find "$tree" -type l -exec readlink -f {} + | grep -v "^$tree/" || fail 'a link leaves the installation'
     start_display
     practise --bots 4
     local tries=60
