@@ -41,9 +41,9 @@ Vector3 clearPlace(const Vector3& wanted, const std::vector<Ship>& ships)
     if (isClear(wanted, ships)) {
         return wanted;
     }
-    for (float distance = room;; distance += room) {
+    for (int ring = 1;; ++ring) {
         for (const Vector3& direction : directions) {
-            const Vector3 place = wanted + direction * distance;
+            const Vector3 place = wanted + direction * (room * static_cast<float>(ring));
             if (isClear(place, ships)) {
                 return place;
             }

@@ -1,5 +1,6 @@
 #include "PracticeServer/BattleFront.h"
 #include "PracticeServer/Match.h"
+#include "PracticeServer/Steering.h"
 
 #include <gtest/gtest.h>
 
@@ -99,6 +100,38 @@ TEST(Bots, FightALivelyAndBalancedMatchAroundTheCarriers)
     EXPECT_LE(redWins, seeds * 7 / 10);
     EXPECT_LE(blueWins, seeds * 7 / 10);
     EXPECT_LT(far, seeds * minutes * 60 * 16 / 10);  // raiders on their way; a tenth of all
+}
+
+TEST(Bots, LeadTheirAimFireWhenOnItAndTurnAwayWhenHit)
+{
+    const Vector3 front = battleFront(Team::blue, 0.0F);
+    Ship bot;
+    bot.id = 1;
+    bot.team = Team::blue;
+    bot.alive = true;
+    bot.position = front;
+    bot.health = 100.0F;
+    Sighting enemy;
+    enemy.id = 2;
+    enemy.position = front + Vector3(0, 0, 100);
+    enemy.velocity = {40, 0, 0};
+    enemy.peaceful = false;
+    const std::vector<Sighting> sightings{sightingOf(bot), enemy};
+    const Rules rules;
+    const BotView view{sightings, rules, 0.0F, Match::stepTime};
+    const Vector3 aim = leadDirection({0, 0, 100}, enemy.velocity, Rules().shotSpeed);
+
+    Random random(1);
+    BotPilot pilot(bot.id, BotPilot::Role::guard, BotSkill{0.0F, 1.0F, 150.0F, 1.0F, 0.0F});
+    const ShipInput towards = pilot.steer(bot, view, random);
+    EXPECT_GT(noseOf(towards.orientation).dotProduct(aim), 0.9999F);
+    EXPECT_EQ(towards.controls & control::fire, 0U);  // the nose is not there yet
+    bot.orientation = towards.orientation;
+    EXPECT_NE(pilot.steer(bot, view, random).controls & control::fire, 0U);
+    bot.health -= 10.0F;
+    const ShipInput away = pilot.steer(bot, view, random);
+    EXPECT_LT(noseOf(away.orientation).dotProduct(aim), 0.9999F);
+    EXPECT_EQ(away.controls & control::fire, 0U);
 }
 
 TEST(Bots, OfEachSkillBeatThoseBelowAgainstAnIdleTarget)

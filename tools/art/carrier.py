@@ -1,20 +1,24 @@
 """carrier.obj: a fleet carrier, bow along +z, up +y, drawn unscaled.
 
 The client draws it shifted by (0, -13, -130), so ships of the team start at model
-point (0, 13, 130): five units above the launch deck, which runs on ahead of them.
+point (0, 13, 130): five units above the launch deck, with the hangar they came from
+behind them and the runway ahead. The tables here count z from amidships; AHEAD moves
+the finished ship to its place.
 """
 
 import numpy as np
 
 import mesh
-from carrier_fittings import antennas, greebles, turrets
+from carrier_fittings import antennas, greebles, parked_fighters, runway_lamps, turrets
 from textures import (CARRIER_BAY, CARRIER_BRIGHT, CARRIER_DARK, CARRIER_DECK, CARRIER_GLOW,
                       CARRIER_HULL, CARRIER_TRENCH, CARRIER_UNITS, CARRIER_WINDOWS)
 
 RELIEF = 0.8          # shorter normals: what faces up is not yet lit to the full
 DECK = 8.0            # height of the launch deck
 DECK_SIDE = 13.0      # half its width
-DECK_CELL = 64.0      # length of one repeat of the deck's texture
+DECK_CELL = 32.0      # length of one repeat of the deck's texture
+DECK_FIRST, DECK_END = -54.0, 186.0  # repeats begin so that no mark lies right before the start
+AHEAD = 66.0          # so the hangar's mouth lies 38 units behind the start, the bow 126 ahead
 BAY_FRONT, BAY_BACK = 26.0, -38.0
 BAY_SIDE, BAY_TOP = 13.0, 21.0
 
@@ -25,9 +29,10 @@ HULL = [
     (-60.0, 40.0, 12.0, 4.0, -6.0, -26.0),
     (0.0, 37.0, 10.0, 3.5, -5.5, -24.0),
     (26.0, 33.0, 8.0, 2.5, -5.0, -20.0),
-    (90.0, 25.0, 8.0, 2.5, -3.5, -12.0),
-    (140.0, 20.0, 8.0, 3.0, -1.0, -5.5),
-    (158.0, 17.0, 8.0, 4.0, 1.5, -1.0),
+    (75.0, 29.0, 8.0, 2.5, -4.2, -16.0),
+    (130.0, 24.5, 8.0, 2.5, -3.0, -11.0),
+    (172.0, 20.5, 8.0, 3.0, -1.0, -6.0),
+    (190.0, 17.5, 8.0, 4.0, 1.5, -1.5),
 ]
 
 
@@ -87,31 +92,40 @@ def side_map(j, row0, row1):
 def deck(shape):
     """The launch deck from the hangar's back wall to the bow, and plates beside it."""
     u0, v0, u1, v1 = CARRIER_DECK
-    cuts = [BAY_BACK, BAY_FRONT, 90.0, 154.0]
-    for z0, z1 in zip(cuts, cuts[1:]):
-        uv = [(u0, v0), (u0 + (u1 - u0) * (z1 - z0) / DECK_CELL, v0),
-              (u0 + (u1 - u0) * (z1 - z0) / DECK_CELL, v1), (u0, v1)]
+    for z0 in np.arange(DECK_FIRST, DECK_END, DECK_CELL):
+        z1 = min(z0 + DECK_CELL, DECK_END)
+        end = u0 + (u1 - u0) * (z1 - z0) / DECK_CELL
         shape.face([(DECK_SIDE, DECK, z0), (-DECK_SIDE, DECK, z0), (-DECK_SIDE, DECK, z1),
-                    (DECK_SIDE, DECK, z1)], [uv[0], uv[3], uv[2], uv[1]])
+                    (DECK_SIDE, DECK, z1)], [(u0, v0), (u0, v1), (end, v1), (end, v0)])
     half = mesh.Mesh()
     edges = [(row[0], row[1] * 0.88, row[2]) for row in HULL if row[0] >= BAY_FRONT]
     for (z0, w0, y0), (z1, w1, y1) in zip(edges, edges[1:]):
-        z1 = min(z1, 158.0)
         half.face([(w0, y0, z0), (DECK_SIDE, DECK, z0), (DECK_SIDE, DECK, z1), (w1, y1, z1)],
                   hull_map(0.62, 0.4))
     rails(half)
+    prong(half)
     shape.add_both_sides(half)
-    shape.face([(DECK_SIDE, DECK, 154), (-DECK_SIDE, DECK, 154), (-DECK_SIDE, DECK, 158),
-                (DECK_SIDE, DECK, 158)], mesh.constant(*CARRIER_BRIGHT))
+    bow = HULL[-1][0]
+    shape.face([(DECK_SIDE, DECK, DECK_END), (-DECK_SIDE, DECK, DECK_END),
+                (-DECK_SIDE, DECK, bow), (DECK_SIDE, DECK, bow)], mesh.constant(*CARRIER_BRIGHT))
 
 
 def rails(half):
-    """Low walls along the deck with guide lamps on top."""
-    for z0 in np.arange(30.0, 146.0, 17.0):
+    """Low walls along the deck, open where lamps stand."""
+    for z0 in np.arange(30.0, 176.0, 17.0):
         half.box((13.2, DECK - 0.2, z0), (14.6, DECK + 1.3, z0 + 13.0), hull_map(0.7, 0.2),
                  skip=("far",), taper=(0.6, 0.96))
-        half.box((13.5, DECK, z0 + 14.2), (14.3, DECK + 2.2, z0 + 15.4),
-                 mesh.constant(*CARRIER_BRIGHT), skip=("far",))
+
+
+def prong(half):
+    """The catapult's arm, which reaches beyond the bow."""
+    root = [(16.2, 8.6, 176), (16.2, 3.0, 176), (11.0, 3.0, 176), (11.0, 8.6, 176)]
+    knee = [(15.6, 8.6, 202), (15.6, 4.4, 202), (11.8, 4.4, 202), (11.8, 8.6, 202)]
+    tip = [(14.4, 7.6, 212), (14.4, 5.4, 212), (12.6, 5.4, 212), (12.6, 7.6, 212)]
+    half.hexahedron(knee, root, hull_map(0.75, 0.3), ("near", "far"))
+    half.hexahedron(tip, knee, hull_map(0.75, 0.6), ("near", "far"))
+    half.face(tip[::-1] if mesh.polygon_normal(np.array(tip, float))[2] < 0 else tip,
+              mesh.constant(*CARRIER_BRIGHT))
 
 
 def stern_deck(shape):
@@ -132,6 +146,8 @@ def hangar(shape):
                 (-w, top - 8, z), (-w, DECK - 3, z)]
     rings = [np.array(outline(z, w, top)) for z, w, top in
              [(-96.0, 22.0, 22.0), (-78.0, 27.0, 32.0), (4.0, 27.0, 32.0), (26.0, 22.0, 27.0)]]
+    hangar_front(shape, rings[-1])
+    bay(shape)
     for a, b in zip(rings, rings[1:]):
         for j in range(5):
             coords = (strip_map(CARRIER_WINDOWS, DECK - 3, 24.0, 0.3) if j in (0, 4)
@@ -139,8 +155,6 @@ def hangar(shape):
             shape.face([a[j], a[j + 1], b[j + 1]], coords)
             shape.face([a[j], b[j + 1], b[j]], coords)
     shape.face(rings[0][::-1], hull_map(0.7, 0.1))
-    hangar_front(shape, rings[-1])
-    bay(shape)
 
 
 def hangar_front(shape, ring):
@@ -158,7 +172,7 @@ def hangar_front(shape, ring):
     for (x0, y0), (x1, y1) in zip(edge, edge[1:]):
         grow0, grow1 = (x0 * 1.09, y0 + 0.09 * (y0 - DECK)), (x1 * 1.09, y1 + 0.09 * (y1 - DECK))
         half.face([(x0, y0, z + 1), (*grow0, z + 1), (*grow1, z + 1), (x1, y1, z + 1)],
-                  mesh.constant(*CARRIER_BRIGHT))
+                  mesh.constant(*CARRIER_BRIGHT), normal=mesh.GLOWING)
         half.face([(*grow0, z + 1), (*grow0, z), (*grow1, z), (*grow1, z + 1)],
                   mesh.constant(*CARRIER_DARK))
     shape.add_both_sides(half)
@@ -200,19 +214,23 @@ def tower(shape):
 
 
 def engine(half, centre, radius, z, length, sides=14):
-    """A nozzle with a bright throat, opening to -z."""
+    """A nozzle with a bright throat and a collar, opening to -z."""
     def ring(at, r):
         return mesh.ring_points(sides, r, at, centre)
-    rings = [ring(z - length, radius * 0.92), ring(z - length * 0.55, radius),
-             ring(z, radius * 0.84)]
+    rings = [ring(z - length, radius * 0.90), ring(z - length * 0.72, radius),
+             ring(z - length * 0.30, radius), ring(z, radius * 0.80)]
     half.loft(rings, mesh.arc_coords(rings, CARRIER_UNITS, CARRIER_HULL[0] + 0.02, 0.2))
-    mouth, throat = rings[0], ring(z - length * 0.5, radius * 0.74)
+    mouth, throat = rings[0], ring(z - length * 0.80, radius * 0.76)
     group = half.new_group()
+    band = [ring(z - length * 0.60, radius * 1.08), ring(z - length * 0.42, radius * 1.08)]
+    feet = [ring(z - length * 0.64, radius), ring(z - length * 0.38, radius)]
+    collar = [feet[0], band[0], band[1], feet[1]]
+    half.loft(collar, lambda i, j: (0.02 * j, CARRIER_TRENCH[0] + 0.02 + 0.02 * i))
     for j in range(sides):
         k = (j + 1) % sides
         half.face([mouth[j], throat[j], throat[k], mouth[k]], mesh.constant(*CARRIER_DARK), group)
     spot, size = CARRIER_GLOW
-    half.fan(throat[::-1], (*centre, z - length * 0.5),
+    half.fan(throat[::-1], (*centre, z - length * 0.74),
              mesh.disc_coords(sides, spot, size)[::-1], spot, normal=mesh.GLOWING)
 
 
@@ -276,22 +294,59 @@ def pod_mouth(half, ring):
     half.face(back, uv, normal=mesh.GLOWING / 4)
 
 
+def armour(half):
+    """Raised plates on the flanks and the keel, cut to the hull's shape (fixed seed)."""
+    rng = np.random.default_rng(23)
+    for row0, row1 in zip(HULL, HULL[1:]):
+        a, b = np.array(hull_ring(*row0)), np.array(hull_ring(*row1))
+        length = row1[0] - row0[0]
+        for j in (0, 1, 5):   # keel, flank below the trench, flank above it
+            quad = a[j], a[j + 1], b[j + 1], b[j]
+            at = rng.uniform(0.5, 4.0)
+            while at < length - 5:
+                long = min(rng.uniform(5.0, 15.0), length - at - 1.0)
+                if rng.random() < 0.8:
+                    low = rng.uniform(0.06, 0.45)
+                    high = low + rng.uniform(0.28, 0.5)
+                    plate(half, quad, at / length, (at + long) / length, low, high,
+                          rng.uniform(0.5, 1.2), 0.17 * rng.integers(9))
+                at += long + rng.uniform(0.6, 3.5)
+
+
+def plate(half, quad, start, end, low, high, thick, shift):
+    """A bevelled plate on a part of a hull quad: `start` to `end` along it, `low` to `high` up."""
+    a0, a1, b1, b0 = quad
+
+    def at(along, up):
+        return (a0 + (a1 - a0) * up) * (1 - along) + (b0 + (b1 - b0) * up) * along
+    foot = np.array([at(start, low), at(start, high), at(end, high), at(end, low)])
+    out = mesh.polygon_normal(foot) * thick
+    middle = foot.mean(axis=0)
+    top = middle + (foot - middle) * 0.9 + out
+    half.hexahedron(top, foot - out * 0.3, hull_map(0.74, shift), ("far",))
+
+
 def build():
+    """What pilots see most comes first: what it hides then costs no shading."""
     shape = mesh.Mesh()
-    hull(shape)
     deck(shape)
-    stern_deck(shape)
     hangar(shape)
+    stern_deck(shape)
     tower(shape)
-    engines(shape)
     half = mesh.Mesh()
-    pod(half)
+    parked_fighters(half, DECK)
+    runway_lamps(half, np.arange(44.5, 180.0, 17.0), DECK)
     turrets(half)
+    armour(half)
+    pod(half)
     greebles(half)
     shape.add_both_sides(half)
     antennas(shape)
+    engines(shape)
+    hull(shape)
+    shape.move((0.0, 0.0, AHEAD))
     return shape
 
 
 def make(path):
-    return mesh.write_obj(path, "carrier", build(), (0, 0, -60), RELIEF)
+    return mesh.write_obj(path, "carrier", build(), (0, 0, 0), RELIEF)

@@ -8,7 +8,7 @@ import mesh
 from textures import CARRIER_BRIGHT, CARRIER_DARK, CARRIER_UNITS
 
 # where guns stand on the +x side: x, y, z and the side they point to (degrees from +z to +x)
-TURRETS = [(24.0, 8.0, 70.0, 50.0), (20.0, 8.0, 112.0, 40.0), (33.0, 11.5, -88.0, 110.0),
+TURRETS = [(22.5, 8.0, 88.0, 50.0), (20.5, 8.0, 136.0, 40.0), (33.0, 11.5, -88.0, 110.0),
            (53.0, 5.0, -30.0, 80.0), (53.0, 5.0, 6.0, 60.0), (53.0, 5.0, -66.0, 110.0)]
 
 
@@ -63,8 +63,7 @@ def greebles(half):
         x, z = rng.uniform(6.0, 16.0), rng.uniform(-74, 2)
         small_box(half, rng, (x, 31.5, z), (1.8, 1.6, 3.4))
     for _ in range(12):   # beside the launch deck
-        z = rng.uniform(34, 136)
-        small_box(half, rng, (16.4, 7.6, z), (0.8, 1.0, 2.4))
+        small_box(half, rng, (16.3, 7.6, rng.uniform(98, 176)), (0.7, 0.8, 2.4))
     for _ in range(12):   # on the pod's roof
         small_box(half, rng, (rng.uniform(47, 60), 4.4, rng.uniform(-80, 18)), (1.6, 1.6, 3.6))
     for _ in range(14):   # in the trench
@@ -84,6 +83,43 @@ def small_box(half, rng, foot, size):
     coords = plates(z / 41) if rng.random() < 0.86 else mesh.constant(*CARRIER_BRIGHT)
     half.box((x - wide, y - 0.6, z - long), (x + wide, y + 1.6 * tall, z + long), coords,
              ("far",), (rng.uniform(0.7, 1.0), rng.uniform(0.7, 1.0)))
+
+
+def runway_lamps(half, places, deck):
+    """Posts with a lamp on top, at each z beside the runway."""
+    for z in places:
+        half.box((13.65, deck - 0.2, z - 0.25), (14.15, deck + 3.0, z + 0.25),
+                 plates(z / 29), ("near", "far"), (0.6, 0.6))
+        half.box((13.55, deck + 3.0, z - 0.35), (14.25, deck + 3.6, z + 0.35),
+                 mesh.constant(*CARRIER_BRIGHT), (), (0.9, 0.9))
+
+
+def parked_fighters(half, deck):
+    """Rows of small craft beside the runway: they tell how large the ship is."""
+    for z in np.arange(36.0, 80.0, 5.5):
+        parked(half, np.array([22.5, deck + 0.5, z]), -35.0)
+    for z in np.arange(34.0, 130.0, 5.5):
+        if abs(z - 88.0) > 5:
+            parked(half, np.array([17.6, deck + 0.5, z]), -35.0)
+
+
+def parked(half, place, degrees):
+    """A fighter of the fleet as far as one sees it from above, 3.6 units long."""
+    angle = math.radians(degrees)
+    turn = np.array([[math.cos(angle), 0, math.sin(angle)], [0, 1, 0],
+                     [-math.sin(angle), 0, math.cos(angle)]])
+    skin = plates(place[2] / 37)
+
+    def face(points):
+        half.face(np.array(points, float) @ turn.T + place, skin)
+    nose, tail = (0, 0.1, 2.2), (0, 0.45, -1.3)
+    for s in (1, -1):
+        side = (s * 0.32, 0.1, -1.3)
+        wing = [(s * 0.3, 0.12, 0.5), (s * 1.4, 0.0, -0.6), (s * 1.4, 0.0, -1.2), (s * 0.3, 0.12, -1.2)]
+        fin = [(s * 0.5, 0.1, -0.2), (s * 0.75, 0.75, -1.0), (s * 0.75, 0.75, -1.4), (s * 0.5, 0.1, -1.2)]
+        for points in ([nose, side, tail], wing, fin):
+            face(points if s < 0 else points[::-1])
+        face(fin if s > 0 else fin[::-1])
 
 
 def hanging(x, y, z, size):

@@ -1,4 +1,9 @@
-"""BOOOM.png: a fireball with flames and sparks on a transparent ground."""
+"""BOOOM.png: a fireball that bursts through its own smoke, with sparks, on a transparent ground.
+
+The client draws explosions with depth writes and in the order in which they happen, so a near
+one hides what is drawn after it behind its whole square, transparent or not. The smoke fills
+nearly all of the square: what is hidden then hides behind smoke and not behind nothing.
+"""
 
 import numpy as np
 from PIL import Image
@@ -6,25 +11,31 @@ from PIL import Image
 from noise import ValueNoise, smoothstep
 
 SIZE = 256
+SQUARENESS = 2.3  # exponent of the smoke's outline: 2 is a circle
 # heat 0..1 to colour
-HEAT = np.array([0.0, 0.25, 0.5, 0.75, 1.0])
-COLOURS = np.array([(0.22, 0.03, 0.01), (0.75, 0.14, 0.02), (1.0, 0.47, 0.06),
+HEAT = np.array([0.0, 0.12, 0.3, 0.5, 0.75, 1.0])
+COLOURS = np.array([(0.15, 0.09, 0.07), (0.30, 0.10, 0.04), (0.75, 0.17, 0.02), (1.0, 0.47, 0.06),
                     (1.0, 0.83, 0.35), (1.0, 1.0, 0.94)])
 
 
 def fire(x, y):
-    """Heat and opacity of the ball at distance 1 = border."""
+    """Heat and opacity at distance 1 = border."""
     noise = ValueNoise(5)
     r, angle = np.hypot(x, y), np.arctan2(y, x)
+    square = (np.abs(x) ** SQUARENESS + np.abs(y) ** SQUARENESS) ** (1 / SQUARENESS)
     around = np.stack([np.cos(angle) * 2.2, np.sin(angle) * 2.2, r * 1.3], axis=-1)
     flames = noise.fractal(around + 8, 5, 0.6)
     flat = np.stack([x * 3.2, y * 3.2, np.zeros_like(x)], axis=-1)
     warp = noise.fractal(flat + 3, 3)[..., None] * 1.6
     billow = noise.ridged(flat + warp + 20, 5, 0.55)
-    edge = 0.42 + 0.85 * (flames - 0.28)
-    heat = np.clip(1.25 - r / edge * 1.05 + 0.75 * (billow - 0.5), 0, 1)
-    alpha = smoothstep(1.08, 0.62, r / edge) * (0.55 + 0.45 * smoothstep(0.02, 0.3, heat))
-    return heat, alpha
+    edge = 0.65 + 1.05 * (flames - 0.28)
+    heat = np.clip(1.14 - square / edge * 0.98 + 0.75 * (billow - 0.5), 0, 1)
+
+    puffs = noise.fractal(flat * 1.1 + 50, 5, 0.55)
+    smoke = smoothstep(1.04, 0.90, square + 0.40 * (0.58 - puffs))
+    embers = 0.30 * smoothstep(0.50, 0.80, billow) * smoothstep(1.0, 0.5, r)
+    alpha = np.maximum(smoke * 0.93, smoothstep(0.1, 0.4, heat))
+    return np.maximum(heat, np.maximum(embers, 0.10 * puffs)), alpha
 
 
 def sparks(rng, x, y):
@@ -43,12 +54,11 @@ def sparks(rng, x, y):
 def make(path):
     axis = (np.arange(SIZE) + 0.5) / SIZE * 2 - 1
     x, y = np.meshgrid(axis, axis)
-    r = np.hypot(x, y)
     heat, alpha = fire(x, y)
     glowing = sparks(np.random.default_rng(11), x, y)
-    halo = 0.34 * np.exp(-(r / 0.52) ** 2)
-    heat = np.maximum(heat, np.maximum(glowing * 0.95, 0.34))
-    alpha = np.maximum(np.maximum(alpha, glowing), halo) * smoothstep(0.985, 0.80, r)
+    heat = np.maximum(heat, glowing * 0.95)
+    border = smoothstep(0.985, 0.88, np.maximum(np.abs(x), np.abs(y)))
+    alpha = np.maximum(alpha, glowing) * border
     colour = np.stack([np.interp(heat, HEAT, COLOURS[:, k]) for k in range(3)] + [alpha], -1)
     level = np.clip(np.rint(colour * 255), 0, 255).astype(np.uint8)
     Image.fromarray(level, "RGBA").save(path, optimize=True)

@@ -11,7 +11,7 @@ from textures import (FIGHTER_BRIGHT, FIGHTER_DARK, FIGHTER_GLASS, FIGHTER_GLOW,
                       FIGHTER_HULL, FIGHTER_UNITS, FIGHTER_VENT, FIGHTER_WINGS)
 
 SCALE = 0.05
-RELIEF = 0.7  # shorter normals: what faces up is not yet lit to the full, so shapes show
+RELIEF = 0.78 # shorter normals: what faces up is not yet lit to the full, so shapes show
 
 # z, half width, height of the side chine, top, bottom
 FUSELAGE = [
@@ -34,8 +34,8 @@ CANOPY = [
 ]
 
 # z, radius
-NACELLE = [(-22.0, 3.7), (-16.0, 4.6), (-4.0, 4.6), (6.0, 3.8)]
-NACELLE_CENTRE = (9.6, 0.6)
+NACELLE = [(-22.0, 4.3), (-16.0, 5.3), (-4.0, 5.3), (6.0, 4.3)]
+NACELLE_CENTRE = (10.1, 0.8)
 NACELLE_SIDES = 10
 
 
@@ -85,20 +85,20 @@ def nacelle(half):
     rings = [ring(z, r) for z, r in NACELLE]
     half.loft(rings, mesh.arc_coords(rings, FIGHTER_UNITS, FIGHTER_HULL[0] + 0.2, 0.4))
 
-    nozzle = [ring(-25.5, 3.0), ring(-22.0, 3.7)]
+    nozzle = [ring(-25.5, 3.6), ring(-22.0, 4.3)]
     half.loft(nozzle, lambda i, j: (0.52 + 0.02 * j, 0.02 + 0.15 * i))
-    throat = ring(-23.0, 2.7)
+    throat = ring(-24.0, 3.3)
     dark = mesh.constant(*FIGHTER_DARK)
-    edge = ring(-25.5, 3.0)
+    edge = ring(-25.5, 3.6)
     for j in range(NACELLE_SIDES):
         k = (j + 1) % NACELLE_SIDES
         half.face([edge[j], throat[j], throat[k], edge[k]], dark)
     (cu, cv), radius = FIGHTER_GLOW
-    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], -23.0)
+    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], -24.0)
     half.fan(throat[::-1], centre, mesh.disc_coords(NACELLE_SIDES, (cu, cv), radius)[::-1],
              (cu, cv), normal=mesh.GLOWING)
 
-    lip, mouth = ring(6.0, 3.8), ring(3.5, 2.9)
+    lip, mouth = ring(6.0, 4.3), ring(3.5, 3.4)
     for j in range(NACELLE_SIDES):
         k = (j + 1) % NACELLE_SIDES
         half.face([lip[j], lip[k], mouth[k], mouth[j]], mesh.constant(*FIGHTER_BRIGHT))
@@ -137,9 +137,9 @@ def wing(half):
 
 def fin(half):
     """A tail fin that leans outwards."""
-    low = np.array([(11.6, 3.4, -3.0), (10.6, 3.4, -3.0), (10.8, 3.2, -20.0), (11.4, 3.2, -20.0)])
-    top = np.array([(15.2, 13.2, -16.5), (14.9, 13.2, -16.5), (14.9, 12.2, -25.0),
-                    (15.2, 12.2, -25.0)])
+    low = np.array([(12.4, 4.2, -1.0), (11.4, 4.2, -1.0), (11.6, 4.0, -21.0), (12.2, 4.0, -21.0)])
+    top = np.array([(17.0, 16.6, -17.0), (16.6, 16.6, -17.0), (16.6, 15.2, -26.0),
+                    (17.0, 15.2, -26.0)])
     half.hexahedron(top[::-1], low[::-1], hull_map(v_centre=0.5, shift=0.3), skip=("far",))
 
 

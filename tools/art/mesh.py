@@ -20,14 +20,15 @@ ANCHOR_SIZE = 0.05  # model units; far below a pixel and hidden inside the hull
 class Face:
     """A convex polygon with one texture coordinate per corner.
 
-    `normal`, if set, replaces the geometric one at all corners and may have any length.
+    `normal`, if set, replaces the geometric ones and may have any length; it is one
+    for all corners or a list of one for each.
     """
 
     def __init__(self, points, coords, group=None, normal=None):
         self.points = np.asarray(points, float)
         self.coords = np.asarray(coords, float)
         self.group = group
-        self.normal = normal
+        self.normal = None if normal is None else np.broadcast_to(normal, self.points.shape)
 
 
 def polygon_normal(points):
@@ -143,13 +144,17 @@ class Mesh:
         mesh._groups = self._groups
         flip = np.array([-1.0, 1.0, 1.0])
         mesh.faces = [Face(f.points[::-1] * flip, f.coords[::-1], f.group,
-                           None if f.normal is None else f.normal * flip)
+                           None if f.normal is None else f.normal[::-1] * flip)
                       for f in self.faces]
         return mesh
 
     def add_both_sides(self, half):
         self.add(half)
         self.add(half.mirrored())
+
+    def move(self, way):
+        for face in self.faces:
+            face.points = face.points + np.asarray(way, float)
 
     def triangle_count(self):
         return sum(len(face.points) - 2 for face in self.faces)
@@ -179,7 +184,7 @@ def corner_normals(mesh):
     result = []
     for face, normal in zip(mesh.faces, flat):
         if face.normal is not None:
-            result.append([face.normal] * len(face.points))
+            result.append(list(face.normal))
         elif face.group is None:
             result.append([normal] * len(face.points))
         else:
@@ -223,11 +228,12 @@ def write_obj(path, name, mesh, anchor, normal_length=1.0):
     last triangle of every file, hidden at `anchor`, leaves one that lights them fully.
     """
     points, coords, normals = Pool("v"), Pool("vt"), Pool("vn")
+    normal_digits = 3 - math.floor(math.log10(normal_length))
     body = []
 
     def corner(point, coord, normal):
-        return "%d/%d/%d" % (points.number(point, 4), coords.number(coord, 5),
-                             normals.number(normal, 7))
+        return "%d/%d/%d" % (points.number(point, 3), coords.number(coord, 4),
+                             normals.number(normal, normal_digits))
 
     for face, face_normals in zip(mesh.faces, corner_normals(mesh)):
         corners = [corner(p, c, n * normal_length)

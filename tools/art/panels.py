@@ -13,39 +13,57 @@ def tiling_noise(rng, height, width, smooth_y, smooth_x):
 
 
 class Plating:
-    """Cuts a canvas into plates again and again and gives each its own tone and fittings."""
+    """Cuts a canvas into sections and those into plates, each with its own tone and fittings.
 
-    def __init__(self, rng, canvas, tone, spread, smallest):
+    Sections differ in tone and in the size of their plates: the large pattern is what one sees
+    from afar, where the client, which samples no mipmaps, shows fine lines as noise.
+    """
+
+    def __init__(self, rng, canvas, tone, spread, smallest, section):
         self.rng = rng
         self.canvas = canvas
         self.tone = tone          # mean brightness of a plate
-        self.spread = spread      # deviation of that brightness
+        self.spread = spread      # deviation of the brightness of sections; plates differ less
         self.smallest = smallest  # shortest side of a plate, pixels
+        self.section = section    # about the longest side of a section, pixels
 
-    def cut(self, x0, y0, x1, y1):
+    def cover(self):
+        height, width = self.canvas.shape
+        self.cut(0, 0, width, height, self.section / 2, self.lay_section)
+
+    def lay_section(self, x0, y0, x1, y1):
+        mean, smallest = self.tone, self.smallest
+        self.tone = np.clip(self.rng.normal(mean, self.spread), 0.2, 0.97)
+        self.smallest = int(smallest * self.rng.choice([1.0, 1.6, 2.6]))
+        self.cut(x0, y0, x1, y1, self.smallest, self.plate)
+        self.canvas[y0:y0 + 2, x0:x1] = self.canvas[y0:y1, x0:x0 + 2] = self.tone * 0.42
+        self.tone, self.smallest = mean, smallest
+
+    def cut(self, x0, y0, x1, y1, smallest, lay):
+        """Halves an area at random places; `lay` gets the parts that are small enough."""
         width, height = x1 - x0, y1 - y0
         along = width > height * self.rng.uniform(1.1, 2.4)
         length = width if along else height
-        small = max(width, height) < self.smallest * 7
-        if length < self.smallest * 2 or (small and self.rng.random() < 0.3):
-            self.plate(x0, y0, x1, y1)
+        small = max(width, height) < smallest * 7
+        if length < smallest * 2 or (small and self.rng.random() < 0.3):
+            lay(x0, y0, x1, y1)
             return
         at = int(length * self.rng.uniform(0.3, 0.7))
         if along:
-            self.cut(x0, y0, x0 + at, y1)
-            self.cut(x0 + at, y0, x1, y1)
+            self.cut(x0, y0, x0 + at, y1, smallest, lay)
+            self.cut(x0 + at, y0, x1, y1, smallest, lay)
         else:
-            self.cut(x0, y0, x1, y0 + at)
-            self.cut(x0, y0 + at, x1, y1)
+            self.cut(x0, y0, x1, y0 + at, smallest, lay)
+            self.cut(x0, y0 + at, x1, y1, smallest, lay)
 
     def plate(self, x0, y0, x1, y1):
-        tone = np.clip(self.rng.normal(self.tone, self.spread), 0.2, 1.0)
+        tone = np.clip(self.rng.normal(self.tone, self.spread * 0.45), 0.2, 1.0)
         area = self.canvas[y0:y1, x0:x1]
         area[:] = tone
-        area[-2:, :] = tone * 0.86
-        area[:, -2:] = tone * 0.86
-        area[:2, :] = min(1.0, tone * 1.10)
-        area[0, :] = area[:, 0] = tone * 0.48
+        area[-2:, :] = tone * 0.90
+        area[:, -2:] = tone * 0.90
+        area[:2, :] = min(1.0, tone * 1.08)
+        area[0, :] = area[:, 0] = tone * 0.62
         kind = self.rng.random()
         if kind < 0.14:
             self.hatch(x0, y0, x1, y1, tone)
@@ -98,17 +116,17 @@ def scratches(rng, canvas, count):
 
 
 def windows(rng, canvas, pitch, lit, dark):
-    """Rows of portholes, some lit; `pitch` is the distance of two rows in pixels."""
+    """Rows of windows, some lit; `pitch` is the distance of two rows in pixels."""
     height, width = canvas.shape
     for y in range(pitch // 2, height - 3, pitch):
         x = int(rng.integers(4, 12))
-        while x < width - 6:
+        while x < width - 8:
             if rng.random() < 0.12:
-                x += int(rng.integers(8, 40))
+                x += int(rng.integers(12, 50))
                 continue
-            canvas[y - 1:y + 4, x - 1:x + 4] *= 0.72
-            canvas[y:y + 3, x:x + 3] = lit if rng.random() < 0.62 else dark
-            x += 6
+            canvas[y - 1:y + 5, x - 1:x + 6] *= 0.6
+            canvas[y:y + 4, x:x + 5] = lit if rng.random() < 0.62 else dark
+            x += 9
 
 
 def machinery(rng, canvas):

@@ -2,7 +2,7 @@
 
 All but the top face are painted by direction, so they meet without seams. The client
 twists the top face's cell, which no picture can undo; so everything that is not a star
-fades to one plain colour towards the top, and the top is that colour with stars.
+fades to one plain colour towards the top, and the top has that colour at its borders.
 """
 
 import numpy as np
@@ -32,9 +32,12 @@ RING_INNER, RING_OUTER = 1.32, 2.15   # planet radii
 NEBULAE = [
     (unit(0.30, 0.16, 1.0), 0.52, 0.62, (0.10, 0.32, 0.62), (0.35, 0.85, 0.95)),
     (unit(-0.75, -0.30, 1.0), 0.50, 0.62, (0.45, 0.10, 0.40), (1.00, 0.50, 0.55)),
-    (unit(-1.0, 0.10, -0.5), 0.62, 0.85, (0.12, 0.18, 0.55), (0.55, 0.55, 1.00)),
-    (unit(0.35, -0.15, -1.0), 0.60, 0.85, (0.50, 0.16, 0.10), (1.00, 0.68, 0.35)),
-    (unit(0.2, -1.0, 0.3), 0.62, 0.70, (0.06, 0.30, 0.30), (0.40, 0.85, 0.65)),
+    # behind the blue team: gold, on which its ships stand out
+    (unit(-1.0, 0.06, -0.10), 0.66, 0.95, (0.52, 0.24, 0.08), (1.00, 0.78, 0.42)),
+    # behind the red team: teal
+    (unit(1.0, -0.28, -0.42), 0.56, 0.80, (0.05, 0.28, 0.34), (0.35, 0.90, 0.80)),
+    (unit(0.25, 0.12, -1.0), 0.62, 0.80, (0.26, 0.14, 0.50), (0.75, 0.55, 1.00)),
+    (unit(0.2, -1.0, 0.3), 0.62, 0.70, (0.06, 0.22, 0.42), (0.45, 0.70, 1.00)),
 ]
 
 
@@ -83,8 +86,8 @@ def sun(d):
     up = np.cross(right, SUN)
     around = np.arctan2(d @ up, d @ right)
     rays = (np.abs(np.cos(around * 3)) ** 40 + 0.5 * np.abs(np.cos(around * 3 + 0.7)) ** 60)
-    disc = smoothstep(0.034, 0.028, angle)
-    corona = 1.3 * np.exp(-angle / 0.030) + 0.32 * np.exp(-angle / 0.11)
+    disc = smoothstep(0.036, 0.024, angle)
+    corona = 1.5 * np.exp(-angle / 0.036) + 0.38 * np.exp(-angle / 0.13)
     halo = 0.06 * np.exp(-(angle / 0.5) ** 2) + 0.30 * rays * np.exp(-angle / 0.10)
     return (disc[..., None] * np.array([1.6, 1.6, 1.5])
             + corona[..., None] * np.array([1.0, 0.92, 0.74])
@@ -236,18 +239,49 @@ class Stars:
         return (value * (1 - hidden))[..., None] * self.colour[i]
 
 
+def shear_of_quarter(u, v):
+    """Drivers cut the top quad in two triangles, which shear the cell's upper and lower quarter
+    in opposite ways; what is painted with this shear looks straight. What lies left and right is
+    shown twice or never, by the driver's choice of the cut.
+    """
+    upper, lower = v < np.minimum(u, 1 - u), v > np.maximum(u, 1 - u)
+    return upper * 1 - lower * 1
+
+
+def top_clouds(rows, columns):
+    """Faint gas within each quarter of the twisted face; nothing on a border or a diagonal."""
+    noise = ValueNoise(6)
+    v, u = np.meshgrid((np.arange(rows) + 0.5) / rows, (np.arange(columns) + 0.5) / columns,
+                       indexing="ij")
+    diagonals = np.minimum(np.abs(u - v), np.abs(u + v - 1))
+    borders = np.minimum(np.minimum(u, 1 - u), np.minimum(v, 1 - v))
+    reach = smoothstep(0.0, 0.30, diagonals) * smoothstep(0.0, 0.16, borders)
+    place = np.stack([u - shear_of_quarter(u, v) * v, v, 0 * v], axis=-1) * 3.0
+    warp = noise.fractal(place + 3, 4)[..., None] - 0.5
+    gas = noise.fractal(place + warp + 9, 6, 0.55)
+    veins = noise.ridged(place * 1.3 + warp + 7, 5, 0.55)
+    cloud = smoothstep(0.36, 0.80, gas * 0.72 + 0.36 * veins) * reach
+    return cloud[..., None] * np.array([0.11, 0.16, 0.34]) + (cloud ** 2 * veins)[..., None] * np.array(
+        [0.30, 0.34, 0.55])
+
+
 def top_cell(rng, rows, columns):
-    """The twisted face: plain colour and round stars, none on a border or a diagonal."""
-    canvas = np.tile(TOP_COLOUR, (rows, columns, 1))
-    y, x = np.mgrid[-3:4, -3:4]
-    for _ in range(1000):
+    """The twisted face: gas and stars, no star on a border or a diagonal."""
+    canvas = TOP_COLOUR + top_clouds(rows, columns)
+    y, x = np.mgrid[-8:9, -8:9]
+    y = y * columns / rows
+    for i in range(1700):
         u, v = rng.random(2)
         if min(u, v, 1 - u, 1 - v) < 0.015 or min(abs(u - v), abs(u + v - 1)) < 0.012:
             continue
-        light = 0.12 + 0.60 * rng.random() ** 3
-        spot = light * np.exp(-((x * 1.0) ** 2 + (y * 1.5) ** 2) / 0.8)
+        shear = shear_of_quarter(u, v)
+        distance = np.hypot(x - shear * y, y)
+        size = 1.5 if shear else 0.6
+        spot = (0.12 + 0.60 * rng.random() ** 3) * np.exp(-distance ** 2 / size)
+        if shear and i % 20 == 0:  # a bright one
+            spot = rng.uniform(0.9, 1.8) * (np.exp(-distance ** 2 / 1.6) + 0.05 * np.exp(-distance / 2))
         row, column = int(v * rows), int(u * columns)
-        canvas[row - 3:row + 4, column - 3:column + 4] += (
+        canvas[row - 8:row + 9, column - 8:column + 9] += (
             spot[..., None] * Stars.TINTS[rng.integers(0, len(Stars.TINTS))])
     return canvas
 

@@ -45,27 +45,3 @@ def cell_directions(face, width, height):
     u, v = np.meshgrid((np.arange(x0, x1) + 0.5) / width, (np.arange(y0, y1) + 0.5) / height)
     points = np.stack([u, v, np.ones_like(u)], axis=-1) @ matrix
     return slice(y0, y1), slice(x0, x1), points
-
-
-def texture_of_direction(rays):
-    """Texture coordinates (u, v) that the client's cube shows in each direction (n, 3)."""
-    points = rays / np.abs(rays).max(axis=1, keepdims=True)
-    uv = np.zeros((len(rays), 2))
-    for face, quad in QUADS.items():
-        axis, sign = "xyz".index(face[1]), 1 if face[0] == "p" else -1
-        on_face = points[:, axis] * sign > 1 - 1e-9
-        across = [i for i in range(3) if i != axis]
-        # the two triangles that drivers usually cut a quad into
-        for corners in ([0, 1, 3], [1, 2, 3]):
-            matrix = affine([([quad[i][0][k] for k in across], quad[i][1]) for i in corners])
-            local = np.column_stack([points[:, across], np.ones(len(points))])
-            inside = on_face & in_triangle(local[:, :2],
-                                           [[quad[i][0][k] for k in across] for i in corners])
-            uv[inside] = (local @ matrix)[inside]
-    return uv[:, 0], uv[:, 1]
-
-
-def in_triangle(points, corners):
-    a, b, c = np.asarray(corners, float)
-    weights = np.linalg.solve(np.column_stack([b - a, c - a]), (points - a).T)
-    return (weights > -1e-9).all(axis=0) & (weights.sum(axis=0) < 1 + 1e-9)

@@ -24,7 +24,7 @@ CARRIER_UNITS = 128.0
 CARRIER_HULL = (0.50, 1.0)
 CARRIER_WINDOWS = (0.375, 0.50)
 CARRIER_TRENCH = (0.25, 0.375)
-CARRIER_DECK = (0.0, 0.005, 0.5, 0.245)    # 64 units of the flight deck, seamless in u
+CARRIER_DECK = (0.0, 0.005, 0.5, 0.245)    # one repeat of the flight deck, seamless in u
 CARRIER_GLOW = ((0.625, 0.125), 0.118)
 CARRIER_BAY = (0.755, 0.13, 0.995, 0.245)
 CARRIER_BRIGHT = (0.80, 0.09)
@@ -56,7 +56,7 @@ def fighter_texture(path):
     rng = np.random.default_rng(21042)
     canvas = np.ones((512, 512))
     hull = canvas[:384]
-    panels.Plating(rng, hull, tone=0.84, spread=0.105, smallest=15).cut(0, 0, 512, 384)
+    panels.Plating(rng, hull, tone=0.86, spread=0.10, smallest=15, section=150).cover()
     panels.scratches(rng, hull, 260)
     panels.wear(rng, hull, 0.035)
     stripes(hull[40:52, 330:420], 12, 0.45)
@@ -77,20 +77,24 @@ def fighter_texture(path):
 
 
 def deck_cell(rng, canvas):
-    """A stretch of flight deck: plating, side lines, centre dashes, lamps."""
+    """32 units of runway: dark plates, side lines, a dash and a chevron, lamps, tyre marks."""
     height, width = canvas.shape
-    panels.Plating(rng, canvas, tone=0.40, spread=0.035, smallest=22).cut(0, 0, width, height)
-    panels.wear(rng, canvas, 0.05)
-    middle = height // 2
-    for y in (int(height * 0.10), int(height * 0.88)):
-        canvas[y:y + 5, :] = 0.95
-    stripes(canvas[:int(height * 0.08), :], 32, 0.5)
-    stripes(canvas[int(height * 0.93):, :], 32, 0.5)
-    for x in range(0, width, 128):
-        canvas[middle - 4:middle + 4, x + 24:x + 88] = 0.98
-        for y in (int(height * 0.17), int(height * 0.82)):
-            canvas[y - 5:y + 6, x + 58:x + 69] *= 0.6
-            canvas[y - 3:y + 4, x + 60:x + 67] = 1.0
+    panels.Plating(rng, canvas, tone=0.29, spread=0.035, smallest=30, section=180).cover()
+    panels.wear(rng, canvas, 0.06)
+    y, x = np.mgrid[0:height, 0:width]
+    across = np.abs(y - height / 2) / height          # 0 on the centre line, 0.5 at the edge
+    for lane in (0.07, 0.16):                          # where wheels and exhausts blacken it
+        canvas *= 1 - 0.30 * np.exp(-((across - lane) / 0.030) ** 2)
+    chevron = (x + across * 420) % width
+    canvas[(chevron > 400) & (chevron < 424) & (across < 0.20) & (across > 0.05)] = 0.80
+    canvas[(across < 0.018) & (x > 60) & (x < 300)] = 0.95
+    canvas[(across > 0.395) & (across < 0.415)] = 0.95
+    canvas[(across > 0.44) & ((x + y) % 64 < 32)] *= 0.45
+    for column in range(32, width, 64):
+        for side in (0.33, 0.67):
+            row = int(height * side)
+            canvas[row - 5:row + 6, column - 8:column + 9] *= 0.5
+            canvas[row - 3:row + 4, column - 5:column + 6] = 1.0
 
 
 def bay_cell(rng, canvas):
@@ -106,14 +110,14 @@ def carrier_texture(path):
     rng = np.random.default_rng(42)
     canvas = np.ones((1024, 1024))
     hull = canvas[:512]
-    panels.Plating(rng, hull, tone=0.82, spread=0.10, smallest=16).cut(0, 0, 1024, 512)
+    panels.Plating(rng, hull, tone=0.76, spread=0.11, smallest=14, section=190).cover()
     panels.scratches(rng, hull, 700)
     panels.wear(rng, hull, 0.05)
     for y in (96, 230, 410):
         panels.windows(rng, hull[y:y + 14], 14, lit=1.0, dark=0.25)
 
     decks = canvas[512:640]
-    panels.Plating(rng, decks, tone=0.68, spread=0.05, smallest=26).cut(0, 0, 1024, 128)
+    panels.Plating(rng, decks, tone=0.56, spread=0.05, smallest=26, section=200).cover()
     panels.windows(rng, decks, 16, lit=1.0, dark=0.22)
     panels.machinery(rng, canvas[640:768])
 
