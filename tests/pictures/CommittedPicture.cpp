@@ -35,7 +35,8 @@ void save(const Picture& picture, const std::string& file)
 {
     const std::string raw = file + ".ppm";
     std::ofstream(raw, std::ios::binary) << picture.ppm();
-    support::outputOf({"convert", raw, "-strip", "-define", "png:compression-level=9", file});
+    support::outputOf({"convert", raw, "-strip", "-define", "png:compression-level=9", "-define",
+                       "png:exclude-chunks=date,time", file});
     std::remove(raw.c_str());
 }
 
