@@ -61,12 +61,7 @@ float speedOf(const Transform& ship)
     return std::max(ship.velocity[0].length(), ship.velocity[1].length());
 }
 
-struct TooLong
-{
-    double time;
-    float units;
-};
-using Excesses = std::array<std::vector<TooLong>, causeCount>;
+using Excesses = std::array<std::vector<float>, causeCount>;
 
 enum Measure
 {
@@ -82,7 +77,7 @@ void addExcesses(Excesses& excesses, const std::vector<Sample>& samples, double 
         if (before.time > from) {
             const double time = measure == asShown ? now.time - before.time : now.moved;
             const float way = std::max(before.speed, now.speed) * static_cast<float>(time);
-            excesses[now.cause].push_back({now.time, now.position.distance(before.position) - way});
+            excesses[now.cause].push_back(now.position.distance(before.position) - way);
         }
     }
 }
@@ -133,13 +128,13 @@ void finishFlightsBefore(double time)
     }
 }
 
-Excess summary(std::vector<TooLong> steps)
+Excess summary(std::vector<float> steps)
 {
     if (steps.empty()) {
         return {};
     }
-    std::sort(steps.begin(), steps.end(), [](TooLong a, TooLong b) { return a.units < b.units; });
-    return {steps.size(), steps.back().units, steps[(steps.size() - 1) * 99 / 100].units};
+    std::sort(steps.begin(), steps.end());
+    return {steps.size(), steps.back(), steps[(steps.size() - 1) * 99 / 100]};
 }
 
 }  // namespace
