@@ -8,6 +8,6 @@ namespace practice {
 /// who has just started there. `time` in seconds.
 Vector3 battleFront(Team carrier, float time);
 
-constexpr float frontRadius = 130.0F;  ///< units from its middle within which the fight stays
+constexpr float frontRadius = 65.0F;  ///< units from its middle within which the fight stays
 
 }  // namespace practice

@@ -48,22 +48,25 @@ CutResult cutClientFrame(const char* data, std::size_t size, ClientFrame& frame)
     return CutResult::frame;
 }
 
-std::optional<ShipInput> readSteering(const ClientFrame& frame)
+FrameMeaning readSteering(const ClientFrame& frame, ShipInput& input)
 {
+    if (frame.type != MessageTypes::CLIENT_UPDATE) {
+        return FrameMeaning::nothing;
+    }
     Vantor::ClientUpdate update;
     // A partial parse, because the full one complains on standard error about every missing field.
-    if (frame.type != MessageTypes::CLIENT_UPDATE ||
-        !update.ParsePartialFromArray(frame.body, static_cast<int>(frame.bodySize)) ||
+    if (!update.ParsePartialFromArray(frame.body, static_cast<int>(frame.bodySize)) ||
         !update.IsInitialized()) {
-        return std::nullopt;
+        return FrameMeaning::garbage;
     }
     const Vantor::Orientation& q = update.orientation();
-    ShipInput input{Quaternion(q.w(), q.x(), q.y(), q.z()), update.boosterson() & knownControls};
-    if (!isOrientation(input.orientation)) {
-        return std::nullopt;
+    Quaternion orientation(q.w(), q.x(), q.y(), q.z());
+    if (!isOrientation(orientation)) {
+        return FrameMeaning::nothing;
     }
-    input.orientation.normalise();
-    return input;
+    orientation.normalise();
+    input = {orientation, update.boosterson() & knownControls};
+    return FrameMeaning::steering;
 }
 
 }  // namespace practice

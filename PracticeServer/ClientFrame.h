@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 
 namespace practice {
@@ -37,13 +36,20 @@ enum class CutResult
 /// it can be found either.
 CutResult cutClientFrame(const char* data, std::size_t size, ClientFrame& frame);
 
-/// The steering in a frame; nothing unless it is a well-formed update whose orientation is finite and
-/// not zero. The orientation is normalised, unknown control bits are dropped.
-std::optional<ShipInput> readSteering(const ClientFrame& frame);
+enum class FrameMeaning
+{
+    steering,
+    nothing,  ///< another type, or an orientation that is infinite, zero or no number
+    garbage   ///< a body that does not parse
+};
+
+/// Reads the steering in a frame; `input` changes only for `steering`. The orientation is normalised, unknown
+/// control bits are dropped.
+FrameMeaning readSteering(const ClientFrame& frame, ShipInput& input);
 
 /// Cuts one client's TCP stream into frames, with bounded memory.
 ///
-/// A stream that breaks the framing cannot be followed any more: from then on it is only discarded.
+/// A stream that breaks the framing cannot be followed any more: from then on it is lost, and only discarded.
 class ClientStream
 {
 public:
@@ -69,6 +75,7 @@ public:
 
     /// Below `ClientFrame::largest` between two calls, whatever was fed.
     std::size_t pendingBytes() const { return pending.size(); }
+    bool isLost() const { return lost; }
 
 private:
     std::string pending;

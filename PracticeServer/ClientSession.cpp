@@ -1,5 +1,7 @@
 #include "PracticeServer/ClientSession.h"
 
+#include "instrumentation/Logger.h"
+
 #include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
 
@@ -13,6 +15,8 @@ ClientSession::ClientSession(boost::asio::ip::tcp::socket socket_, std::size_t q
     boost::system::error_code ignored;  // a peer that is gone already shows at the first receive
     remote = socket.remote_endpoint(ignored);
     socket.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
+    // Left alone, the system's own queue for a client that does not read would grow to megabytes.
+    socket.set_option(boost::asio::socket_base::send_buffer_size(static_cast<int>(queueLimit / 2)), ignored);
 }
 
 void ClientSession::start(Frame onFrame_, End onEnd_)
@@ -33,7 +37,11 @@ void ClientSession::send(const std::string& frame)
         return;
     }
     queued += frame;
-    if (inFlight.empty()) {
+}
+
+void ClientSession::flush()
+{
+    if (!ended && inFlight.empty() && !queued.empty()) {
         write();
     }
 }
@@ -64,7 +72,13 @@ void ClientSession::handleReceive(const boost::system::error_code& error, std::s
         end("");
         return;
     }
+    Logger::getInstance()->countPacket(Logger::TCP_RECEIVED, bytes);
+    receivedBytes += bytes;
     stream.feed(received.data(), bytes, onFrame);
+    if (stream.isLost()) {
+        end("sent bytes on TCP that are no message");
+        return;
+    }
     receive();
 }
 
@@ -73,11 +87,12 @@ void ClientSession::write()
     inFlight.swap(queued);
     boost::asio::async_write(
         socket, boost::asio::buffer(inFlight),
-        [self = shared_from_this()](const boost::system::error_code& error, std::size_t) {
+        [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) {
             self->inFlight.clear();
             // A failed write is left to the receive, which fails too.
-            if (!error && !self->ended && !self->queued.empty()) {
-                self->write();
+            if (!error) {
+                Logger::getInstance()->countPacket(Logger::TCP_SENT, bytes);
+                self->flush();
             }
         });
 }

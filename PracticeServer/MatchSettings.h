@@ -17,10 +17,10 @@ enum class Difficulty : std::uint8_t
 struct MatchSettings
 {
     std::uint32_t seed = 1;  ///< the same seed and the same players' input give the same match
-    Difficulty difficulty = Difficulty::normal;   ///< of the bots
-    General::Mode spawn = General::Mode::RANDOM;  ///< how the teams' starting points are laid out
-    int scoreLimit = 50;                          ///< team kills that end a match; 0: none
-    int timeLimit = 600;                          ///< seconds after which a match ends; 0: never
+    Difficulty difficulty = Difficulty::normal;  ///< of the bots
+    General::Mode spawn = General::Mode::FIXED;  ///< how the teams' starting points are laid out
+    int scoreLimit = 50;                         ///< team kills that end a match; 0: none
+    int timeLimit = 600;                         ///< seconds after which a match ends; 0: never
 };
 
 }  // namespace practice

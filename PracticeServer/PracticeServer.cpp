@@ -2,6 +2,7 @@
 
 #include "PracticeServer/ScoreTable.h"
 #include "PracticeServer/StateFrames.h"
+#include "instrumentation/Logger.h"
 
 #include <algorithm>
 #include <utility>
@@ -14,21 +15,22 @@ using boost::asio::ip::tcp;
 using boost::system::error_code;
 
 constexpr std::chrono::nanoseconds stepPeriod{1'000'000'000 / Match::stepsPerSecond};
-constexpr int mostStepsAtOnce = 6;  ///< 0.1 s; a server held up for longer lets the match lose that time
-constexpr unsigned stepsPerSnapshot = 3;   ///< 20 snapshots per second, exactly 50 ms of match time apart
-constexpr std::uint64_t silentSteps = 60;  ///< a pilot unheard for a second lets go of the controls
-constexpr std::chrono::milliseconds acceptRetry{
-    200};  ///< when no connection can be taken, as without descriptors
+constexpr int mostStepsAtOnce = 6;          ///< then the sockets get their turn
+constexpr unsigned stepsPerSnapshot = 3;    ///< 20 snapshots per second, exactly 50 ms of match time apart
+constexpr std::uint64_t silentSteps = 60;   ///< a pilot unheard for a second lets go of the controls
+constexpr unsigned mostAcceptsPerStep = 4;  ///< a full server is complete in a third of a second
+constexpr std::uint64_t acceptRetry = 12;  ///< steps; when no connection can be taken, as without descriptors
+constexpr std::uint64_t turnedAwayPause = 60;  ///< steps between two lines about it
 
 }  // namespace
 
 PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& config_)
     : config(config_),
-      ports(io, config_.port),
+      ports(io, config_.port, config_.bind),
       portNumber(ports.number()),
       stepTimer(io),
-      acceptPause(io),
-      match(MatchSettings{config_.seed}),
+      clock(stepPeriod),
+      match(config_.match),
       broadcast(match, [this](const std::string& frame) { sendToAll(frame); })
 {
     match.addObserver(&broadcast);
@@ -40,7 +42,7 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
 
 void PracticeServer::start()
 {
-    nextStep = std::chrono::steady_clock::now() + stepPeriod;
+    clock.start(std::chrono::steady_clock::now());
     accept();
     receive();
     scheduleSteps();
@@ -53,7 +55,6 @@ void PracticeServer::stop()
     ports.acceptor.close(ignored);
     ports.udp.close(ignored);
     stepTimer.cancel(ignored);
-    acceptPause.cancel(ignored);
     for (const Client& client : clients) {
         client.session->close();
     }
@@ -64,6 +65,7 @@ void PracticeServer::stop()
 
 void PracticeServer::accept()
 {
+    accepting = true;
     ports.acceptor.async_accept([this](const error_code& error, tcp::socket socket) {
         if (!stopped) {
             handleAccept(error, std::move(socket));
@@ -74,25 +76,44 @@ void PracticeServer::accept()
 void PracticeServer::handleAccept(const error_code& error, tcp::socket socket)
 {
     if (error) {
-        acceptPause.expires_after(acceptRetry);
-        acceptPause.async_wait([this](const error_code& cancelled) {
-            if (!stopped && !cancelled) {
-                accept();
-            }
-        });
+        accepting = false;
+        acceptAgainAt = match.stepCount() + acceptRetry;
         return;
     }
     if (clients.size() < config.mostClients) {
         welcome(std::move(socket));
     } else {
-        config.log("turned away a player: all " + std::to_string(config.mostClients) + " places are taken");
+        ++turnedAway;
     }
-    accept();
+    accepting = ++acceptedThisStep < mostAcceptsPerStep;
+    if (accepting) {
+        accept();
+    }
+}
+
+void PracticeServer::resumeAccepting()
+{
+    acceptedThisStep = 0;
+    if (!accepting && match.stepCount() >= acceptAgainAt) {
+        accept();
+    }
+}
+
+/// One line for many, so that nobody can flood the log.
+void PracticeServer::tellOfTurnedAway()
+{
+    if (turnedAway == 0 || match.stepCount() < turnedAwayToldAt + turnedAwayPause) {
+        return;
+    }
+    config.log("turned away " + std::to_string(turnedAway) + " connections: all " +
+               std::to_string(config.mostClients) + " places are taken");
+    turnedAway = 0;
+    turnedAwayToldAt = match.stepCount();
 }
 
 void PracticeServer::welcome(tcp::socket socket)
 {
-    auto session = std::make_shared<ClientSession>(std::move(socket));
+    auto session = std::make_shared<ClientSession>(std::move(socket), config.sendQueue);
     const ObjectId shipId = match.addHuman();  // tells the other clients
     const Ship& ship = *match.findShip(shipId);
     const std::uint16_t qport = freshQport();
@@ -100,9 +121,13 @@ void PracticeServer::welcome(tcp::socket socket)
     for (const std::string& frame : broadcast.introduction()) {
         session->send(frame);
     }
-    clients.push_back({session, shipId, ship.name, qport, match.stepCount(), std::nullopt});
+    session->flush();
+    const std::uint64_t now = match.stepCount();
+    clients.push_back(
+        {session, shipId, ship.name, qport, now, ClientConduct(config.conduct, now), std::nullopt});
     session->start(
         [this, shipId](const ClientFrame& frame) {
+            Logger::getInstance()->countMessage(Logger::TCP_RECEIVED);
             Client* client = findClient(shipId);
             if (client != nullptr && client->qport == frame.qport) {
                 handleFrame(*client, frame);
@@ -122,6 +147,23 @@ void PracticeServer::remove(ObjectId ship, const std::string& fault)
     config.log(fault.empty() ? "leave " + gone->name : "drop " + gone->name + ": " + fault);
     clients.erase(gone);
     match.removeShip(ship);
+}
+
+void PracticeServer::dropOffenders()
+{
+    const std::uint64_t now = match.stepCount();
+    std::vector<std::pair<ObjectId, std::string>> faults;
+    for (Client& client : clients) {
+        client.conduct.streamBytes(client.session->takeReceivedBytes(), now);
+        const std::string fault = client.conduct.fault(now);
+        if (!fault.empty()) {
+            client.session->close();
+            faults.emplace_back(client.ship, fault);
+        }
+    }
+    for (const auto& [ship, fault] : faults) {
+        remove(ship, fault);
+    }
 }
 
 /// Never 0, which a client sends before its welcome, and never one in use.
@@ -153,61 +195,84 @@ void PracticeServer::receive()
                                  });
 }
 
-/// A datagram counts only up to the first frame that is not from the client whose qport it carries.
+/// A datagram counts only up to the first frame that does not carry its sender's qport, and one from a
+/// stranger not at all, unless it is the first steering of a newcomer.
 void PracticeServer::handleDatagram(std::size_t bytes)
 {
-    std::size_t used = 0;
+    Logger::getInstance()->countPacket(Logger::UDP_RECEIVED, bytes);
+    Client* client = findClient([this](const Client& c) { return c.address == sender; });
+    if (client != nullptr) {
+        client->conduct.datagram(match.stepCount());
+    }
     ClientFrame frame;
-    while (cutClientFrame(datagram.data() + used, bytes - used, frame) == CutResult::frame) {
-        Client* client = findSender(frame);
-        if (client == nullptr) {
+    for (std::size_t used = 0; used < bytes; used += frame.size()) {
+        if (cutClientFrame(datagram.data() + used, bytes - used, frame) != CutResult::frame) {
+            if (client != nullptr && client->address) {
+                client->conduct.garbage(match.stepCount());
+            }
             return;
         }
-        if (handleFrame(*client, frame)) {
-            client->address = sender;
+        client = client == nullptr ? findNewcomer(frame.qport) : client;
+        if (client == nullptr || !handleDatagramFrame(*client, frame)) {
+            return;
         }
-        used += frame.size();
     }
 }
 
-/// The client with the frame's qport, if the datagram can be its own: the address it has used so far, or
-/// before its first datagram the host it is connected from.
-PracticeServer::Client* PracticeServer::findSender(const ClientFrame& frame)
+/// False where the rest of the datagram is not to be read.
+bool PracticeServer::handleDatagramFrame(Client& client, const ClientFrame& frame)
 {
-    const auto found =
-        std::find_if(clients.begin(), clients.end(), [&](const Client& c) { return c.qport == frame.qport; });
-    if (found == clients.end()) {
-        return nullptr;
+    if (frame.qport != client.qport) {
+        return false;
     }
-    const bool own =
-        found->address ? *found->address == sender : found->session->peer().address() == sender.address();
-    return own ? &*found : nullptr;
+    Logger::getInstance()->countMessage(Logger::UDP_RECEIVED);
+    const FrameMeaning meaning = handleFrame(client, frame);
+    if (meaning == FrameMeaning::steering) {
+        client.address = sender;
+        client.conduct.steeredByDatagram(match.stepCount());
+    } else if (meaning == FrameMeaning::garbage && client.address) {
+        client.conduct.garbage(match.stepCount());
+    }
+    return true;
+}
+
+template <typename Condition>
+PracticeServer::Client* PracticeServer::findClient(Condition condition)
+{
+    const auto found = std::find_if(clients.begin(), clients.end(), condition);
+    return found == clients.end() ? nullptr : &*found;
 }
 
 PracticeServer::Client* PracticeServer::findClient(ObjectId ship)
 {
-    const auto found =
-        std::find_if(clients.begin(), clients.end(), [ship](const Client& c) { return c.ship == ship; });
-    return found == clients.end() ? nullptr : &*found;
+    return findClient([ship](const Client& c) { return c.ship == ship; });
 }
 
-/// False, and nothing has changed, unless the frame holds valid steering.
-bool PracticeServer::handleFrame(Client& client, const ClientFrame& frame)
+/// The client of that qport, if it has no address yet and the datagram comes from the host it is connected
+/// from.
+PracticeServer::Client* PracticeServer::findNewcomer(std::uint16_t qport)
 {
-    const std::optional<ShipInput> input = readSteering(frame);
-    if (!input) {
-        return false;
+    return findClient([this, qport](const Client& c) {
+        return c.qport == qport && !c.address && c.session->peer().address() == sender.address();
+    });
+}
+
+FrameMeaning PracticeServer::handleFrame(Client& client, const ClientFrame& frame)
+{
+    ShipInput input;
+    const FrameMeaning meaning = readSteering(frame, input);
+    if (meaning == FrameMeaning::steering) {
+        match.setInput(client.ship, input);
+        client.heardAt = match.stepCount();
     }
-    match.setInput(client.ship, *input);
-    client.heardAt = match.stepCount();
-    return true;
+    return meaning;
 }
 
 // The clock of the match.
 
 void PracticeServer::scheduleSteps()
 {
-    stepTimer.expires_at(nextStep);
+    stepTimer.expires_at(clock.nextStep());
     stepTimer.async_wait([this](const error_code& cancelled) {
         if (!stopped && !cancelled) {
             runDueSteps();
@@ -218,13 +283,8 @@ void PracticeServer::scheduleSteps()
 
 void PracticeServer::runDueSteps()
 {
-    const auto now = std::chrono::steady_clock::now();
-    for (int i = 0; i < mostStepsAtOnce && nextStep <= now; ++i) {
+    for (int i = 0; i < mostStepsAtOnce && clock.takeStep(std::chrono::steady_clock::now()); ++i) {
         step();
-        nextStep += stepPeriod;
-    }
-    if (nextStep <= now) {
-        nextStep = now + stepPeriod;
     }
 }
 
@@ -233,14 +293,23 @@ void PracticeServer::step()
     match.step();
     SceneMirror::apply();
     broadcast.afterStep();
+    tellResult();
+    dropOffenders();
+    releaseSilentPilots();
+    if (match.stepCount() % stepsPerSnapshot == 0) {
+        sendSnapshot();
+    }
+    flushAll();
+    resumeAccepting();
+    tellOfTurnedAway();
+}
+
+void PracticeServer::tellResult()
+{
     if (const auto result = match.takeResult()) {
         for (const std::string& line : scoreTable(*result)) {
             config.log(line);
         }
-    }
-    releaseSilentPilots();
-    if (match.stepCount() % stepsPerSnapshot == 0) {
-        sendSnapshot();
     }
 }
 
@@ -259,8 +328,12 @@ void PracticeServer::sendSnapshot()
     for (const std::string& packed : broadcast.takeSnapshot()) {
         for (const Client& client : clients) {
             if (client.address) {
-                error_code ignored;
-                ports.udp.send_to(boost::asio::buffer(packed), *client.address, 0, ignored);
+                error_code error;
+                const std::size_t sent =
+                    ports.udp.send_to(boost::asio::buffer(packed), *client.address, 0, error);
+                if (!error) {
+                    Logger::getInstance()->countPacket(Logger::UDP_SENT, sent);
+                }
             }
         }
     }
@@ -270,6 +343,13 @@ void PracticeServer::sendToAll(const std::string& frame)
 {
     for (const Client& client : clients) {
         client.session->send(frame);
+    }
+}
+
+void PracticeServer::flushAll()
+{
+    for (const Client& client : clients) {
+        client.session->flush();
     }
 }
 

@@ -1,16 +1,17 @@
 #pragma once
 
+#include "Common/PortPair.h"
+#include "PracticeServer/ClientConduct.h"
 #include "PracticeServer/ClientSession.h"
 #include "PracticeServer/Match.h"
 #include "PracticeServer/MatchBroadcast.h"
 #include "PracticeServer/SceneMirror.h"
-#include "PracticeServer/ServerPorts.h"
+#include "PracticeServer/StepClock.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
 
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -22,18 +23,22 @@ namespace practice {
 
 struct ServerConfig
 {
+    boost::asio::ip::address_v4 bind{boost::asio::ip::address_v4::bytes_type{{127, 0, 0, 1}}};
     std::uint16_t port = 21042;  ///< 0: any free port
-    unsigned bots = 8;
-    std::uint32_t seed = 1;  ///< of the match; qports are random in any case
-    std::size_t mostClients = 32;
+    unsigned bots = 16;
+    MatchSettings match;  ///< its seed is not that of the qports: they are random in any case
+    std::size_t mostClients = 64;
+    ConductLimits conduct;
+    std::size_t sendQueue = ClientSession::defaultQueueLimit;  ///< bytes that may wait for one client
     std::function<void(const std::string& line)> log = [](const std::string&) {};
 };
 
-/// A server on 127.0.0.1 that hosts one match.
+/// A server that hosts one match.
 ///
 /// Single-threaded: lives on the thread that runs the io_context, which must not run any more once the server
 /// is destroyed. Nothing a client sends is trusted, and no client can stall or grow the server: what is
-/// received is bounded, and a client that does not read is cut off.
+/// received is bounded, a client that misbehaves is dropped with one line that says why, and however fast
+/// strangers connect, few are let in at a step. All timers are the match's steps.
 class PracticeServer
 {
 public:
@@ -44,6 +49,8 @@ public:
     ~PracticeServer() { stop(); }
 
     std::uint16_t port() const { return portNumber; }
+    /// How well the steps kept their time.
+    std::string timing() const { return clock.report(); }
 
     /// Starts the match's clock and lets clients in.
     void start();
@@ -57,17 +64,17 @@ private:
         ObjectId ship;
         std::string name;
         std::uint16_t qport;
-        std::uint64_t heardAt;                                  ///< step of the last valid update
-        std::optional<boost::asio::ip::udp::endpoint> address;  ///< unknown until its first datagram
+        std::uint64_t heardAt;  ///< step of the last steering
+        ClientConduct conduct;
+        std::optional<boost::asio::ip::udp::endpoint> address;  ///< unknown until it steers over UDP
     };
 
     ServerConfig config;
     bool stopped = false;
-    ServerPorts ports;
+    PortPair ports;
     std::uint16_t portNumber;
     boost::asio::steady_timer stepTimer;
-    boost::asio::steady_timer acceptPause;
-    std::chrono::steady_clock::time_point nextStep;
+    StepClock clock;
     Match match;
     MatchBroadcast broadcast;
     SceneMirror mirror;
@@ -75,25 +82,38 @@ private:
     std::random_device qportSource;
     std::array<char, 2048> datagram{};
     boost::asio::ip::udp::endpoint sender;
+    bool accepting = false;
+    unsigned acceptedThisStep = 0;
+    std::uint64_t acceptAgainAt = 0;  ///< step
+    std::uint64_t turnedAway = 0;     ///< connections that the log has not told of
+    std::uint64_t turnedAwayToldAt = 0;
 
     void accept();
     void handleAccept(const boost::system::error_code& error, boost::asio::ip::tcp::socket socket);
     void welcome(boost::asio::ip::tcp::socket socket);
+    void resumeAccepting();
+    void tellOfTurnedAway();
     void remove(ObjectId ship, const std::string& fault);
+    void dropOffenders();
     std::uint16_t freshQport();
 
     void receive();
     void handleDatagram(std::size_t bytes);
-    bool handleFrame(Client& client, const ClientFrame& frame);
+    bool handleDatagramFrame(Client& client, const ClientFrame& frame);
+    FrameMeaning handleFrame(Client& client, const ClientFrame& frame);
+    template <typename Condition>
+    Client* findClient(Condition condition);
     Client* findClient(ObjectId ship);
-    Client* findSender(const ClientFrame& frame);
+    Client* findNewcomer(std::uint16_t qport);
 
     void scheduleSteps();
     void runDueSteps();
     void step();
+    void tellResult();
     void releaseSilentPilots();
     void sendSnapshot();
     void sendToAll(const std::string& frame);
+    void flushAll();
 };
 
 }  // namespace practice

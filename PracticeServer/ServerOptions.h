@@ -1,5 +1,10 @@
 #pragma once
 
+#include "Common/CommandLine.h"
+#include "PracticeServer/MatchSettings.h"
+
+#include <boost/asio/ip/address_v4.hpp>
+
 #include <cstdint>
 #include <string>
 #include <variant>
@@ -8,19 +13,14 @@ namespace practice {
 
 struct ServerOptions
 {
-    std::uint16_t port = 21042;
-    unsigned bots = 8;
-    std::uint32_t seed = 1;
-};
-
-/// Why there are no options: a text to show and the status to end with.
-struct OptionsEnd
-{
-    std::string text;
-    int status;  ///< 0 for help, 2 for a bad command line
+    boost::asio::ip::address_v4 bind;
+    std::uint16_t port = 0;
+    unsigned bots = 0;
+    MatchSettings match;
+    std::string measurements;  ///< the file to append to; empty: none
 };
 
 /// Reads the command line of the server; takes nothing for granted.
-std::variant<ServerOptions, OptionsEnd> readServerOptions(int argc, const char* const* argv);
+std::variant<ServerOptions, commandline::End> readServerOptions(int argc, const char* const* argv);
 
 }  // namespace practice

@@ -1,7 +1,6 @@
 #include "PracticeServer/StartPoints.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 
 namespace practice {
@@ -35,18 +34,12 @@ Vector3 StartPoints::next(Team team, Random& random)
 
 Vector3 clearPlace(const Vector3& wanted, const std::vector<Ship>& ships)
 {
-    // Sideways and upwards, ring after ring; a carrier may be right below.
-    static const std::array<Vector3, 5> directions = {Vector3(1, 0, 0), Vector3(-1, 0, 0), Vector3(0, 1, 0),
-                                                      Vector3(0.7F, 0.7F, 0), Vector3(-0.7F, 0.7F, 0)};
-    if (isClear(wanted, ships)) {
-        return wanted;
-    }
-    for (int ring = 1;; ++ring) {
-        for (const Vector3& direction : directions) {
-            const Vector3 place = wanted + direction * (room * static_cast<float>(ring));
-            if (isClear(place, ships)) {
-                return place;
-            }
+    constexpr int rowLength = 8;  // places along the runway, that is along +z, until it ends
+    for (int i = 0;; ++i) {
+        const Vector3 place = wanted + Vector3(0, static_cast<float>(i / rowLength) * room,
+                                               static_cast<float>(i % rowLength) * room);
+        if (isClear(place, ships)) {
+            return place;
         }
     }
 }

@@ -24,7 +24,8 @@ private:
     std::int32_t redSlot = 1;
 };
 
-/// The given starting point, or the nearest place beside it that is clear of all living ships.
+/// The given starting point, or the next place ahead of it that is clear of all living ships; where a whole
+/// row is taken, above it.
 Vector3 clearPlace(const Vector3& wanted, const std::vector<Ship>& ships);
 
 }  // namespace practice

@@ -1,42 +1,44 @@
+#include "Common/StatusLine.h"
+#include "PracticeServer/MeasurementLog.h"
 #include "PracticeServer/PracticeServer.h"
 #include "PracticeServer/ServerOptions.h"
 
 #include <boost/asio/signal_set.hpp>
 
-#include <poll.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <optional>
+#include <string>
 
 namespace {
-
-/// Writes one line, unless that would block: whoever started us may have stopped reading, and players could
-/// stall the match by making us write.
-void writeLine(const std::string& line)
-{
-    pollfd output{STDOUT_FILENO, POLLOUT, 0};
-    if (poll(&output, 1, 0) == 1) {
-        std::cout << line << std::endl;
-    }
-}
 
 int serve(const practice::ServerOptions& options)
 {
     practice::ServerConfig config;
+    config.bind = options.bind;
     config.port = options.port;
     config.bots = options.bots;
-    config.seed = options.seed;
-    config.log = writeLine;
+    config.match = options.match;
+    config.log = writeStatusLine;
 
     boost::asio::io_context io(1);
     practice::PracticeServer server(io, config);
+    std::optional<practice::MeasurementLog> measurements;
+    if (!options.measurements.empty()) {
+        measurements.emplace(io, options.measurements, writeStatusLine);
+    }
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
-    signals.async_wait([&server](const boost::system::error_code&, int) { server.stop(); });
+    signals.async_wait([&](const boost::system::error_code&, int) {
+        server.stop();
+        if (measurements) {
+            measurements->stop();
+        }
+    });
     server.start();
-    writeLine("ready 127.0.0.1:" + std::to_string(server.port()));
+    writeStatusLine("ready " + options.bind.to_string() + ":" + std::to_string(server.port()));
     io.run();
+    writeStatusLine(server.timing());
     return 0;
 }
 
@@ -47,7 +49,7 @@ int main(int argc, char** argv)
     std::signal(SIGPIPE, SIG_IGN);  // nor may a reader that is gone end the match
     try {
         const auto parsed = practice::readServerOptions(argc, argv);
-        if (const auto* end = std::get_if<practice::OptionsEnd>(&parsed)) {
+        if (const auto* end = std::get_if<commandline::End>(&parsed)) {
             (end->status == 0 ? std::cout : std::cerr) << end->text;
             return end->status;
         }

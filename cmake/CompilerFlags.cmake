@@ -12,7 +12,7 @@ function(vantor_flags target)
     -Wconversion          # narrowing must be written down ...
     -Wsign-conversion     # ... and so must a change of sign
     -Wdouble-promotion    # single precision is part of the contract of the math
-    -Wold-style-cast
+    $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>
     -Wformat=2            # every diagnostic is printf-style
     -Wimplicit-fallthrough)
   if(PROJECT_IS_TOP_LEVEL)

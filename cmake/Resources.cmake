@@ -1,15 +1,19 @@
-# The client looks for its files in Contents/Resources beside the executable: our art, and the display's font under
-# the name that the client asks for. Arial may not be shipped; Liberation Sans has its metrics.
+# The client looks for its files in Contents/Resources beside the executable, or of its bundle: our art, and the
+# display's font under the name that the client asks for. Arial may not be shipped; Liberation Sans has its metrics.
 find_file(VANTOR_FONT LiberationSans-Regular.ttf
-  PATHS /usr/share/fonts PATH_SUFFIXES truetype/liberation2 truetype/liberation liberation-sans-fonts
+  PATHS /usr/share/fonts /Library/Fonts $ENV{HOME}/Library/Fonts
+  PATH_SUFFIXES truetype/liberation2 truetype/liberation liberation-sans-fonts
   DOC "the font of the display's texts")
 if(NOT VANTOR_FONT)
-  message(FATAL_ERROR "no LiberationSans-Regular.ttf: install fonts-liberation2")
+  message(FATAL_ERROR "no LiberationSans-Regular.ttf: install fonts-liberation2${VANTOR_PACKAGES}")
 endif()
 
 file(GLOB art CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/Resources/*.png ${PROJECT_SOURCE_DIR}/Resources/*.obj)
-set(resource_folder ${CMAKE_CURRENT_BINARY_DIR}/Contents/Resources)
+if(NOT VANTOR_CONTENTS)
+  set(VANTOR_CONTENTS ${CMAKE_CURRENT_BINARY_DIR}/Contents)
+endif()
+set(resource_folder ${VANTOR_CONTENTS}/Resources)
 set(resource_stamp ${CMAKE_CURRENT_BINARY_DIR}/resources.stamp)
 add_custom_command(
   OUTPUT ${resource_stamp}

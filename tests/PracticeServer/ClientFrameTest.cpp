@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
 
 using namespace practice;
 
@@ -14,7 +15,9 @@ std::optional<ShipInput> readBack(const std::string& bytes)
 {
     ClientFrame frame;
     const bool isWhole = cutClientFrame(bytes.data(), bytes.size(), frame) == CutResult::frame;
-    return isWhole ? readSteering(frame) : std::nullopt;
+    ShipInput input;
+    const bool steers = isWhole && readSteering(frame, input) == FrameMeaning::steering;
+    return steers ? std::optional(input) : std::nullopt;
 }
 
 }  // namespace
@@ -58,8 +61,10 @@ TEST(ClientStream, GarbageYieldsNothingAndTakesNoMemory)
         ClientStream stream;
         const std::string garbage(5000, filler);
         for (int i = 0; i < 100; ++i) {
-            stream.feed(garbage.data(), garbage.size(),
-                        [](const ClientFrame& frame) { EXPECT_FALSE(readSteering(frame)); });
+            stream.feed(garbage.data(), garbage.size(), [](const ClientFrame& frame) {
+                ShipInput input;
+                EXPECT_NE(readSteering(frame, input), FrameMeaning::steering);
+            });
             EXPECT_LT(stream.pendingBytes(), ClientFrame::largest);
         }
     }

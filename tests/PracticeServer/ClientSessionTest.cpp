@@ -21,6 +21,7 @@ TEST(Session, APeerThatDoesNotReadIsCutOffOnceWithAReasonButNeverFromWithinSend)
     const std::string frame(1000, 'x');
     for (int sent = 0; ends.empty() && sent < 50'000; ++sent) {
         session->send(frame);
+        session->flush();
         ASSERT_TRUE(ends.empty());
         io.restart();
         io.poll();

@@ -307,7 +307,7 @@ TEST(StartPoints, EveryModeLaysOutItsOwnWayAndShipsNeverOverlap)
         float sideways;  ///< |x| of a team's own side; 0: both teams share the field
         float spread;    ///< units that ships may be away from their team's point
     } cases[] = {
-        {General::FIXED, 500.0F, 60.0F}, {General::RANDOM, 500.0F, 110.0F}, {General::GRID, 0.0F, 400.0F}};
+        {General::FIXED, 500.0F, 105.0F}, {General::RANDOM, 500.0F, 175.0F}, {General::GRID, 0.0F, 400.0F}};
     for (const auto& c : cases) {
         MatchSettings settings;
         settings.spawn = c.mode;
@@ -336,6 +336,7 @@ TEST(StartPoints, AreTheSameForTheSameSeedWhateverElseDrawsFromTheCLibrary)
     const auto firstPosition = [](std::uint32_t seed) {
         std::rand();
         MatchSettings settings;
+        settings.spawn = General::RANDOM;
         settings.seed = seed;
         Match match(settings);
         return match.findShip(match.addHuman())->position;

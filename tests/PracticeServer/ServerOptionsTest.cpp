@@ -6,23 +6,64 @@
 
 using namespace practice;
 
-TEST(ServerCommandLine, GivesItsValuesOrEndsWithAStatusAndAText)
+namespace {
+
+std::variant<ServerOptions, commandline::End> read(std::vector<const char*> arguments)
 {
-    const auto read = [](std::vector<const char*> arguments) {
-        arguments.insert(arguments.begin(), "vantor-server");
-        return readServerOptions(static_cast<int>(arguments.size()), arguments.data());
-    };
-    const auto given = std::get<ServerOptions>(read({"--port=0", "--bots", "64", "--seed", "4294967295"}));
+    arguments.insert(arguments.begin(), "vantor-server");
+    return readServerOptions(static_cast<int>(arguments.size()), arguments.data());
+}
+
+}  // namespace
+
+TEST(ServerCommandLine, GivesItsValues)
+{
+    const auto standard = std::get<ServerOptions>(read({}));
+    EXPECT_TRUE(standard.bind.is_loopback());
+    EXPECT_EQ(standard.port, 21042);
+    EXPECT_EQ(standard.match.difficulty, MatchSettings().difficulty);
+    EXPECT_EQ(standard.match.spawn, MatchSettings().spawn);
+    EXPECT_EQ(standard.match.scoreLimit, MatchSettings().scoreLimit);
+    EXPECT_EQ(standard.match.timeLimit, MatchSettings().timeLimit);
+    const auto given = std::get<ServerOptions>(
+        read({"--port=0", "--bind", "0.0.0.0", "--bots", "64", "--difficulty", "hard", "--seed", "4294967295",
+              "--spawn", "grid", "--score-limit", "0", "--time-limit", "86400", "--log", "m.csv"}));
     EXPECT_EQ(given.port, 0);
+    EXPECT_TRUE(given.bind.is_unspecified());
     EXPECT_EQ(given.bots, 64U);
-    EXPECT_EQ(given.seed, 4294967295U);
-    EXPECT_EQ(std::get<OptionsEnd>(read({"--help"})).status, 0);
-    const std::vector<const char*> bad[] = {
-        {"--port", "65536"}, {"--port", "-1"}, {"--port", "12x"}, {"--bots", "65"},
-        {"--seed"},          {"--po", "1"},    {"stray"}};
+    EXPECT_EQ(given.match.difficulty, Difficulty::hard);
+    EXPECT_EQ(given.match.seed, 4294967295U);
+    EXPECT_EQ(given.match.spawn, General::GRID);
+    EXPECT_EQ(given.match.scoreLimit, 0);
+    EXPECT_EQ(given.match.timeLimit, 86400);
+    EXPECT_EQ(given.measurements, "m.csv");
+}
+
+TEST(ServerCommandLine, EndsWithOneLineAndAStatusOrWithHelp)
+{
+    EXPECT_EQ(std::get<commandline::End>(read({"--help"})).status, 0);
+    EXPECT_EQ(std::get<commandline::End>(read({"--version"})).status, 0);
+    const std::vector<const char*> bad[] = {{"--port", "65536"},
+                                            {"--port", "-1"},
+                                            {"--port", "12x"},
+                                            {"--bots", "65"},
+                                            {"--seed"},
+                                            {"--po", "1"},
+                                            {"stray"},
+                                            {"--bind", "localhost"},
+                                            {"--bind", "::1"},
+                                            {"--bind", "1.2.3"},
+                                            {"--difficulty", "easyy"},
+                                            {"--spawn", "0"},
+                                            {"--score-limit", "1e3"},
+                                            {"--time-limit", "86401"},
+                                            {"--log", ""},
+                                            {"--bots", "a\nb"}};
     for (const auto& arguments : bad) {
-        const auto end = std::get<OptionsEnd>(read(arguments));
+        const auto end = std::get<commandline::End>(read(arguments));
         EXPECT_EQ(end.status, 2) << arguments.back();
         EXPECT_EQ(end.text.find('\n'), end.text.size() - 1) << end.text;
     }
+    EXPECT_NE(std::get<commandline::End>(read({"--spawn", "x"})).text.find("random, grid, fixed"),
+              std::string::npos);
 }

@@ -74,6 +74,9 @@ void TestClient::poll()
         heard.take(frames);
         EXPECT_EQ(frames, "") << "half a frame at a datagram's end";
     }
+    if (!reads) {
+        return;
+    }
     tcp.non_blocking(true, error);
     while (!error) {
         stream.append(buffer.data(), tcp.read_some(boost::asio::buffer(buffer), error));
@@ -83,6 +86,12 @@ void TestClient::poll()
     heard.take(stream);
 }
 
+void TestClient::stopReading()
+{
+    reads = false;
+    tcp.set_option(boost::asio::socket_base::receive_buffer_size(1));
+}
+
 void TestClient::sendDatagram(const std::string& bytes)
 {
     udp.send_to(boost::asio::buffer(bytes), server);
@@ -90,6 +99,7 @@ void TestClient::sendDatagram(const std::string& bytes)
 
 void TestClient::sendStream(const std::string& bytes)
 {
-    tcp.non_blocking(false);
-    boost::asio::write(tcp, boost::asio::buffer(bytes));
+    boost::system::error_code error;  // the server may have hung up
+    tcp.non_blocking(false, error);
+    boost::asio::write(tcp, boost::asio::buffer(bytes), error);
 }

@@ -42,6 +42,8 @@ public:
     void sendDatagram(const std::string& bytes);
     void sendStream(const std::string& bytes);
     void hangUp() { tcp.close(); }
+    /// From now on the stream is not read, and as little as possible is kept of it.
+    void stopReading();
 
     std::uint64_t id() const { return heard.welcome.id(); }
     std::uint16_t qport() const { return static_cast<std::uint16_t>(heard.welcome.qport()); }
@@ -50,6 +52,7 @@ public:
     Heard heard;
     std::vector<std::string> datagrams;
     bool serverHungUp = false;
+    bool reads = true;
 
 private:
     boost::asio::io_context io;

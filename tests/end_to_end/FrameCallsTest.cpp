@@ -136,11 +136,12 @@ std::string plain(const std::string& recorded)
     return out.str() + rest;
 }
 
-// GL calls as the client made them, and buffer swaps.
+// GL calls as the client made them, and buffer swaps; without questions, which change nothing and which SDL
+// may ask too.
 Calls recordedCalls(const std::string& file)
 {
     std::istringstream dump(support::outputOf({"apitrace", "dump", "--color=never", file}));
-    const std::regex wanted(R"(^\d+ gl(XSwap|[^X]).*\)$)");
+    const std::regex wanted(R"(^\d+ gl(XSwap|(?!X|Get).).*\)$)");
     Calls calls;
     for (std::string line; std::getline(dump, line);) {
         if (std::regex_search(line, wanted)) {
@@ -183,7 +184,10 @@ TEST(FrameCalls, StartUpAndAFrameMakeExactlyTheseCallsInThisOrder)
 {
     std::string folder = std::filesystem::temp_directory_path() / "vantor-trace-XXXXXX";
     ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    GameSession game({}, {"apitrace", "trace", "-o", folder + "/client.trace"});
+    // SDL 1.2 on top of SDL 2 would add calls of its own, to scale the picture; the classic library has no
+    // such variable.
+    GameSession game(
+        {}, {"env", "SDL12COMPAT_OPENGL_SCALING=0", "apitrace", "trace", "-o", folder + "/client.trace"});
     playTheScene(game);
     const Calls calls = recordedCalls(folder + "/client.trace");
     std::filesystem::remove_all(folder);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PracticeServer/ServerPorts.h"
+#include "Common/PortPair.h"
 #include "tests/support/Messages.h"
 #include "tests/support/Waiting.h"
 
@@ -56,7 +56,7 @@ private:
     void receive();
 
     boost::asio::io_context io;
-    practice::ServerPorts ports{io, 0};
+    PortPair ports{io, 0};
     boost::asio::ip::tcp::socket tcp{io};
     boost::asio::ip::udp::endpoint client;  ///< port 0 until the first datagram
     Clock::time_point nextBeat;

@@ -1,0 +1,94 @@
+#include "Common/CommandLine.h"
+
+#include <boost/program_options/parsers.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <sstream>
+#include <stdexcept>
+
+namespace commandline {
+
+namespace po = boost::program_options;
+
+namespace {
+
+template <class Number, class... Format>
+bool convert(const std::string& text, Number& value, Format... format)
+{
+    const char* const last = text.data() + text.size();
+    const auto [end, error] = std::from_chars(text.data(), last, value, format...);
+    return error == std::errc() && end == last;
+}
+
+template <class Number>
+std::invalid_argument complaint(const std::string& option, const char* kind, Number largest,
+                                const std::string& text)
+{
+    std::ostringstream message;
+    message << "--" << option << " wants a " << kind << " from 0 to " << largest << ", not '" << text << "'";
+    return std::invalid_argument(message.str());
+}
+
+}  // namespace
+
+void addInformation(po::options_description& options)
+{
+    options.add_options()("help", "show this text")("version", "show the version");
+}
+
+std::optional<End> information(const std::string& program, const po::options_description& options,
+                               const po::variables_map& values)
+{
+    std::ostringstream text;
+    if (values.count("help") != 0) {
+        text << options;
+        return End{text.str(), 0};
+    }
+    if (values.count("version") != 0) {
+        return End{program + " " VANTOR_VERSION "\n", 0};
+    }
+    return std::nullopt;
+}
+
+End refusal(const std::string& program, const std::exception& error)
+{
+    std::string text = error.what();
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
+    return {program + ": " + text + "; see --help\n", 2};
+}
+
+po::variables_map parse(int argc, const char* const* argv, const po::options_description& options)
+{
+    const int style = po::command_line_style::default_style & ~po::command_line_style::allow_guessing;
+    po::variables_map values;
+    po::store(po::command_line_parser(argc, argv)
+                  .options(options)
+                  .positional(po::positional_options_description())
+                  .style(style)
+                  .run(),
+              values);
+    return values;
+}
+
+std::uint32_t wholeNumber(const std::string& option, const std::string& text, std::uint32_t largest)
+{
+    std::uint32_t value = 0;
+    if (!convert(text, value) || value > largest) {
+        throw complaint(option, "whole number", largest, text);
+    }
+    return value;
+}
+
+double decimal(const std::string& option, const std::string& text, double largest)
+{
+    double value = 0;
+    const bool isNumber = convert(text, value, std::chars_format::fixed);
+    if (!isNumber || !(value >= 0 && value <= largest)) {  // NaN is neither
+        throw complaint(option, "number", largest, text);
+    }
+    return value;
+}
+
+}  // namespace commandline

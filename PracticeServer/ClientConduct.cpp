@@ -1,0 +1,81 @@
+#include "PracticeServer/ClientConduct.h"
+
+#include "PracticeServer/Match.h"
+
+#include <algorithm>
+
+namespace practice {
+
+namespace {
+
+constexpr std::uint64_t stepsPerSecond = Match::stepsPerSecond;
+
+}  // namespace
+
+RateLimit::RateLimit(std::uint32_t perSecond_, std::uint32_t burst, std::uint64_t step)
+    : perSecond(perSecond_), most(burst * stepsPerSecond), left(most), filledAt(step)
+{
+}
+
+bool RateLimit::spend(std::uint64_t units, std::uint64_t step)
+{
+    left = std::min(most, left + (step - filledAt) * perSecond);
+    filledAt = step;
+    const std::uint64_t price = units * stepsPerSecond;
+    const bool allowed = price <= left;
+    left = allowed ? left - price : 0;
+    return allowed;
+}
+
+ClientConduct::ClientConduct(const ConductLimits& limits_, std::uint64_t step)
+    : limits(limits_),
+      heardAt(step),
+      datagramRate(limits.datagrams, limits.datagramBurst, step),
+      streamRate(limits.streamBytes, limits.streamBurst, step),
+      garbageRate(1, limits.garbageBurst, step)
+{
+}
+
+void ClientConduct::datagram(std::uint64_t step)
+{
+    heardAt = step;
+    note(datagramRate.spend(1, step), std::to_string(limits.datagrams) + " datagrams a second");
+}
+
+void ClientConduct::steeredByDatagram(std::uint64_t step)
+{
+    heardAt = step;
+    hasSteered = true;
+}
+
+void ClientConduct::garbage(std::uint64_t step)
+{
+    note(garbageRate.spend(1, step), std::to_string(limits.garbageBurst) + " messages without sense");
+}
+
+void ClientConduct::streamBytes(std::uint64_t bytes, std::uint64_t step)
+{
+    note(streamRate.spend(bytes, step), std::to_string(limits.streamBytes) + " bytes a second on TCP");
+}
+
+void ClientConduct::note(bool allowed, const std::string& what)
+{
+    if (!allowed && excess.empty()) {
+        excess = "sent more than " + what;
+    }
+}
+
+std::string ClientConduct::fault(std::uint64_t step) const
+{
+    if (!excess.empty()) {
+        return excess;
+    }
+    const unsigned patience = hasSteered ? limits.silence : limits.firstSteering;
+    if (step - heardAt <= patience * stepsPerSecond) {
+        return {};
+    }
+    return hasSteered ? "sent no datagram for " + std::to_string(patience) + " s"
+                      : "sent no steering over UDP within " + std::to_string(patience) + " s";
+}
+
+}  // namespace practice

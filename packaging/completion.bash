@@ -1,0 +1,30 @@
+# bash completion for vantor, vantor-practice, vantor-relay and vantor-server. The programs' own --help says which
+# options there are.
+
+_vantor_options() {
+    "$1" --help 2>/dev/null | grep -oE '^  --[a-z][a-z-]*' || true
+}
+
+_vantor() {
+    local program=$1 word=$2 previous=$3 words=
+    case $previous in
+        --log | --record | --replay)
+            compopt -o filenames 2>/dev/null
+            mapfile -t COMPREPLY < <(compgen -f -- "$word")
+            return ;;
+        --difficulty) words='easy normal hard' ;;
+        --spawn) words='fixed random grid' ;;
+        --network) words='good dsl mobile awful' ;;
+        --host | --bind) mapfile -t COMPREPLY < <(compgen -A hostname -- "$word"); return ;;
+        --help | --version) ;;
+        --*) return ;;  # a number
+    esac
+    if [ -z "$words" ]; then
+        words=$(_vantor_options "$program")
+        # What it does not know itself it hands to the server.
+        [[ $program != *vantor-practice ]] || words+=" $(_vantor_options "${program%practice}server")"
+    fi
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word" | sort -u)
+}
+
+complete -F _vantor vantor vantor-practice vantor-relay vantor-server

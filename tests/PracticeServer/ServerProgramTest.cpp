@@ -1,0 +1,104 @@
+#include "tests/support/Process.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+using support::Process;
+
+namespace {
+
+Process run(std::vector<std::string> options)
+{
+    options.insert(options.begin(), VANTOR_SERVER);
+    return Process(options);
+}
+
+std::string portOf(const Process& server)
+{
+    EXPECT_TRUE(support::eventually([&] { return server.hasPrinted("ready 127.0.0.1:"); }))
+        << server.output();
+    std::istringstream output(server.output());
+    std::string line;
+    std::getline(output, line);
+    return line.substr(line.rfind(':') + 1);
+}
+
+/// A name for a file of this test's own, which does not exist yet.
+std::string freshFile(const std::string& name)
+{
+    const auto path = std::filesystem::temp_directory_path() / (name + '.' + std::to_string(getpid()));
+    std::filesystem::remove(path);
+    return path;
+}
+
+}  // namespace
+
+TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
+{
+    const Process other = run({"--port", "0"});
+    const struct
+    {
+        std::vector<std::string> options;
+        std::string end;
+        std::string text;
+    } cases[] = {
+        {{"--bots", "none"}, "status 2", "--bots wants a whole number from 0 to 64, not 'none'"},
+        {{"--port", portOf(other)}, "status 1", "Address already in use"},
+        {{"--port", "0", "--bind", "192.0.2.1"}, "status 1", "Cannot assign requested address"},
+        {{"--port", "0", "--log", "/no/such/folder"}, "status 1", "No such file or directory"},
+        {{"--port", "0", "--log", "/tmp"}, "status 1", "not a regular file"},
+    };
+    for (const auto& c : cases) {
+        Process server = run(c.options);
+        EXPECT_EQ(server.end(), c.end);
+        EXPECT_TRUE(server.hasPrinted(c.text)) << server.output();
+        const std::string output = server.output();
+        EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 1) << output;
+    }
+    EXPECT_EQ(run({"--help"}).end(), "status 0");
+}
+
+TEST(ServerProgram, EndsInOrderAtASignal)
+{
+    for (const int signal : {SIGINT, SIGTERM}) {
+        Process server = run({"--port", "0"});
+        portOf(server);
+        server.signal(signal);
+        EXPECT_EQ(server.end(), "status 0");
+        EXPECT_TRUE(server.hasPrinted(" ms behind")) << server.output();
+    }
+}
+
+TEST(ServerProgram, LogsARowOfMeasurementsEachSecondThatCanBeDrawn)
+{
+    const std::string log = freshFile("vantor-measurements");
+    const std::string picture = log + ".png";
+    Process server = run({"--port", "0", "--bots", "12", "--log", log});
+    const auto lines = [&log] {
+        std::vector<std::string> result;
+        std::ifstream file(log);
+        for (std::string line; std::getline(file, line);) {
+            result.push_back(line);
+        }
+        return result;
+    };
+    ASSERT_TRUE(support::eventually([&] { return lines().size() >= 4; }));
+    EXPECT_EQ(lines()[0], "!New measurement started:");
+    EXPECT_EQ(lines()[2].substr(13 * 16, 16), "             12,") << "players";
+
+    Process plot({VANTOR_TOOLS "/plot-log", log, picture});
+    if (plot.end() != "status 0" && plot.hasPrinted("no gnuplot")) {
+        GTEST_SKIP() << "gnuplot is not installed, so the log was not drawn";
+    }
+    EXPECT_EQ(plot.end(), "status 0") << plot.output();
+    EXPECT_GT(std::filesystem::file_size(picture), 10'000U);
+    EXPECT_EQ(Process({VANTOR_TOOLS "/plot-log", "/no/such/log"}).end(), "status 1");
+    std::filesystem::remove(picture);
+    std::filesystem::remove(log);
+}

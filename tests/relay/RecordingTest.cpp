@@ -1,0 +1,111 @@
+#include "tests/relay/Milliseconds.h"
+#include "tools/relay/Script.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+using namespace relay;
+
+namespace {
+
+constexpr Lane toClient = {Transport::stream, 1, Direction::toClient};
+constexpr Lane toServer = {Transport::datagrams, 7, Direction::toServer};
+
+/// A file of this test's own, gone with it.
+struct TemporaryFile
+{
+    std::string path = testing::TempDir() + "recording-" + std::to_string(getpid());
+    ~TemporaryFile() { std::filesystem::remove(path); }
+
+    std::string content() const
+    {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    void replace(const std::string& bytes) const { std::ofstream(path, std::ios::binary) << bytes; }
+};
+
+void writeExample(const std::string& path)
+{
+    RecordingWriter writer(path);
+    writer.write(toClient, Chunk::Kind::opened);
+    writer.write(toClient, Chunk::Kind::bytes, "a\0b", 3);
+    writer.write(toServer, Chunk::Kind::bytes, "", 0);
+    writer.write(toClient, Chunk::Kind::closed);
+}
+
+/// What reading complains of; "" where it does not.
+std::string complaintAbout(const std::string& path)
+{
+    try {
+        readRecording(path);
+        return "";
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+}
+
+}  // namespace
+
+TEST(Recording, GivesBackWhatWasWritten)
+{
+    const TemporaryFile file;
+    writeExample(file.path);
+    const std::vector<Chunk> chunks = readRecording(file.path);
+    ASSERT_EQ(chunks.size(), 4U);
+    EXPECT_EQ(chunks[0].kind, Chunk::Kind::opened);
+    EXPECT_EQ(chunks[1].bytes, std::string("a\0b", 3));
+    EXPECT_EQ(chunks[1].lane.direction, Direction::toClient);
+    EXPECT_EQ(chunks[2].lane.number, 7U);
+    EXPECT_EQ(chunks[2].lane.transport, Transport::datagrams);
+    EXPECT_EQ(chunks[3].kind, Chunk::Kind::closed);
+    EXPECT_LE(chunks[0].at, chunks[3].at);
+}
+
+TEST(Recording, CutAnywhereButBetweenChunksSaysWhereItEnds)
+{
+    const TemporaryFile file;
+    writeExample(file.path);
+    const std::string whole = file.content();
+    const std::set<std::size_t> ends = {8, 8 + 19, 8 + 2 * 19 + 3, 8 + 3 * 19 + 3};
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        file.replace(whole.substr(0, size));
+        const std::size_t lastEnd = size < 8 ? 0 : *std::prev(ends.upper_bound(size));
+        const std::string place = " at offset " + std::to_string(lastEnd);
+        const std::string what = size < 8 ? " is no recording of this version" : " is truncated";
+        EXPECT_EQ(complaintAbout(file.path), lastEnd == size && size > 0 ? "" : file.path + what + place);
+    }
+}
+
+TEST(Recording, ThatIsGarbledIsRefusedWithThePlace)
+{
+    const TemporaryFile file;
+    writeExample(file.path);
+    const std::string whole = file.content();
+    const struct
+    {
+        const char* what;
+        std::size_t offset;
+    } cases[] = {{"version", 7},   {"time", 8 + 7},  {"transport", 8 + 12},     {"direction", 8 + 13},
+                 {"kind", 8 + 14}, {"size", 8 + 15}, {"huge size", 8 + 19 + 18}};
+    for (const auto& c : cases) {
+        std::string garbled = whole;
+        garbled[c.offset] = '\x7F';
+        file.replace(garbled);
+        const std::string said = complaintAbout(file.path);
+        EXPECT_EQ(said.find(file.path + " is "), 0U) << c.what << ": " << said;
+        EXPECT_NE(said.find(" at offset "), std::string::npos) << c.what << ": " << said;
+    }
+    EXPECT_NE(complaintAbout("/no/such/file").find("/no/such/file: No such file"), std::string::npos);
+}
+
+TEST(Recording, WithoutAWelcomeHasNothingToReplay)
+{
+    EXPECT_THROW(serverSide({}), std::runtime_error);
+    EXPECT_THROW(serverSide({{Duration(0), toClient, Chunk::Kind::bytes,
+                              std::string("\x05\0\x05\xFF\xFF\xFF\xFF", 7)}}),
+                 std::runtime_error);
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "tools/relay/Impairment.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+
+namespace relay {
+
+/// The datagrams under way in one direction of one flow.
+///
+/// Jitter alone changes no order, as on a single path: one that is delayed less waits for those before it. So
+/// the share that `reorder` asks for, and no more, arrives behind a later one: it is held back until later
+/// ones have left, or for holdLimit where none come. A copy follows its original.
+/// Knows no clock: the caller says what time it is, and never goes back.
+class DatagramLine
+{
+public:
+    static constexpr Duration holdLimit = std::chrono::milliseconds(250);
+    static constexpr std::size_t byteLimit = std::size_t(1)
+                                             << 20U;  ///< seconds of play, even at a delay of 10 s
+
+    explicit DatagramLine(const Impairment& impairment_) : impairment(impairment_) {}
+
+    /// False, and the datagram is lost, where too much is under way already.
+    bool push(Time now, std::string datagram);
+    /// The next one that has arrived by now.
+    std::optional<std::string> pop(Time now);
+    /// When to call pop again; nothing where nothing is under way.
+    std::optional<Time> nextDue() const;
+
+private:
+    struct Waiting
+    {
+        Time due;
+        std::uint64_t number;
+        unsigned copies;
+        unsigned overtakenBy;
+        std::string bytes;
+    };
+
+    Impairment impairment;
+    std::deque<Waiting> ordered;  ///< by due
+    std::deque<Waiting> held;     ///< to be overtaken; by due, from which holdLimit counts
+    std::uint64_t pushed = 0;
+    std::size_t waitingBytes = 0;
+    Time lastDue;
+
+    void releaseOverdue(Time now);
+    void releaseOvertaken(Time now, std::uint64_t by);
+};
+
+}  // namespace relay

@@ -1,0 +1,80 @@
+#include "tools/relay/FrontDoor.h"
+
+#include <chrono>
+#include <utility>
+
+namespace relay {
+
+using boost::asio::ip::tcp;
+using boost::system::error_code;
+
+namespace {
+
+constexpr std::size_t largestDatagram = 65536;
+constexpr std::chrono::milliseconds acceptRetry{
+    200};  ///< when no connection can be taken, as without descriptors
+
+}  // namespace
+
+FrontDoor::FrontDoor(boost::asio::io_context& io, std::uint16_t port)
+    : ports(io, port), portNumber(ports.number()), acceptPause(io), received(largestDatagram)
+{
+}
+
+void FrontDoor::open(OnConnection onConnection_, OnDatagram onDatagram_)
+{
+    onConnection = std::move(onConnection_);
+    onDatagram = std::move(onDatagram_);
+    accept();
+    receive();
+}
+
+void FrontDoor::close()
+{
+    closed = true;       // a handler that is already on its way must not start anything anew
+    error_code ignored;  // closing is all we can do
+    ports.acceptor.close(ignored);
+    ports.udp.close(ignored);
+    acceptPause.cancel(ignored);
+}
+
+void FrontDoor::accept()
+{
+    ports.acceptor.async_accept([this](const error_code& error, tcp::socket socket) {
+        if (closed) {
+            return;
+        }
+        if (error) {
+            pauseAccepting();
+            return;
+        }
+        onConnection(std::move(socket));
+        accept();
+    });
+}
+
+void FrontDoor::pauseAccepting()
+{
+    acceptPause.expires_after(acceptRetry);
+    acceptPause.async_wait([this](const error_code& cancelled) {
+        if (!closed && !cancelled) {
+            accept();
+        }
+    });
+}
+
+void FrontDoor::receive()
+{
+    ports.udp.async_receive_from(boost::asio::buffer(received), sender,
+                                 [this](const error_code& error, std::size_t bytes) {
+                                     if (closed) {
+                                         return;
+                                     }
+                                     if (!error) {
+                                         onDatagram(sender, received.data(), bytes);
+                                     }
+                                     receive();
+                                 });
+}
+
+}  // namespace relay

@@ -1,0 +1,122 @@
+#include "tools/relay/Relay.h"
+
+#include <string>
+#include <utility>
+
+namespace relay {
+
+namespace {
+
+using boost::asio::ip::tcp;
+
+/// The first address only, as the client does.
+tcp::endpoint resolve(boost::asio::io_context& io, const RelayConfig& config)
+{
+    tcp::resolver resolver(io);
+    try {
+        return resolver.resolve(config.serverHost, config.serverPort)->endpoint();
+    } catch (const boost::system::system_error& error) {
+        throw boost::system::system_error(error.code(),
+                                          "cannot find " + config.serverHost + ":" + config.serverPort);
+    }
+}
+
+}  // namespace
+
+Relay::Relay(boost::asio::io_context& io, const RelayConfig& config_)
+    : config(config_), server(resolve(io, config_)), door(io, config_.port)
+{
+}
+
+void Relay::start()
+{
+    door.open([this](tcp::socket socket) { handleConnection(std::move(socket)); },
+              [this](const UdpFlow::Endpoint& client, const char* data, std::size_t size) {
+                  if (const auto flow = flowOf(client)) {
+                      flow->fromClient(data, size);
+                  }
+              });
+}
+
+void Relay::stop()
+{
+    door.close();
+    for (const auto& [number, link] : links) {
+        link->close();
+    }
+    for (const auto& [client, flow] : flows) {
+        flow->close();
+    }
+    links.clear();
+    flows.clear();
+}
+
+void Relay::handleConnection(tcp::socket socket)
+{
+    if (links.size() < mostLinks) {
+        addLink(std::move(socket));
+    } else {
+        config.log("turned away a connection: " + std::to_string(mostLinks) + " are open");
+    }
+}
+
+void Relay::addLink(tcp::socket socket)
+{
+    const std::uint32_t number = ++linkCount;
+    const std::string name = "connection " + std::to_string(number);
+    config.log(name + ": opened");
+    const auto link = std::make_shared<TcpLink>(std::move(socket), number, config);
+    links[number] = link;
+    link->start(server, [this, number, name](const std::string& reason) {
+        config.log(name + ": " + reason);
+        links.erase(number);
+    });
+}
+
+/// None where there are too many.
+std::shared_ptr<UdpFlow> Relay::flowOf(const UdpFlow::Endpoint& client)
+{
+    if (const auto known = flows.find(client); known != flows.end()) {
+        return known->second;
+    }
+    if (flows.size() >= mostFlows) {
+        dropIdleFlows();
+    }
+    const bool wasFull = std::exchange(isFull, flows.size() >= mostFlows);
+    if (!isFull) {
+        return addFlow(client);
+    }
+    if (!wasFull) {
+        config.log("ignoring new senders of datagrams: " + std::to_string(mostFlows) + " are active");
+    }
+    return nullptr;
+}
+
+std::shared_ptr<UdpFlow> Relay::addFlow(const UdpFlow::Endpoint& client)
+{
+    const UdpFlow::Endpoint serverAddress(server.address(), server.port());
+    try {
+        auto flow = std::make_shared<UdpFlow>(door.udp(), client, serverAddress, ++flowCount, config);
+        flow->start();
+        flows[client] = flow;
+        return flow;
+    } catch (const boost::system::system_error& error) {
+        config.log(std::string("cannot pass on datagrams: ") + error.what());
+        return nullptr;
+    }
+}
+
+void Relay::dropIdleFlows()
+{
+    const Time oldest = Clock::now() - idleLimit;
+    for (auto flow = flows.begin(); flow != flows.end();) {
+        if (flow->second->lastHeard() < oldest) {
+            flow->second->close();
+            flow = flows.erase(flow);
+        } else {
+            ++flow;
+        }
+    }
+}
+
+}  // namespace relay
