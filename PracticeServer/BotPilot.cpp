@@ -22,6 +22,7 @@ constexpr float guestAppeal = 0.35F;   ///< guests seem nearer than they are: th
 constexpr float fireCone = 0.999F;     ///< cosine of 2.6 degrees between nose and aim
 constexpr float chaseCone = 0.97F;     ///< cosine of 14 degrees: who points at an enemy from near is after it
 constexpr float chaseRange = 200.0F;   ///< units
+constexpr float fireRange = 190.0F;    ///< units; farther away a bot holds its fire
 constexpr float engageRange = 220.0F;  ///< units; an enemy this near is fought wherever it is
 constexpr float backAgain = 0.6F;      ///< share of the front's radius at which a returning bot fights again
 constexpr float burstTime = 1.0F;      ///< seconds of fire before a pause
@@ -133,9 +134,10 @@ void BotPilot::passTime(const BotView& view, Random& random)
     }
     if (strafeIn <= 0.0F) {
         strafeIn = random.between(0.6F, 1.4F);
-        constexpr std::array<std::uint32_t, 7> dodges = {
-            control::left, control::right, control::up, control::down, 0, 0, 0};
-        strafe = dodges[static_cast<std::size_t>(random.between(0.0F, 7.0F))];
+        constexpr std::array<std::uint32_t, 4> dodges = {control::left, control::right, control::up,
+                                                         control::down};
+        const std::uint32_t dodge = dodges[static_cast<std::size_t>(random.between(0.0F, 4.0F))];
+        strafe = random.unit() < skill.agility ? dodge : 0U;
     }
     if (burst <= -skill.restraint) {
         burst = burstTime;
@@ -207,7 +209,7 @@ ShipInput BotPilot::attack(const Ship& self, const Sighting& enemy, const BotVie
     input.controls =
         strafe | throttle(distance, (self.velocity - enemy.velocity).dotProduct(offset) / distance);
     const bool onTarget = noseOf(self.orientation).dotProduct(noseOf(input.orientation)) > fireCone;
-    if (onTarget && burst > 0.0F && distance < skill.fireDistance) {
+    if (onTarget && burst > 0.0F && distance < fireRange) {
         input.controls |= control::fire;
     }
     if (distance < tooClose) {

@@ -8,9 +8,9 @@ namespace practice {
 namespace {
 
 constexpr std::array<BotSkill, 3> byDifficulty = {{
-    {0.16F, 0.9F, 130.0F, 0.3F, 1.5F},
-    {0.06F, 0.6F, 240.0F, 0.4F, 0.3F},
-    {0.03F, 0.4F, 260.0F, 0.8F, 0.0F},
+    {0.15F, 0.9F, 0.25F, 0.3F, 3.5F},
+    {0.09F, 0.6F, 0.25F, 0.6F, 1.8F},
+    {0.06F, 0.4F, 0.25F, 1.0F, 0.0F},
 }};
 
 }  // namespace
@@ -21,8 +21,8 @@ BotSkill drawSkill(Difficulty difficulty, Random& random)
     const float clumsiness = random.between(0.75F, 1.25F);
     skill.aimError *= clumsiness;
     skill.aimPeriod *= clumsiness;
-    skill.fireDistance /= clumsiness;
     skill.evasion /= clumsiness;
+    skill.agility /= clumsiness;
     skill.restraint *= clumsiness;
     return skill;
 }

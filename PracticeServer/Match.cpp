@@ -37,11 +37,12 @@ ObjectId Match::addHuman()
     return addShip(smallerTeam(), true, "Pilot " + std::to_string(humansSeen));
 }
 
+/// Raiders are away more often, on their way back from death; so there are more of them.
 ObjectId Match::addBot()
 {
     const std::size_t index = bots.size();
     const Team team = index % 2 == 0 ? Team::blue : Team::red;
-    const auto role = index / 2 % 2 == 0 ? BotPilot::Role::guard : BotPilot::Role::raider;
+    const auto role = index / 2 % 8 % 3 == 0 ? BotPilot::Role::guard : BotPilot::Role::raider;
     const ObjectId id = addShip(team, false, botName(index));
     bots.emplace_back(id, role, drawSkill(settings.difficulty, random));
     return id;
@@ -105,8 +106,7 @@ const Ship* Match::findShip(ObjectId id) const
 
 Ship* Match::editShip(ObjectId id)
 {
-    const auto found = std::find_if(ships.begin(), ships.end(), [id](const Ship& s) { return s.id == id; });
-    return found == ships.end() ? nullptr : &*found;
+    return const_cast<Ship*>(findShip(id));
 }
 
 void Match::setInput(ObjectId id, const ShipInput& input)

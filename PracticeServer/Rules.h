@@ -2,7 +2,7 @@
 
 namespace practice {
 
-/// Every number the rules of a match depend on.
+/// The numbers of flight, weapons and life.
 ///
 /// Units: world units, seconds, radians, hit points. A match keeps its own copy, so two matches
 /// with different rules can run side by side.

@@ -7,6 +7,7 @@ function(vantor_flags target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
   target_compile_options(${target} PRIVATE
+    -ffp-contract=off     # a match is the same, bit for bit, also where the processor can fuse operations
     -Wall -Wextra -Wpedantic
     -Wshadow              # a local that hides a field is usually a mistake
     -Wconversion          # narrowing must be written down ...

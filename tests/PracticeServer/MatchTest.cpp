@@ -3,6 +3,7 @@
 #include "PracticeServer/MatchBroadcast.h"
 #include "PracticeServer/SceneMirror.h"
 #include "PracticeServer/ScoreTable.h"
+#include "scene/SceneGraph.h"
 #include "tests/PracticeServer/TestClient.h"
 
 #include <gtest/gtest.h>
@@ -81,6 +82,18 @@ protected:
         return rules;
     }
     FriendlyFireTest() : MatchTest({}, friendlyFire()) {}
+};
+
+class NoLimitsTest : public MatchTest
+{
+protected:
+    static Rules noLimits()
+    {
+        Rules rules;
+        rules.maxSpeed = 1e6F;
+        return rules;
+    }
+    NoLimitsTest() : MatchTest({}, noLimits()) {}
 };
 
 class ShortMatchTest : public MatchTest
@@ -175,7 +188,9 @@ TEST_F(MatchTest, AKillScoresLeavesExplosionsAndTheVictimReturnsWholeUnderItsId)
     EXPECT_FALSE(match.findShip(victim)->alive);
     EXPECT_TRUE(heard.infos.empty());
     hold(victim, 0);
+    match.editShip(victim)->velocity = {30, 0, 0};
     step(60);
+    EXPECT_EQ(match.findShip(victim)->velocity, Vector3());
     ASSERT_EQ(heard.infos.size(), 1U);
     EXPECT_EQ(heard.infos[0].id(), victim);
     EXPECT_EQ(heard.infos[0].playerdata().health(), Rules().fullHealth);
@@ -233,6 +248,30 @@ TEST_F(MatchTest, APointBlankShotIsShownForAWhileAndTheDeadAreNotIntroduced)
     EXPECT_TRUE(heard.destroys.empty());
     step(10);
     EXPECT_EQ(heard.destroys.size(), 1U);
+}
+
+TEST_F(MatchTest, ShotsInheritTheShipsVelocity)
+{
+    const ObjectId shooter = place({0, 0, 0});
+    match.editShip(shooter)->velocity = {60, 0, 0};
+    fireOnce(shooter);
+    const Vector3 inherited = match.findShip(shooter)->velocity;
+    ASSERT_EQ(match.allShots().size(), 1U);
+    EXPECT_EQ(match.allShots()[0].velocity, inherited + Vector3(0, 0, Rules().shotSpeed));
+}
+
+TEST_F(NoLimitsTest, AShipThatCrossesAShotsPathWithinOneStepIsHit)
+{
+    const ObjectId shooter = place({0, 0, 0});
+    const ObjectId target = place({100, 0, 200});
+    fireOnce(shooter);
+    step(10);
+    const Shot shot = match.allShots()[0];
+    Ship& ship = *match.editShip(target);
+    ship.position = shot.position + shot.velocity * (Match::stepTime / 2) + Vector3(0, 40, 0);
+    ship.velocity = Vector3(0, -80, 0) * (1.0F / Match::stepTime);  // 40 units from the path before and after
+    step();
+    EXPECT_LT(health(target), Rules().fullHealth);
 }
 
 TEST_F(FriendlyFireTest, SparesTheShooterAloneAndCountsAgainstHim)
@@ -344,4 +383,29 @@ TEST(StartPoints, AreTheSameForTheSameSeedWhateverElseDrawsFromTheCLibrary)
     const Vector3 position = firstPosition(4);
     EXPECT_EQ(position, firstPosition(4));
     EXPECT_FALSE(position == firstPosition(5));
+}
+
+TEST(SceneMirror, HoldsOneObjectForEachLivingShipAndShotAndNothingAfterwards)
+{
+    const auto count = [](SceneGraphType type) {
+        return SceneGraph::getInstance()->getListOfType(type)->size();
+    };
+    {
+        Match match((MatchSettings()));
+        SceneMirror mirror;
+        match.addObserver(&mirror);
+        for (int i = 0; i < 16; ++i) {
+            match.addBot();
+        }
+        for (int i = 0; i < 3600; ++i) {
+            match.step();
+            SceneMirror::apply();
+        }
+        EXPECT_GT(match.teamScore(Team::red) + match.teamScore(Team::blue), 0);
+        const auto alive = std::count_if(match.allShips().begin(), match.allShips().end(),
+                                         [](const Ship& ship) { return ship.alive; });
+        EXPECT_EQ(count(SGT_PLAYER), static_cast<std::size_t>(alive));
+        EXPECT_EQ(count(SGT_PROJECTILE), match.allShots().size());
+    }
+    EXPECT_EQ(count(SGT_PLAYER) + count(SGT_PROJECTILE), 0U);
 }

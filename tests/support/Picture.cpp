@@ -38,11 +38,37 @@ Picture::Picture(const std::string& ppm)
 
 Pixel Picture::at(int x, int y) const
 {
-    const auto channel = [&](int i) {
-        return static_cast<int>(
-            static_cast<unsigned char>(bytes.at(static_cast<std::size_t>((y * columns + x) * 3 + i))));
+    const auto channel = [&](std::size_t i) {
+        return static_cast<int>(static_cast<unsigned char>(bytes.at(offset(x, y) + i)));
     };
     return {channel(0), channel(1), channel(2)};
+}
+
+Picture::Picture(int width, int height)
+    : columns(width), rows(height), bytes(static_cast<std::size_t>(width * height * 3), '\0')
+{
+}
+
+Picture Picture::crop(Region region) const
+{
+    Picture part(region.width, region.height);
+    for (int y = 0; y < region.height; ++y) {
+        bytes.copy(&part.bytes[part.offset(0, y)], part.offset(0, 1), offset(region.x, region.y + y));
+    }
+    return part;
+}
+
+void Picture::paste(const Picture& other, int x, int y)
+{
+    for (int row = 0; row < other.rows; ++row) {
+        bytes.replace(offset(x, y + row), other.offset(0, 1), other.bytes, other.offset(0, row),
+                      other.offset(0, 1));
+    }
+}
+
+std::string Picture::ppm() const
+{
+    return "P6\n" + std::to_string(columns) + " " + std::to_string(rows) + "\n255\n" + bytes;
 }
 
 int Picture::count(Region region, bool (Pixel::*isOfTheKind)() const) const
@@ -50,14 +76,13 @@ int Picture::count(Region region, bool (Pixel::*isOfTheKind)() const) const
     return countPixels(region, [&](int x, int y) { return (at(x, y).*isOfTheKind)(); });
 }
 
-int countChanged(const Picture& before, const Picture& after, Region region)
+int countChanged(const Picture& before, const Picture& after, Region region, int tolerance)
 {
-    constexpr int visible = 24;  // of 255, in any channel
     return countPixels(region, [&](int x, int y) {
         const Pixel a = before.at(x, y);
         const Pixel b = after.at(x, y);
         return std::max({std::abs(a.red - b.red), std::abs(a.green - b.green), std::abs(a.blue - b.blue)}) >
-               visible;
+               tolerance;
     });
 }
 

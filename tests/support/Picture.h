@@ -34,13 +34,24 @@ public:
     /// How many pixels of the region are of the kind.
     int count(Region region, bool (Pixel::*isOfTheKind)() const) const;
 
+    Region whole() const { return {0, 0, columns, rows}; }
+    Picture crop(Region region) const;
+    /// Puts another picture over this one, its top left corner at (x, y); it must fit.
+    void paste(const Picture& other, int x, int y);
+    /// As the constructor reads it.
+    std::string ppm() const;
+
 private:
+    Picture(int width, int height);
+    std::size_t offset(int x, int y) const { return static_cast<std::size_t>((y * columns + x) * 3); }
+
     int columns = 0;
     int rows = 0;
     std::string bytes;  ///< three for each pixel, row by row from the top
 };
 
-/// How many pixels of the region differ visibly between two pictures of one size.
-int countChanged(const Picture& before, const Picture& after, Region region);
+/// How many pixels of the region differ between two pictures of one size, by more than `tolerance` of 255 in
+/// any channel.
+int countChanged(const Picture& before, const Picture& after, Region region, int tolerance = 24);
 
 }  // namespace support
