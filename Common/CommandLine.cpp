@@ -60,12 +60,17 @@ std::optional<End> information(const std::string& program, const po::options_des
     return std::nullopt;
 }
 
+std::string oneLine(std::string text)
+{
+    constexpr unsigned char del = 0x7F;
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == del; }, '?');
+    return text;
+}
+
 End refusal(const std::string& program, const std::exception& error)
 {
-    std::string text = error.what();
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
-    return {program + ": " + text + "; see --help\n", 2};
+    return {program + ": " + oneLine(error.what()) + "; see --help\n", 2};
 }
 
 po::variables_map parse(int argc, const char* const* argv, const po::options_description& options)

@@ -26,6 +26,9 @@ std::optional<End> information(const std::string& program,
                                const boost::program_options::options_description& options,
                                const boost::program_options::variables_map& values);
 
+/// The text without control characters, so that nothing a user typed can break a line or steer a terminal.
+std::string oneLine(std::string text);
+
 /// The end of a program that was called wrongly: one line, whatever the values hold.
 End refusal(const std::string& program, const std::exception& error);
 

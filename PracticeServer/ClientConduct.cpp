@@ -2,8 +2,6 @@
 
 #include "PracticeServer/Match.h"
 
-#include <algorithm>
-
 namespace practice {
 
 namespace {
@@ -11,21 +9,6 @@ namespace {
 constexpr std::uint64_t stepsPerSecond = Match::stepsPerSecond;
 
 }  // namespace
-
-RateLimit::RateLimit(std::uint32_t perSecond_, std::uint32_t burst, std::uint64_t step)
-    : perSecond(perSecond_), most(burst * stepsPerSecond), left(most), filledAt(step)
-{
-}
-
-bool RateLimit::spend(std::uint64_t units, std::uint64_t step)
-{
-    left = std::min(most, left + (step - filledAt) * perSecond);
-    filledAt = step;
-    const std::uint64_t price = units * stepsPerSecond;
-    const bool allowed = price <= left;
-    left = allowed ? left - price : 0;
-    return allowed;
-}
 
 ClientConduct::ClientConduct(const ConductLimits& limits_, std::uint64_t step)
     : limits(limits_),

@@ -1,26 +1,11 @@
 #pragma once
 
+#include "PracticeServer/RateLimit.h"
+
 #include <cstdint>
 #include <string>
 
 namespace practice {
-
-/// Allows so many units a second on average, and `burst` of them at once. Counts time in steps of a match.
-class RateLimit
-{
-public:
-    /// `step`: the present one. Starts with the whole burst allowed.
-    RateLimit(std::uint32_t perSecond, std::uint32_t burst, std::uint64_t step);
-
-    /// False where that is more than is allowed now; the rest of the allowance is gone then.
-    bool spend(std::uint64_t units, std::uint64_t step);
-
-private:
-    std::uint64_t perSecond;
-    std::uint64_t most;      ///< in shares of a unit, as many a unit as a second has steps
-    std::uint64_t left;      ///< likewise
-    std::uint64_t filledAt;  ///< step
-};
 
 /// What a client may do before it is dropped. A game sends 20 datagrams of about 35 bytes a second and
 /// nothing on TCP, so an honest client stays far below, even where a bad line doubles its datagrams or holds
@@ -39,8 +24,8 @@ struct ConductLimits
 /// Judges one client by what it sends; knows nothing of sockets or clocks, only the steps of the match.
 ///
 /// What counts here comes from the client's own connection or from the address that is known to be its own:
-/// a stranger who sends in its name gets nobody dropped. A well-formed message that means nothing to us, by
-/// its type, its qport or an orientation that is none, is no fault: it changes nothing.
+/// a stranger who does not have the client's address gets nobody dropped. A well-formed message that means
+/// nothing to us, by its type, its qport or an orientation that is none, is no fault: it changes nothing.
 class ClientConduct
 {
 public:

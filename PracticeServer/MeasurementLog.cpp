@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -30,6 +31,14 @@ void requireFile(const std::string& name)
     if (!std::ofstream(name, std::ios::app)) {
         refuse(std::strerror(errno));
     }
+}
+
+/// Bytes; 0 where there is no such file.
+std::uintmax_t sizeOf(const std::string& name)
+{
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(name, error);
+    return error ? 0 : size;
 }
 
 }  // namespace
@@ -62,10 +71,10 @@ void MeasurementLog::schedule()
 void MeasurementLog::writeRow()
 {
     Logger* logger = Logger::getInstance();
-    const auto rowsBefore = logger->rowsWritten;
+    const std::uintmax_t sizeBefore = sizeOf(name);  // the logger itself does not notice a full disk
     logger->calcPrS();
     logger->writeMeasurementToFile();
-    if (logger->rowsWritten == rowsBefore && !std::exchange(failing, true)) {
+    if (sizeOf(name) <= sizeBefore && !std::exchange(failing, true)) {
         say("cannot write measurements to '" + name + "' any more");
     }
 }

@@ -17,7 +17,7 @@ public:
     using Say = std::function<void(const std::string& line)>;
 
     /// Throws std::runtime_error unless `file` is, or can be made, a regular file that we may append to.
-    /// `say` hears, once, when rows can no longer be written.
+    /// `say` hears of the first row that did not make the file longer, as on a full disk, and of no other.
     MeasurementLog(boost::asio::io_context& io, const std::string& file, Say say);
 
     /// Leaves the io_context without work of ours.

@@ -15,12 +15,17 @@ using boost::asio::ip::tcp;
 using boost::system::error_code;
 
 constexpr std::chrono::nanoseconds stepPeriod{1'000'000'000 / Match::stepsPerSecond};
-constexpr int mostStepsAtOnce = 6;          ///< then the sockets get their turn
-constexpr unsigned stepsPerSnapshot = 3;    ///< 20 snapshots per second, exactly 50 ms of match time apart
-constexpr std::uint64_t silentSteps = 60;   ///< a pilot unheard for a second lets go of the controls
-constexpr unsigned mostAcceptsPerStep = 4;  ///< a full server is complete in a third of a second
-constexpr std::uint64_t acceptRetry = 12;  ///< steps; when no connection can be taken, as without descriptors
+constexpr int mostStepsAtOnce = 6;             ///< then the sockets get their turn
+constexpr unsigned stepsPerSnapshot = 3;       ///< 20 snapshots per second, exactly 50 ms of match time apart
+constexpr std::uint64_t silentSteps = 60;      ///< a pilot unheard for a second lets go of the controls
+constexpr unsigned mostWelcomesPerStep = 4;    ///< a full server is complete in a third of a second
 constexpr std::uint64_t turnedAwayPause = 60;  ///< steps between two lines about it
+
+std::string joinLine(const Ship& ship, const tcp::endpoint& from)
+{
+    return "join " + ship.name + (ship.team == Team::blue ? " (blue)" : " (red)") + " from " +
+           from.address().to_string() + ":" + std::to_string(from.port());
+}
 
 }  // namespace
 
@@ -28,6 +33,8 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
     : config(config_),
       ports(io, config_.port, config_.bind),
       portNumber(ports.number()),
+      clientLog(config.log),
+      doorstep(ports.acceptor, [this](const std::string& line) { say(line); }),
       stepTimer(io),
       clock(stepPeriod),
       match(config_.match),
@@ -43,7 +50,7 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
 void PracticeServer::start()
 {
     clock.start(std::chrono::steady_clock::now());
-    accept();
+    doorstep.open();
     receive();
     scheduleSteps();
 }
@@ -52,50 +59,33 @@ void PracticeServer::stop()
 {
     stopped = true;      // a handler that is already on its way must not start anything anew
     error_code ignored;  // closing is all we can do
-    ports.acceptor.close(ignored);
+    doorstep.close();
     ports.udp.close(ignored);
     stepTimer.cancel(ignored);
     for (const Client& client : clients) {
         client.session->close();
     }
     clients.clear();
+    clientLog.tellLeftOut();
 }
 
 // Joining and leaving.
 
-void PracticeServer::accept()
+/// A full server sends everyone away at once: that costs nothing.
+void PracticeServer::letIn()
 {
-    accepting = true;
-    ports.acceptor.async_accept([this](const error_code& error, tcp::socket socket) {
-        if (!stopped) {
-            handleAccept(error, std::move(socket));
+    doorstep.tidy();
+    for (unsigned welcomed = 0; welcomed < mostWelcomesPerStep;) {
+        auto socket = doorstep.next();
+        if (!socket) {
+            return;
         }
-    });
-}
-
-void PracticeServer::handleAccept(const error_code& error, tcp::socket socket)
-{
-    if (error) {
-        accepting = false;
-        acceptAgainAt = match.stepCount() + acceptRetry;
-        return;
-    }
-    if (clients.size() < config.mostClients) {
-        welcome(std::move(socket));
-    } else {
-        ++turnedAway;
-    }
-    accepting = ++acceptedThisStep < mostAcceptsPerStep;
-    if (accepting) {
-        accept();
-    }
-}
-
-void PracticeServer::resumeAccepting()
-{
-    acceptedThisStep = 0;
-    if (!accepting && match.stepCount() >= acceptAgainAt) {
-        accept();
+        if (clients.size() < config.mostClients) {
+            welcome(std::move(*socket));
+            ++welcomed;
+        } else {
+            ++turnedAway;
+        }
     }
 }
 
@@ -134,7 +124,7 @@ void PracticeServer::welcome(tcp::socket socket)
             }
         },
         [this, shipId](const std::string& fault) { remove(shipId, fault); });
-    config.log("join " + ship.name + (ship.team == Team::blue ? " (blue)" : " (red)"));
+    say(joinLine(ship, session->peer()));
 }
 
 void PracticeServer::remove(ObjectId ship, const std::string& fault)
@@ -144,7 +134,7 @@ void PracticeServer::remove(ObjectId ship, const std::string& fault)
     if (gone == clients.end()) {
         return;
     }
-    config.log(fault.empty() ? "leave " + gone->name : "drop " + gone->name + ": " + fault);
+    say(fault.empty() ? "leave " + gone->name : "drop " + gone->name + ": " + fault);
     clients.erase(gone);
     match.removeShip(ship);
 }
@@ -200,31 +190,31 @@ void PracticeServer::receive()
 void PracticeServer::handleDatagram(std::size_t bytes)
 {
     Logger::getInstance()->countPacket(Logger::UDP_RECEIVED, bytes);
-    Client* client = findClient([this](const Client& c) { return c.address == sender; });
-    if (client != nullptr) {
+    ClientFrame frame;
+    cutClientFrame(datagram.data(), bytes, frame);
+    Client* const client = findSender(frame.qport);
+    if (client == nullptr) {
+        return;
+    }
+    if (client->address) {
         client->conduct.datagram(match.stepCount());
     }
-    ClientFrame frame;
     for (std::size_t used = 0; used < bytes; used += frame.size()) {
         if (cutClientFrame(datagram.data() + used, bytes - used, frame) != CutResult::frame) {
-            if (client != nullptr && client->address) {
+            if (client->address) {
                 client->conduct.garbage(match.stepCount());
             }
             return;
         }
-        client = client == nullptr ? findNewcomer(frame.qport) : client;
-        if (client == nullptr || !handleDatagramFrame(*client, frame)) {
+        if (frame.qport != client->qport) {
             return;
         }
+        handleDatagramFrame(*client, frame);
     }
 }
 
-/// False where the rest of the datagram is not to be read.
-bool PracticeServer::handleDatagramFrame(Client& client, const ClientFrame& frame)
+void PracticeServer::handleDatagramFrame(Client& client, const ClientFrame& frame)
 {
-    if (frame.qport != client.qport) {
-        return false;
-    }
     Logger::getInstance()->countMessage(Logger::UDP_RECEIVED);
     const FrameMeaning meaning = handleFrame(client, frame);
     if (meaning == FrameMeaning::steering) {
@@ -233,7 +223,6 @@ bool PracticeServer::handleDatagramFrame(Client& client, const ClientFrame& fram
     } else if (meaning == FrameMeaning::garbage && client.address) {
         client.conduct.garbage(match.stepCount());
     }
-    return true;
 }
 
 template <typename Condition>
@@ -248,13 +237,16 @@ PracticeServer::Client* PracticeServer::findClient(ObjectId ship)
     return findClient([ship](const Client& c) { return c.ship == ship; });
 }
 
-/// The client of that qport, if it has no address yet and the datagram comes from the host it is connected
-/// from.
-PracticeServer::Client* PracticeServer::findNewcomer(std::uint16_t qport)
+/// The client of that qport, if the datagram comes from its address or, while that is not known, from the
+/// host it is connected from. Else whoever has that address: one socket may play again and again, while
+/// earlier connections of the same player still stand.
+PracticeServer::Client* PracticeServer::findSender(std::uint16_t qport)
 {
-    return findClient([this, qport](const Client& c) {
-        return c.qport == qport && !c.address && c.session->peer().address() == sender.address();
+    Client* const named = findClient([this, qport](const Client& c) {
+        return c.qport == qport &&
+               (c.address ? *c.address == sender : c.session->peer().address() == sender.address());
     });
+    return named != nullptr ? named : findClient([this](const Client& c) { return c.address == sender; });
 }
 
 FrameMeaning PracticeServer::handleFrame(Client& client, const ClientFrame& frame)
@@ -300,8 +292,9 @@ void PracticeServer::step()
         sendSnapshot();
     }
     flushAll();
-    resumeAccepting();
+    letIn();
     tellOfTurnedAway();
+    clientLog.afterStep(match.stepCount());
 }
 
 void PracticeServer::tellResult()

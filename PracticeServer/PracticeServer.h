@@ -3,9 +3,11 @@
 #include "Common/PortPair.h"
 #include "PracticeServer/ClientConduct.h"
 #include "PracticeServer/ClientSession.h"
+#include "PracticeServer/Doorstep.h"
 #include "PracticeServer/Match.h"
 #include "PracticeServer/MatchBroadcast.h"
 #include "PracticeServer/SceneMirror.h"
+#include "PracticeServer/SparingLog.h"
 #include "PracticeServer/StepClock.h"
 
 #include <boost/asio/io_context.hpp>
@@ -38,7 +40,7 @@ struct ServerConfig
 /// Single-threaded: lives on the thread that runs the io_context, which must not run any more once the server
 /// is destroyed. Nothing a client sends is trusted, and no client can stall or grow the server: what is
 /// received is bounded, a client that misbehaves is dropped with one line that says why, and however fast
-/// strangers connect, few are let in at a step. All timers are the match's steps.
+/// strangers connect, few are let in at a step and few lines tell of them. All timers are the match's steps.
 class PracticeServer
 {
 public:
@@ -73,6 +75,8 @@ private:
     bool stopped = false;
     PortPair ports;
     std::uint16_t portNumber;
+    SparingLog clientLog;
+    Doorstep doorstep;
     boost::asio::steady_timer stepTimer;
     StepClock clock;
     Match match;
@@ -82,16 +86,12 @@ private:
     std::random_device qportSource;
     std::array<char, 2048> datagram{};
     boost::asio::ip::udp::endpoint sender;
-    bool accepting = false;
-    unsigned acceptedThisStep = 0;
-    std::uint64_t acceptAgainAt = 0;  ///< step
-    std::uint64_t turnedAway = 0;     ///< connections that the log has not told of
-    std::uint64_t turnedAwayToldAt = 0;
+    std::uint64_t turnedAway = 0;        ///< connections that the log has not told of
+    std::uint64_t turnedAwayToldAt = 0;  ///< step
 
-    void accept();
-    void handleAccept(const boost::system::error_code& error, boost::asio::ip::tcp::socket socket);
+    void say(const std::string& line) { clientLog.say(line, match.stepCount()); }
+    void letIn();
     void welcome(boost::asio::ip::tcp::socket socket);
-    void resumeAccepting();
     void tellOfTurnedAway();
     void remove(ObjectId ship, const std::string& fault);
     void dropOffenders();
@@ -99,12 +99,12 @@ private:
 
     void receive();
     void handleDatagram(std::size_t bytes);
-    bool handleDatagramFrame(Client& client, const ClientFrame& frame);
+    void handleDatagramFrame(Client& client, const ClientFrame& frame);
     FrameMeaning handleFrame(Client& client, const ClientFrame& frame);
     template <typename Condition>
     Client* findClient(Condition condition);
     Client* findClient(ObjectId ship);
-    Client* findNewcomer(std::uint16_t qport);
+    Client* findSender(std::uint16_t qport);
 
     void scheduleSteps();
     void runDueSteps();

@@ -66,7 +66,7 @@ boost::asio::ip::address_v4 address(const po::variables_map& values, const char*
     const auto& text = values[option].as<std::string>();
     boost::system::error_code error;
     auto result = boost::asio::ip::make_address_v4(text, error);
-    if (error) {
+    if (error || result.is_multicast() || result == boost::asio::ip::address_v4::broadcast()) {
         refuse(option, "an IPv4 address of this machine like 127.0.0.1 (0.0.0.0: all of them)", text);
     }
     return result;

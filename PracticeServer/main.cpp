@@ -1,3 +1,4 @@
+#include "Common/CommandLine.h"
 #include "Common/StatusLine.h"
 #include "PracticeServer/MeasurementLog.h"
 #include "PracticeServer/PracticeServer.h"
@@ -55,7 +56,7 @@ int main(int argc, char** argv)
         }
         return serve(std::get<practice::ServerOptions>(parsed));
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "vantor-server: %s\n", error.what());
+        std::fprintf(stderr, "vantor-server: %s\n", commandline::oneLine(error.what()).c_str());
         return 1;
     }
 }

@@ -2,7 +2,11 @@
 
 #include "tests/PracticeServer/ServerFixture.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <deque>
 #include <limits>
 #include <set>
 
@@ -83,13 +87,16 @@ TEST_F(Server, AClientThatNeverReadsIsCutOffAndTheOthersHearEverySnapshot)
     open(0);
     TestClient& honest = join();
     honest.steer({});
-    join().stopReading();
+    TestClient& stalled = join();
+    stalled.stopReading();
+    std::deque<TestClient> passers;  // come, stay for long enough to be welcomed, and go: all are told
     ASSERT_TRUE(runUntil(
         [&] {
-            TestClient passer(server->port());  // comes and goes: all are told
-            return std::any_of(log.begin(), log.end(), [](const std::string& line) {
-                return line.find("drop Pilot 2: does not read") == 0;
-            });
+            passers.emplace_back(server->port());
+            passers.size() > 40 ? passers.pop_front() : void();
+            const auto& gone = honest.heard.destroys;
+            return std::any_of(gone.begin(), gone.end(),
+                               [&](const auto& destroy) { return destroy.id() == stalled.id(); });
         },
         20s));
     std::set<std::uint32_t> times;
@@ -108,6 +115,7 @@ TEST_F(Server, OnlyTheClientItselfSteersItsShipAndNobodyElseGetsItDropped)
     TestClient& client = join();
     TestClient& intruder = join();
     const Vector3 start = client.position();
+    const Vector3 intrudersStart = intruder.position();
     const std::string valid = steeringFrame(client.qport(), {Quaternion(), control::forward});
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const std::string harmless[] = {
@@ -117,14 +125,20 @@ TEST_F(Server, OnlyTheClientItselfSteersItsShipAndNobodyElseGetsItDropped)
         frameOfType(client.qport(), 1),
         frameOfType(client.qport(), 77),
         ""};
+    const std::string garbage = valid.substr(0, 2) + "\x02\0\x04\xFF"s;
     const auto sendHarmless = [&] {
         for (const std::string& bytes : harmless) {
             client.sendDatagram(bytes);
             run(20ms);
         }
     };
+    boost::asio::ip::udp::socket otherHost(io, {boost::asio::ip::make_address_v4("127.0.0.2"), 0});
     sendHarmless();
+    repeat(10, [&] { client.sendDatagram(garbage); });  // nobody knows yet whose it is
+    otherHost.send_to(boost::asio::buffer(valid), {boost::asio::ip::address_v4::loopback(), server->port()});
+    run(200ms);
     EXPECT_TRUE(client.datagrams.empty()) << "its address was taken from a message that means nothing";
+    EXPECT_EQ(otherHost.available(), 0U) << "a stranger was taken for the client";
     client.steer({});
     ASSERT_TRUE(runUntil([&] { return !client.datagrams.empty(); }));
     sendHarmless();
@@ -133,12 +147,17 @@ TEST_F(Server, OnlyTheClientItselfSteersItsShipAndNobodyElseGetsItDropped)
         intruder.sendDatagram(std::string(50, '\xEE'));
     });
     intruder.sendStream(valid);
+    client.sendDatagram(steeringFrame(client.qport(), {}) + steeringFrame(intruder.qport(), {}) + valid);
     run(200ms);
     EXPECT_TRUE(intruder.datagrams.empty());
     EXPECT_EQ(client.position(), start);
+    EXPECT_EQ(client.heard.positionOf(intruder.id()), intrudersStart);
     EXPECT_EQ(log.size(), 2U) << log.back();
     client.sendStream(valid);
     EXPECT_TRUE(runUntil([&] { return client.position().z > start.z; }));
+    client.sendDatagram(steeringFrame(client.qport(), {}) + frameOfType(client.qport(), 77) +
+                        steeringFrame(client.qport(), {Quaternion(), control::up}));
+    EXPECT_TRUE(runUntil([&] { return client.position().y > start.y; })) << "only the first frame counted";
 }
 
 TEST_F(Server, AFloodOfConnectionsFindsItFullAndDoesNotFillTheLog)
@@ -155,4 +174,50 @@ TEST_F(Server, AFloodOfConnectionsFindsItFullAndDoesNotFillTheLog)
     EXPECT_FALSE(player.serverHungUp);
     EXPECT_LE(log.size(), 4U) << "more than a line in a second";
     EXPECT_EQ(log.at(1).find("turned away "), 0U) << log.at(1);
+}
+
+TEST_F(Server, AFloodOfConnectionsThatHangUpNeitherHoldsUpANewcomerNorFillsTheLog)
+{
+    open(0);
+    const auto flood = [&] {
+        repeat(10, [&] { const TestClient passer(server->port()); });
+        return false;
+    };
+    runUntil(flood, 1s);
+    const TestClient& newcomer = *clients.emplace_back(std::make_unique<TestClient>(server->port()));
+    EXPECT_TRUE(runUntil([&] { return flood() || newcomer.id() != 0; }, 1s));
+    EXPECT_EQ(log, std::vector<std::string>{"join Pilot 1 (blue) from " + newcomer.address()});
+}
+
+TEST_F(Server, SaysOnceThatItIsOutOfDescriptorsAndGoesOnWhenItHasSome)
+{
+    open(0);
+    const TestClient& client = *clients.emplace_back(std::make_unique<TestClient>(server->port()));
+    const int firstFree = dup(0);
+    close(firstFree);
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none{static_cast<rlim_t>(firstFree), limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    run(1s);
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_EQ(log, std::vector<std::string>{"cannot accept a connection: Too many open files"});
+    EXPECT_TRUE(runUntil([&] { return client.id() != 0; }));
+}
+
+TEST(ServerLog, TellsOfSomeLinesAndOnceASecondHowManyItLeftOut)
+{
+    std::vector<std::string> heard;
+    SparingLog log([&](const std::string& line) { heard.push_back(line); });
+    for (std::uint64_t step = 0; step < 180; ++step) {
+        repeat(2, [&] { log.say("join", step); });
+        log.afterStep(step);
+    }
+    log.tellLeftOut();
+    std::uint64_t accountedFor = 0;
+    for (const std::string& line : heard) {
+        accountedFor += line == "join" ? 1 : std::stoul(line.substr(std::string("... and ").size()));
+    }
+    EXPECT_EQ(accountedFor, 360U);
+    EXPECT_EQ(heard.size(), 80U + 29U + 3U) << "a burst, ten a second, and a summary a second";
 }

@@ -95,8 +95,25 @@ TEST_F(Server, TwoClientsSeeEachOtherMoveAndFireWhileAThirdComesAndGoes)
                            [&](const auto& d) { return d.id() == third.id(); });
     };
     EXPECT_TRUE(runUntil([&] { return gone(first) && gone(second); }));
-    EXPECT_EQ(log, (std::vector<std::string>{"join Pilot 1 (blue)", "join Pilot 2 (red)",
-                                             "join Pilot 3 (blue)", "leave Pilot 3"}));
+    EXPECT_EQ(log,
+              (std::vector<std::string>{"join Pilot 1 (blue) from " + first.address(),
+                                        "join Pilot 2 (red) from " + second.address(),
+                                        "join Pilot 3 (blue) from " + third.address(), "leave Pilot 3"}));
+}
+
+TEST_F(Server, OneSocketPlaysAgainWhileItsEarlierConnectionStands)
+{
+    open(0);
+    TestClient& socket = join();
+    const TestClient& again = join();
+    socket.steer({});
+    ASSERT_TRUE(runUntil([&] { return !socket.datagrams.empty(); }));
+    const Vector3 start = again.position();
+    socket.sendDatagram(steeringFrame(again.qport(), {Quaternion(), control::up}));
+    EXPECT_TRUE(runUntil([&] { return socket.heard.positionOf(again.id()).y > start.y; }));
+    const Vector3 own = socket.position();
+    socket.steer({Quaternion(), control::up});
+    EXPECT_TRUE(runUntil([&] { return socket.position().y > own.y; })) << "the earlier one is heard no more";
 }
 
 TEST_F(Server, KeepsItsPortAndStopLeavesNoWork)

@@ -53,6 +53,8 @@ TEST(ServerCommandLine, EndsWithOneLineAndAStatusOrWithHelp)
                                             {"--bind", "localhost"},
                                             {"--bind", "::1"},
                                             {"--bind", "1.2.3"},
+                                            {"--bind", "224.0.0.1"},
+                                            {"--bind", "255.255.255.255"},
                                             {"--difficulty", "easyy"},
                                             {"--spawn", "0"},
                                             {"--score-limit", "1e3"},

@@ -53,6 +53,7 @@ TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
         {{"--port", "0", "--bind", "192.0.2.1"}, "status 1", "Cannot assign requested address"},
         {{"--port", "0", "--log", "/no/such/folder"}, "status 1", "No such file or directory"},
         {{"--port", "0", "--log", "/tmp"}, "status 1", "not a regular file"},
+        {{"--port", "0", "--log", "/no/such\nfolder"}, "status 1", "'/no/such?folder'"},
     };
     for (const auto& c : cases) {
         Process server = run(c.options);
@@ -73,6 +74,26 @@ TEST(ServerProgram, EndsInOrderAtASignal)
         EXPECT_EQ(server.end(), "status 0");
         EXPECT_TRUE(server.hasPrinted(" ms behind")) << server.output();
     }
+}
+
+TEST(ServerProgram, PrintsTheTableOfAMatchThatItsOptionsEnd)
+{
+    const Process server = run({"--port", "0", "--bots", "2", "--time-limit", "1", "--score-limit", "7",
+                                "--difficulty", "hard", "--spawn", "grid"});
+    EXPECT_TRUE(support::eventually([&] { return server.hasPrinted("   0 kills    0 deaths\n"); }))
+        << server.output();
+    EXPECT_TRUE(server.hasPrinted("match 1 over after 0:01: a draw, blue 0 red 0\n")) << server.output();
+}
+
+TEST(ServerProgram, SaysOnceThatItsMeasurementsNoLongerFitOnTheDisk)
+{
+    const std::string log = freshFile("vantor-full-disk");
+    const Process server(
+        {"sh", "-c", "trap '' XFSZ; ulimit -f 2; exec \"$0\" --port 0 --log \"$1\"", VANTOR_SERVER, log});
+    const std::string line = "cannot write measurements to '" + log + "' any more\n";
+    EXPECT_TRUE(support::eventually([&] { return server.hasPrinted(line); })) << server.output();
+    EXPECT_EQ(std::filesystem::file_size(log), 1024U);
+    std::filesystem::remove(log);
 }
 
 TEST(ServerProgram, LogsARowOfMeasurementsEachSecondThatCanBeDrawn)

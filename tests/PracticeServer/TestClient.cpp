@@ -48,6 +48,7 @@ TestClient::TestClient(std::uint16_t serverPort)
     : tcp(io), udp(io, {loopback, 0}), server(loopback, serverPort)
 {
     tcp.connect({loopback, serverPort});
+    ownAddress = "127.0.0.1:" + std::to_string(tcp.local_endpoint().port());
 }
 
 void TestClient::poll()

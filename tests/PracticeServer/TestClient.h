@@ -43,6 +43,8 @@ public:
     void stopReading();
 
     std::uint64_t id() const { return heard.welcome.id(); }
+    /// Its end of the connection, as "127.0.0.1:40000".
+    const std::string& address() const { return ownAddress; }
     std::uint16_t qport() const { return static_cast<std::uint16_t>(heard.welcome.qport()); }
     Vector3 position() const { return heard.positionOf(id()); }
 
@@ -56,5 +58,6 @@ private:
     boost::asio::ip::tcp::socket tcp;
     boost::asio::ip::udp::socket udp;
     boost::asio::ip::udp::endpoint server;
+    std::string ownAddress;
     std::string stream;
 };

@@ -1,6 +1,5 @@
 #include "tools/load/Witness.h"
 
-#include "PracticeServer/DatagramPacker.h"
 #include "PracticeServer/Match.h"
 #include "network/Framing.h"
 #include "network/MessageTypes.h"
@@ -12,6 +11,8 @@ namespace load {
 
 namespace {
 
+/// Bytes, as promised to every client; deliberately not the server's own constant, which could change unseen.
+constexpr std::size_t largestDatagram = 1200;
 constexpr std::uint32_t snapshotSpacing = 50;  ///< milliseconds of match time
 
 bool isFinite(const Vantor::Position& p)
@@ -36,7 +37,7 @@ void Witness::expect(bool holds, const char* fault)
 void Witness::hearDatagram(const char* data, std::size_t size)
 {
     udpBytes += size;
-    expect(size <= practice::DatagramPacker::largestDatagram, "a datagram of more than 1,200 bytes");
+    expect(size <= largestDatagram, "a datagram of more than 1,200 bytes");
     std::set<std::uint32_t> timestamps;
     expect(hearFrames(data, size, timestamps) == size, "half a frame at the end of a datagram");
     expect(timestamps.size() <= 1, "two times in one datagram");

@@ -1,27 +1,74 @@
+#include "Common/CommandLine.h"
 #include "tools/load/Swarm.h"
 
-#include <boost/program_options.hpp>
+#include <boost/program_options/value_semantic.hpp>
 
+#include <cstdio>
 #include <exception>
 #include <iostream>
+#include <limits>
+#include <stdexcept>
+#include <variant>
 
 namespace {
 
 namespace po = boost::program_options;
 
+constexpr const char* program = "vantor-swarm";
 constexpr std::chrono::seconds warmUp{3};
-constexpr unsigned mostClients = 1000;
+constexpr std::uint32_t mostClients = 1000;
+constexpr std::uint32_t longest = 86'400;  ///< seconds
 
-bool run(const po::variables_map& values)
+struct Options
 {
-    const auto port = values["port"].as<std::uint16_t>();
-    const auto clients = values["clients"].as<unsigned>();
-    const auto seconds = values["seconds"].as<unsigned>();
-    if (clients == 0 || clients > mostClients || seconds == 0) {
-        throw std::invalid_argument("at least one client (and at most 1000) and one second");
+    std::uint16_t port;
+    unsigned clients;
+    std::chrono::seconds seconds;
+};
+
+po::options_description description()
+{
+    po::options_description options("vantor-swarm: plays many clients against a server on 127.0.0.1");
+    const auto number = [](const char* standard) {
+        return po::value<std::string>()->default_value(standard)->value_name("N");
+    };
+    commandline::addInformation(options);
+    options.add_options()("port", number("21042"), "of the server");
+    options.add_options()("clients", number("64"), "how many, 1 to 1000");
+    options.add_options()("seconds", number("60"), "to measure, after 3 to warm up");
+    return options;
+}
+
+std::uint32_t positive(const po::variables_map& values, const char* option, std::uint32_t largest)
+{
+    const std::uint32_t value = commandline::wholeNumber(option, values[option].as<std::string>(), largest);
+    if (value == 0) {
+        throw std::invalid_argument("--" + std::string(option) + " wants at least 1");
     }
-    load::Swarm swarm({boost::asio::ip::address_v4::loopback(), port}, clients);
-    swarm.play(warmUp, std::chrono::seconds(seconds));
+    return value;
+}
+
+std::variant<Options, commandline::End> readOptions(int argc, const char* const* argv)
+{
+    try {
+        const po::options_description options = description();
+        const po::variables_map values = commandline::parse(argc, argv, options);
+        if (auto information = commandline::information(program, options, values)) {
+            return *information;
+        }
+        return Options{
+            static_cast<std::uint16_t>(positive(values, "port", std::numeric_limits<std::uint16_t>::max())),
+            positive(values, "clients", mostClients),
+            std::chrono::seconds(positive(values, "seconds", longest))};
+    } catch (const std::exception& error) {
+        return commandline::refusal(program, error);
+    }
+}
+
+bool run(const Options& options)
+{
+    load::Swarm swarm({boost::asio::ip::address_v4::loopback(), options.port}, options.clients);
+    swarm.play(warmUp, options.seconds);
     return swarm.report(std::cout);
 }
 
@@ -29,22 +76,15 @@ bool run(const po::variables_map& values)
 
 int main(int argc, char** argv)
 {
-    po::options_description options("vantor-swarm: plays many clients against a server on 127.0.0.1");
-    options.add_options()("help", "show this text");
-    options.add_options()("port", po::value<std::uint16_t>()->default_value(21042), "of the server");
-    options.add_options()("clients", po::value<unsigned>()->default_value(64), "how many");
-    options.add_options()("seconds", po::value<unsigned>()->default_value(60),
-                          "to measure, after 3 to warm up");
     try {
-        po::variables_map values;
-        po::store(po::parse_command_line(argc, argv, options), values);
-        if (values.count("help") != 0) {
-            std::cout << options;
-            return 0;
+        const auto parsed = readOptions(argc, argv);
+        if (const auto* end = std::get_if<commandline::End>(&parsed)) {
+            (end->status == 0 ? std::cout : std::cerr) << end->text;
+            return end->status;
         }
-        return run(values) ? 0 : 1;
+        return run(std::get<Options>(parsed)) ? 0 : 1;
     } catch (const std::exception& error) {
-        std::cerr << "vantor-swarm: " << error.what() << '\n';
-        return 2;
+        std::fprintf(stderr, "%s: %s\n", program, commandline::oneLine(error.what()).c_str());
+        return 1;
     }
 }

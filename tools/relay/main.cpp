@@ -1,3 +1,4 @@
+#include "Common/CommandLine.h"
 #include "Common/StatusLine.h"
 #include "tools/relay/Relay.h"
 #include "tools/relay/RelayOptions.h"
@@ -64,7 +65,7 @@ int main(int argc, char** argv)
         const auto& options = std::get<relay::RelayOptions>(parsed);
         return options.replayPath.empty() ? passOn(options) : replay(options);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "vantor-relay: %s\n", error.what());
+        std::fprintf(stderr, "vantor-relay: %s\n", commandline::oneLine(error.what()).c_str());
         return 1;
     }
 }

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <boost/asio/ip/tcp.hpp>
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace practice {
+
+/// Where connections wait to be let in, so that those which hang up at once cost next to nothing and keep
+/// nobody behind them waiting.
+///
+/// Lives on the acceptor's single-threaded executor. Whoever owns it looks in regularly, once a step: that is
+/// also when accepting goes on after the doorstep was full, or the system out of descriptors.
+class Doorstep
+{
+public:
+    using Say = std::function<void(const std::string& line)>;
+
+    /// More wait in the system's own queue.
+    static constexpr std::size_t room = 128;
+
+    /// The acceptor is not owned. `say` hears when connections cannot be accepted, once until one can again.
+    Doorstep(boost::asio::ip::tcp::acceptor& acceptor_, Say say_) : acceptor(acceptor_), say(std::move(say_))
+    {
+    }
+
+    void open() { accept(); }
+    /// Accepts nothing more, and hangs up on all who wait.
+    void close();
+
+    /// Sends away those who have hung up, and goes on accepting.
+    void tidy();
+    /// The one who has waited longest, if anybody does.
+    std::optional<boost::asio::ip::tcp::socket> next();
+
+private:
+    boost::asio::ip::tcp::acceptor& acceptor;
+    Say say;
+    std::deque<boost::asio::ip::tcp::socket> waiting;
+    bool closed = false;
+    bool accepting = false;
+    bool failing = false;
+    unsigned pause = 0;  ///< calls of `tidy` until it is tried again
+
+    void accept();
+    void handleAccept(const boost::system::error_code& error, boost::asio::ip::tcp::socket socket);
+};
+
+}  // namespace practice
