@@ -36,9 +36,8 @@ int passOn(const relay::RelayOptions& options)
         recording.emplace(options.recordPath);
         relay.recordInto(*recording);
     }
-    return serve(
-        io, relay,
-        "to " + config.serverHost + ":" + config.serverPort + ", " + relay::describe(config.conditions));
+    return serve(io, relay,
+                 "to " + config.serverHost + ":" + config.serverPort + ", " + relay::describe(config));
 }
 
 int replay(const relay::RelayOptions& options)
