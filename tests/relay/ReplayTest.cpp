@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <thread>
@@ -18,7 +19,7 @@ const std::string recordings = VANTOR_RECORDINGS;
 
 Script shortMatch()
 {
-    return serverSide(readRecording(recordings + "/short-match.rec"));
+    return serverSide(readRecording(recordings + "/short-match.rec", {}));
 }
 
 /// A replayer of the short match on a thread of its own.

@@ -33,7 +33,7 @@ void ReplaySession::close()
 
 bool ReplaySession::takesAddress(const Endpoint& sender, const std::string& datagram)
 {
-    if (ended || address || sender.address() != peer.address() || !carriesQport(datagram, script.qport)) {
+    if (ended || address || sender.address() != peer.address() || qportOf(datagram) != script.qport) {
         return false;
     }
     address = sender;
