@@ -76,7 +76,7 @@ po::options_description description()
     add("loss", value("PERCENT"), "of the datagrams never arrive");
     add("duplicate", value("PERCENT"), "of those that arrive arrive twice");
     add("reorder", value("PERCENT"), "of those that arrive arrive behind a later one;\nat most 50");
-    add("seed", value("N"), "of the faults; the same seed spoils the same datagrams (1)");
+    add("seed", value("N"), "of the faults (1); the same one repeats them");
     add("cut-after", value("S"), "hang up each connection so many seconds old");
     add("record", value("FILE"), "write all that both sides say, before faults");
     add("replay", value("FILE"), "play the server of a recording, to one client at a time");

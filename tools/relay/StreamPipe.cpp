@@ -115,8 +115,10 @@ void StreamPipe::handleWritten(const error_code& error)
 
 void StreamPipe::finish()
 {
-    error_code ignored;  // a socket that is gone already needs no end of file
-    to->shutdown(boost::asio::ip::tcp::socket::shutdown_send, ignored);
+    if (!isBroken) {
+        error_code ignored;  // a socket that is gone already needs no end of file
+        to->shutdown(boost::asio::ip::tcp::socket::shutdown_send, ignored);
+    }
     onEnd(isBroken ? Cause::brokenSource : Cause::endOfFile);
 }
 
