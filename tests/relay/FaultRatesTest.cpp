@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 using namespace relay;
 
@@ -80,20 +81,16 @@ constexpr Conditions awful = {milliseconds(80), milliseconds(30), 0.15, 0.05, 0.
 
 TEST(Faults, ComeAtTheAskedRatesAndOnlyTheAskedOnes)
 {
-    const struct
-    {
-        Conditions asked;
-        int interval;  ///< ms
-    } cases[] = {{{}, 1},
-                 {{milliseconds(80), milliseconds(30), 0, 0, 0}, 1},
-                 {{{}, {}, 0.05, 0, 0}, 1},
-                 {{{}, {}, 0, 0.05, 0}, 1},
-                 {{milliseconds(5), {}, 0, 0, 0.05}, 1},
-                 {{milliseconds(5), {}, 0, 0, mostReorder}, 50},
-                 {{milliseconds(80), milliseconds(30), 0.15, 0.05, 0.4}, 16},
-                 {{{}, {}, 1, 0, 0}, 1},
-                 {{{}, {}, 0, 1, 0}, 1},
-                 {awful, 1}};
+    const std::pair<Conditions, int> cases[] = {{{}, 1},
+                                                {{milliseconds(80), milliseconds(30), 0, 0, 0}, 1},
+                                                {{{}, {}, 0.05, 0, 0}, 1},
+                                                {{{}, {}, 0, 0.05, 0}, 1},
+                                                {{milliseconds(5), {}, 0, 0, 0.05}, 1},
+                                                {{milliseconds(5), {}, 0, 0, mostReorder}, 50},
+                                                {{milliseconds(80), milliseconds(30), 0.15, 0.05, 0.4}, 16},
+                                                {{{}, {}, 1, 0, 0}, 1},
+                                                {{{}, {}, 0, 1, 0}, 1},
+                                                {awful, 1}};
     for (const auto& [asked, interval] : cases) {
         const Rates rates = ratesOf(cross(asked, 1, firstLane, interval));
         const auto expectRate = [](double rate, double share, const char* fault) {

@@ -53,21 +53,6 @@ std::string complaintAbout(const std::string& path)
 
 }  // namespace
 
-TEST(Recording, GivesBackWhatWasWritten)
-{
-    const TemporaryFile file;
-    writeExample(file.path);
-    const std::vector<Chunk> chunks = readRecording(file.path, {});
-    ASSERT_EQ(chunks.size(), 4U);
-    EXPECT_EQ(chunks[0].kind, Chunk::Kind::opened);
-    EXPECT_EQ(chunks[1].bytes, std::string("a\0b", 3));
-    EXPECT_EQ(chunks[1].lane.direction, Direction::toClient);
-    EXPECT_EQ(chunks[2].lane.number, 7U);
-    EXPECT_EQ(chunks[2].lane.transport, Transport::datagrams);
-    EXPECT_EQ(chunks[3].kind, Chunk::Kind::closed);
-    EXPECT_LE(chunks[0].at, chunks[3].at);
-}
-
 TEST(Recording, CutAnywhereGivesItsWholeChunksAndSaysWhereItBreaksOff)
 {
     const TemporaryFile file;
