@@ -50,7 +50,6 @@ void FrontDoor::accept()
             pauseAccepting(error);
             return;
         }
-        isInTrouble = false;
         onConnection(std::move(socket));
         accept();
     });
@@ -58,7 +57,7 @@ void FrontDoor::accept()
 
 void FrontDoor::pauseAccepting(const error_code& error)
 {
-    if (!std::exchange(isInTrouble, true)) {
+    if (!std::exchange(hasComplained, true)) {
         onTrouble("cannot take connections: " + error.message());
     }
     acceptPause.expires_after(acceptRetry);

@@ -26,7 +26,7 @@ public:
     /// Port 0: any free one. Throws boost::system::system_error where the port is taken.
     FrontDoor(boost::asio::io_context& io, std::uint16_t port);
 
-    /// Of a trouble with taking connections one hears once, until one is taken again.
+    /// Of trouble with taking connections one hears once.
     void open(OnConnection onConnection, OnDatagram onDatagram, OnTrouble onTrouble);
     /// Calls nobody any more.
     void close();
@@ -41,7 +41,7 @@ private:
     OnConnection onConnection;
     OnDatagram onDatagram;
     OnTrouble onTrouble;
-    bool isInTrouble = false;
+    bool hasComplained = false;
     std::vector<char> received;
     Endpoint sender;
     bool closed = false;
