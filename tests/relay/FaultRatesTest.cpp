@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 using namespace relay;
 
@@ -80,16 +81,18 @@ constexpr Conditions awful = {milliseconds(80), milliseconds(30), 0.15, 0.05, 0.
 
 TEST(Faults, ComeAtTheAskedRatesAndOnlyTheAskedOnes)
 {
-    const Conditions cases[] = {{},
-                                {milliseconds(80), milliseconds(30), 0, 0, 0},
-                                {{}, {}, 0.05, 0, 0},
-                                {{}, {}, 0, 0.05, 0},
-                                {milliseconds(5), {}, 0, 0, 0.05},
-                                {{}, {}, 1, 0, 0},
-                                {{}, {}, 0, 1, 0},
-                                awful};
-    for (const Conditions& asked : cases) {
-        const Rates rates = ratesOf(cross(asked));
+    const std::pair<Conditions, int> cases[] = {{{}, 1},
+                                                {{milliseconds(80), milliseconds(30), 0, 0, 0}, 1},
+                                                {{{}, {}, 0.05, 0, 0}, 1},
+                                                {{{}, {}, 0, 0.05, 0}, 1},
+                                                {{milliseconds(5), {}, 0, 0, 0.05}, 1},
+                                                {{milliseconds(5), {}, 0, 0, mostReorder}, 50},
+                                                {{milliseconds(80), milliseconds(30), 0.15, 0.05, 0.4}, 16},
+                                                {{{}, {}, 1, 0, 0}, 1},
+                                                {{{}, {}, 0, 1, 0}, 1},
+                                                {awful, 1}};
+    for (const auto& [asked, interval] : cases) {
+        const Rates rates = ratesOf(cross(asked, 1, firstLane, interval));
         const auto expectRate = [](double rate, double share, const char* fault) {
             const bool isExact = share == 0 || share == 1;
             EXPECT_NEAR(rate, 100 * share, isExact ? 0 : 1.0) << fault;  // 1 point: four standard deviations
@@ -130,7 +133,7 @@ TEST(Faults, FollowFromTheSeedAndTheLane)
 
 TEST(Faults, AHeldDatagramThatNobodyOvertakesArrivesAfterTheHoldLimit)
 {
-    DatagramLine line(Impairment({milliseconds(10), {}, 0, 0, 1}, 1, firstLane));
+    DatagramLine line(Impairment({milliseconds(10), {}, 0, 0, mostReorder}, 1, firstLane));
     line.push(start, "lonely");
     const Time due = start + milliseconds(10) + DatagramLine::holdLimit;
     EXPECT_EQ(line.nextDue(), due);
@@ -144,8 +147,12 @@ TEST(Faults, ALineThatIsFullLosesWhatComesButNotWhatItHas)
     DatagramLine line(Impairment({milliseconds(10), {}, 0, 0, 0}, 1, firstLane));
     const std::string large(DatagramLine::byteLimit / 2, 'x');
     EXPECT_TRUE(line.push(start, large));
-    EXPECT_TRUE(line.push(start, large));
-    EXPECT_FALSE(line.push(start, "x"));
+    EXPECT_FALSE(line.push(start, large));
+    std::size_t empty = 0;
+    while (empty < DatagramLine::byteLimit && line.push(start, "")) {
+        ++empty;
+    }
+    EXPECT_LT(empty, DatagramLine::byteLimit / 64) << "one without bytes takes memory, too";
     EXPECT_EQ(line.pop(start + milliseconds(10)), large);
-    EXPECT_TRUE(line.push(start + milliseconds(10), "x"));
+    EXPECT_TRUE(line.push(start + milliseconds(10), large.substr(1000)));
 }

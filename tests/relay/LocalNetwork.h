@@ -21,6 +21,7 @@ struct StreamEnd
     boost::asio::ip::tcp::socket socket;
     std::string heard = {};
     bool hasEnded = false;  ///< the other end says no more
+    boost::system::error_code end = {};
 
     void send(const std::string& bytes) { boost::asio::write(socket, boost::asio::buffer(bytes)); }
     /// Takes what has arrived.
@@ -32,7 +33,10 @@ struct StreamEnd
         while (const std::size_t size = socket.read_some(boost::asio::buffer(buffer), error)) {
             heard.append(buffer.data(), size);
         }
-        hasEnded = hasEnded || (error && error != boost::asio::error::would_block);
+        if (!hasEnded && error != boost::asio::error::would_block) {
+            hasEnded = true;
+            end = error;
+        }
     }
 };
 

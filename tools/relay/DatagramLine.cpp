@@ -9,16 +9,16 @@ namespace relay {
 bool DatagramLine::push(Time now, std::string datagram)
 {
     const Fate fate = impairment.next();
-    if (waitingBytes + datagram.size() > byteLimit) {
+    lastDue = std::max(lastDue, now + fate.delay);
+    Waiting coming = {lastDue, pushed++, fate.copies, fate.overtakenBy, std::move(datagram)};
+    if (waitingBytes + coming.cost() > byteLimit) {
         return false;
     }
     if (fate.copies == 0) {
         return true;
     }
-    lastDue = std::max(lastDue, now + fate.delay);
-    waitingBytes += datagram.size();
-    std::deque<Waiting>& queue = fate.overtakenBy == 0 ? ordered : held;
-    queue.push_back({lastDue, pushed++, fate.copies, fate.overtakenBy, std::move(datagram)});
+    waitingBytes += coming.cost();
+    (fate.overtakenBy == 0 ? ordered : held).push_back(std::move(coming));
     return true;
 }
 
@@ -34,8 +34,8 @@ std::optional<std::string> DatagramLine::pop(Time now)
     }
     Waiting leaving = std::move(ordered.front());
     ordered.pop_front();
-    waitingBytes -= leaving.bytes.size();
-    releaseOvertaken(now, leaving.number);
+    waitingBytes -= leaving.cost();
+    releaseOvertaken(leaving);
     return std::move(leaving.bytes);
 }
 
@@ -48,25 +48,30 @@ std::optional<Time> DatagramLine::nextDue() const
     return held.empty() ? first : std::min(first, held.front().due + holdLimit);
 }
 
+/// Not before those that were due before: a caller that comes late finds the same order.
 void DatagramLine::releaseOverdue(Time now)
 {
-    while (!held.empty() && held.front().due + holdLimit <= now) {
+    if (held.empty()) {
+        return;
+    }
+    const Time limit = held.front().due + holdLimit;
+    if (limit <= now && (ordered.empty() || limit < ordered.front().due)) {
         ordered.push_front(std::move(held.front()));
-        ordered.front().due = now;
+        ordered.front().due = limit;
         held.pop_front();
     }
 }
 
 /// The released leave before everything else, in the order in which they came.
-void DatagramLine::releaseOvertaken(Time now, std::uint64_t by)
+void DatagramLine::releaseOvertaken(const Waiting& by)
 {
     auto place = ordered.begin();
     for (auto waiting = held.begin(); waiting != held.end();) {
-        if (waiting->number > by || --waiting->overtakenBy > 0) {
+        if (waiting->number > by.number || --waiting->overtakenBy > 0) {
             ++waiting;
             continue;
         }
-        waiting->due = now;
+        waiting->due = by.due;
         place = std::next(ordered.insert(place, std::move(*waiting)));
         waiting = held.erase(waiting);
     }

@@ -14,14 +14,14 @@ namespace relay {
 ///
 /// Jitter alone changes no order, as on a single path: one that is delayed less waits for those before it. So
 /// the share that `reorder` asks for, and no more, arrives behind a later one: it is held back until later
-/// ones have left, or for holdLimit where none come. A copy follows its original.
+/// ones have left, or for holdLimit where too few come. A copy follows its original.
 /// Knows no clock: the caller says what time it is, and never goes back.
 class DatagramLine
 {
 public:
     static constexpr Duration holdLimit = std::chrono::milliseconds(250);
-    static constexpr std::size_t byteLimit = std::size_t(1)
-                                             << 20U;  ///< seconds of play, even at a delay of 10 s
+    /// Counts what each datagram costs besides its bytes, which may be none: a full match at a delay of 10 s.
+    static constexpr std::size_t byteLimit = std::size_t(2) << 20U;
 
     explicit DatagramLine(const Impairment& impairment_) : impairment(impairment_) {}
 
@@ -40,17 +40,19 @@ private:
         unsigned copies;
         unsigned overtakenBy;
         std::string bytes;
+
+        std::size_t cost() const { return sizeof(Waiting) + bytes.size(); }
     };
 
     Impairment impairment;
     std::deque<Waiting> ordered;  ///< by due
     std::deque<Waiting> held;     ///< to be overtaken; by due, from which holdLimit counts
     std::uint64_t pushed = 0;
-    std::size_t waitingBytes = 0;
+    std::size_t waitingBytes = 0;  ///< the sum of their costs
     Time lastDue;
 
     void releaseOverdue(Time now);
-    void releaseOvertaken(Time now, std::uint64_t by);
+    void releaseOvertaken(const Waiting& by);
 };
 
 }  // namespace relay

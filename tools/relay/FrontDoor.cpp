@@ -1,5 +1,7 @@
 #include "tools/relay/FrontDoor.h"
 
+#include "tools/relay/Recording.h"
+
 #include <chrono>
 #include <utility>
 
@@ -10,21 +12,21 @@ using boost::system::error_code;
 
 namespace {
 
-constexpr std::size_t largestDatagram = 65536;
-constexpr std::chrono::milliseconds acceptRetry{
-    200};  ///< when no connection can be taken, as without descriptors
+/// When no connection can be taken, as without descriptors.
+constexpr std::chrono::milliseconds acceptRetry{200};
 
 }  // namespace
 
 FrontDoor::FrontDoor(boost::asio::io_context& io, std::uint16_t port)
-    : ports(io, port), portNumber(ports.number()), acceptPause(io), received(largestDatagram)
+    : ports(io, port), portNumber(ports.number()), acceptPause(io), received(largestChunk)
 {
 }
 
-void FrontDoor::open(OnConnection onConnection_, OnDatagram onDatagram_)
+void FrontDoor::open(OnConnection onConnection_, OnDatagram onDatagram_, OnTrouble onTrouble_)
 {
     onConnection = std::move(onConnection_);
     onDatagram = std::move(onDatagram_);
+    onTrouble = std::move(onTrouble_);
     accept();
     receive();
 }
@@ -45,7 +47,7 @@ void FrontDoor::accept()
             return;
         }
         if (error) {
-            pauseAccepting();
+            pauseAccepting(error);
             return;
         }
         onConnection(std::move(socket));
@@ -53,8 +55,11 @@ void FrontDoor::accept()
     });
 }
 
-void FrontDoor::pauseAccepting()
+void FrontDoor::pauseAccepting(const error_code& error)
 {
+    if (!std::exchange(hasComplained, true)) {
+        onTrouble("cannot take connections: " + error.message());
+    }
     acceptPause.expires_after(acceptRetry);
     acceptPause.async_wait([this](const error_code& cancelled) {
         if (!closed && !cancelled) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace relay {
@@ -20,11 +21,13 @@ public:
     using Endpoint = boost::asio::ip::udp::endpoint;
     using OnConnection = std::function<void(boost::asio::ip::tcp::socket)>;
     using OnDatagram = std::function<void(const Endpoint& sender, const char* data, std::size_t size)>;
+    using OnTrouble = std::function<void(const std::string& line)>;
 
     /// Port 0: any free one. Throws boost::system::system_error where the port is taken.
     FrontDoor(boost::asio::io_context& io, std::uint16_t port);
 
-    void open(OnConnection onConnection, OnDatagram onDatagram);
+    /// Of trouble with taking connections one hears once.
+    void open(OnConnection onConnection, OnDatagram onDatagram, OnTrouble onTrouble);
     /// Calls nobody any more.
     void close();
 
@@ -37,12 +40,14 @@ private:
     boost::asio::steady_timer acceptPause;
     OnConnection onConnection;
     OnDatagram onDatagram;
+    OnTrouble onTrouble;
+    bool hasComplained = false;
     std::vector<char> received;
     Endpoint sender;
     bool closed = false;
 
     void accept();
-    void pauseAccepting();
+    void pauseAccepting(const boost::system::error_code& error);
     void receive();
 };
 

@@ -22,19 +22,22 @@ Impairment::Impairment(const Conditions& conditions_, std::uint32_t seed, const 
 {
 }
 
-// Every decision takes the same number of draws, so that changing one rate leaves the other faults where they
-// are.
+// Every decision takes the same number of draws, so that losses and copies stay where they are when another
+// rate changes. Only a datagram behind a punctual one is drawn for a reordering: with the chance h, which
+// makes the share h / (1 + h) of all.
 Fate Impairment::next()
 {
     const bool lost = unit() < conditions.loss;
     const bool doubled = unit() < conditions.duplicate;
-    const bool reordered = unit() < conditions.reorder;
+    const bool drawn = unit() < conditions.reorder / (1 - conditions.reorder);
     const auto depth = 1 + static_cast<unsigned>(unit() * deepestReorder);
     const double swing = 2 * unit() - 1;
     const auto jitter = static_cast<Duration::rep>(swing * static_cast<double>(conditions.jitter.count()));
     const unsigned copies = doubled ? 2 : 1;
+    const bool held = drawn && !overtakes;
+    overtakes = lost ? overtakes : held;
     return {lost ? 0 : copies, std::max(Duration(0), conditions.latency + Duration(jitter)),
-            reordered ? depth : 0};
+            held ? depth : 0};
 }
 
 /// Uniform in [0, 1). The engine's sequence is fixed by the language standard, the library's distributions

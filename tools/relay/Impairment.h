@@ -17,8 +17,12 @@ struct Conditions
     Duration jitter{0};    ///< each delay is uniform in latency ± jitter, and never below 0
     double loss = 0;       ///< share of the datagrams that never arrive, 0 to 1
     double duplicate = 0;  ///< share of those that arrive that arrive twice, 0 to 1
-    double reorder = 0;    ///< share of those that arrive that arrive behind a later one, 0 to 1
+    /// Share of those that arrive that arrive behind a later one, 0 to mostReorder.
+    double reorder = 0;
 };
+
+/// More than every other one cannot be late for sure: each needs a punctual one that overtakes it.
+constexpr double mostReorder = 0.5;
 
 enum class Transport : std::uint8_t
 {
@@ -62,6 +66,7 @@ public:
 private:
     Conditions conditions;
     std::mt19937 engine;
+    bool overtakes = false;  ///< the next one that arrives must not be held: the one before it is
 
     double unit();
 };

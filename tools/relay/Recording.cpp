@@ -1,9 +1,12 @@
 #include "tools/relay/Recording.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace relay {
 
@@ -33,49 +36,65 @@ std::uint64_t numberAt(const char* data, unsigned bytes)
     return value;
 }
 
-std::string wholeFile(const std::string& path)
+/// What is left of the file, or so many bytes of it.
+std::string readUpTo(std::size_t most, std::FILE* file)
 {
-    const FilePtr file(std::fopen(path.c_str(), "rbe"));
     std::string bytes;
-    std::array<char, 65536> part;
-    while (file != nullptr && std::ferror(file.get()) == 0 && std::feof(file.get()) == 0) {
-        bytes.append(part.data(), std::fread(part.data(), 1, part.size(), file.get()));
-    }
-    if (file == nullptr || std::ferror(file.get()) != 0) {
-        throw systemError("read", path);
+    for (std::size_t got = 1; got > 0 && bytes.size() < most;) {
+        const std::size_t size = bytes.size();
+        bytes.resize(size + std::min(most - size, largestChunk));
+        got = std::fread(&bytes[size], 1, bytes.size() - size, file);
+        bytes.resize(size + got);
     }
     return bytes;
+}
+
+/// All of a recording but its header, which is checked before any more is read.
+std::string chunksOf(const std::string& path)
+{
+    std::error_code unknown;  // what cannot be looked at cannot be opened either, and that says why
+    const std::filesystem::file_status status = std::filesystem::status(path, unknown);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        throw std::runtime_error(path + " is no regular file");
+    }
+    const FilePtr file(std::fopen(path.c_str(), "rbe"));
+    if (file == nullptr) {
+        throw systemError("read", path);
+    }
+    if (readUpTo(header.size(), file.get()) != header) {
+        throw std::runtime_error(path + " is no recording of this version");
+    }
+    std::string chunks = readUpTo(std::string::npos, file.get());
+    if (std::ferror(file.get()) != 0) {
+        throw systemError("read", path);
+    }
+    return chunks;
 }
 
 /// Takes the chunks of a file one by one; what the file says is believed only after a check.
 class Reader
 {
 public:
-    explicit Reader(const std::string& path_) : path(path_), file(wholeFile(path_))
-    {
-        if (file.compare(0, header.size(), header) != 0) {
-            throw fault("is no recording of this version");
-        }
-        offset = header.size();
-    }
+    explicit Reader(const std::string& path_) : path(path_), file(chunksOf(path_)) {}
 
-    bool atEnd() const { return offset == file.size(); }
-
-    Chunk next()
+    /// Nothing at the end, and where a chunk is not whole.
+    std::optional<Chunk> next()
     {
         const char* const at = file.data() + offset;
         if (file.size() - offset < chunkHeaderSize) {
-            throw fault("is truncated");
+            return std::nullopt;
         }
         const std::size_t size = numberAt(at + 15, 4);
         Chunk chunk = headerOf(at, size);
         if (file.size() - offset - chunkHeaderSize < size) {
-            throw fault("is truncated");
+            return std::nullopt;
         }
         chunk.bytes.assign(at + chunkHeaderSize, size);
         offset += chunkHeaderSize + size;
         return chunk;
     }
+    std::size_t left() const { return file.size() - offset; }
+    std::string place() const { return " at offset " + std::to_string(header.size() + offset); }
 
 private:
     std::string path;
@@ -92,17 +111,12 @@ private:
         const auto kind = static_cast<unsigned char>(at[14]);
         if (time < lastTime || time > longest || transport > 1 || direction > 1 || kind > 2 ||
             size > (kind == 0 ? largestChunk : 0)) {
-            throw fault("is garbled");
+            throw std::runtime_error(path + " is garbled" + place());
         }
         lastTime = time;
         const Lane lane = {Transport(transport), static_cast<std::uint32_t>(numberAt(at + 8, 4)),
                            Direction(direction)};
         return {Duration(static_cast<Duration::rep>(time)), lane, Chunk::Kind(kind), {}};
-    }
-
-    std::runtime_error fault(const std::string& what) const
-    {
-        return std::runtime_error(path + " " + what + " at offset " + std::to_string(offset));
     }
 };
 
@@ -139,11 +153,15 @@ void RecordingWriter::put(const std::string& bytes)
     }
 }
 
-std::vector<Chunk> readRecording(const std::string& path)
+std::vector<Chunk> readRecording(const std::string& path, const Warn& warn)
 {
+    Reader reader(path);
     std::vector<Chunk> chunks;
-    for (Reader reader(path); !reader.atEnd();) {
-        chunks.push_back(reader.next());
+    while (std::optional<Chunk> chunk = reader.next()) {
+        chunks.push_back(std::move(*chunk));
+    }
+    if (reader.left() > 0) {
+        warn(path + " breaks off within a chunk" + reader.place() + "; all before it is used");
     }
     return chunks;
 }

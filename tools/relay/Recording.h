@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,7 +28,7 @@ struct Chunk
     std::string bytes;  ///< at most largestChunk
 };
 
-constexpr std::size_t largestChunk = 65536;
+constexpr std::size_t largestChunk = 65536;  ///< more than any datagram holds
 
 struct FileCloser
 {
@@ -48,7 +49,8 @@ using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 ///     15      4     how many bytes follow, at most 65,536; 0 for opened and closed
 ///     19      ...   the bytes
 ///
-/// Each chunk is in the file when `write` returns, so that a relay that is killed leaves all but its last.
+/// Each chunk is with the system when `write` returns. A relay that is killed, or a full disk, leaves whole
+/// chunks and perhaps the beginning of one more.
 class RecordingWriter
 {
 public:
@@ -65,8 +67,11 @@ private:
     void put(const std::string& bytes);
 };
 
-/// Reads a whole recording. Throws std::runtime_error, with one line that names the file and the offset,
-/// where it is none, is truncated or garbled.
-std::vector<Chunk> readRecording(const std::string& path);
+using Warn = std::function<void(const std::string& line)>;
+
+/// Reads a whole recording; warns where it breaks off within its last chunk, which is left out. Throws
+/// std::runtime_error, with one line that names the file, where it is none, and also the offset where it is
+/// garbled.
+std::vector<Chunk> readRecording(const std::string& path, const Warn& warn);
 
 }  // namespace relay

@@ -1,5 +1,6 @@
 #include "tools/relay/Relay.h"
 
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -21,11 +22,26 @@ tcp::endpoint resolve(boost::asio::io_context& io, const RelayConfig& config)
     }
 }
 
+/// Whether a connection to there comes in at such a door of ours, which is 127.0.0.1's.
+bool leadsTo(const FrontDoor& door, const tcp::endpoint& server)
+{
+    namespace ip = boost::asio::ip;
+    const ip::address& to = server.address();
+    const bool isMapped = to.is_v6() && to.to_v6().is_v4_mapped();
+    const ip::address plain = isMapped ? ip::make_address_v4(ip::v4_mapped, to.to_v6()) : to;
+    const bool isHere = plain == ip::address_v4::loopback() || plain == ip::address_v4::any();
+    return isHere && server.port() == door.port();
+}
+
 }  // namespace
 
 Relay::Relay(boost::asio::io_context& io, const RelayConfig& config_)
     : config(config_), server(resolve(io, config_)), door(io, config_.port)
 {
+    if (leadsTo(door, server)) {
+        throw std::runtime_error("the server cannot be the relay itself, which has port " +
+                                 std::to_string(door.port()));
+    }
 }
 
 void Relay::start()
@@ -35,7 +51,8 @@ void Relay::start()
                   if (const auto flow = flowOf(client)) {
                       flow->fromClient(data, size);
                   }
-              });
+              },
+              config.log);
 }
 
 void Relay::stop()
@@ -82,13 +99,10 @@ std::shared_ptr<UdpFlow> Relay::flowOf(const UdpFlow::Endpoint& client)
     if (flows.size() >= mostFlows) {
         dropIdleFlows();
     }
-    const bool wasFull = std::exchange(isFull, flows.size() >= mostFlows);
-    if (!isFull) {
+    if (flows.size() < mostFlows) {
         return addFlow(client);
     }
-    if (!wasFull) {
-        config.log("ignoring new senders of datagrams: " + std::to_string(mostFlows) + " are active");
-    }
+    refuseFlow(std::to_string(mostFlows) + " are active");
     return nullptr;
 }
 
@@ -96,13 +110,23 @@ std::shared_ptr<UdpFlow> Relay::addFlow(const UdpFlow::Endpoint& client)
 {
     const UdpFlow::Endpoint serverAddress(server.address(), server.port());
     try {
-        auto flow = std::make_shared<UdpFlow>(door.udp(), client, serverAddress, ++flowCount, config);
+        auto flow = std::make_shared<UdpFlow>(door.udp(), client, serverAddress, flowCount + 1, config);
+        ++flowCount;
         flow->start();
         flows[client] = flow;
+        refusal.clear();
         return flow;
     } catch (const boost::system::system_error& error) {
-        config.log(std::string("cannot pass on datagrams: ") + error.what());
+        refuseFlow(error.code().message());
         return nullptr;
+    }
+}
+
+/// Says so once, and not for each datagram, until a flow is taken again.
+void Relay::refuseFlow(const std::string& why)
+{
+    if (std::exchange(refusal, why) != why) {
+        config.log("ignoring new senders of datagrams: " + why);
     }
 }
 

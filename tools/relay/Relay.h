@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <string>
 
 namespace relay {
 
@@ -24,7 +25,8 @@ public:
     /// something 20 times a second.
     static constexpr Duration idleLimit = std::chrono::seconds(2);
 
-    /// Finds the server's address and opens the ports. Throws boost::system::system_error where that fails.
+    /// Finds the server's address and opens the ports. Throws std::runtime_error, perhaps a
+    /// boost::system::system_error, where that fails or the server would be the relay itself.
     Relay(boost::asio::io_context& io, const RelayConfig& config);
     Relay(const Relay&) = delete;
     Relay& operator=(const Relay&) = delete;
@@ -47,12 +49,13 @@ private:
     std::map<UdpFlow::Endpoint, std::shared_ptr<UdpFlow>> flows;
     std::uint32_t linkCount = 0;  ///< ever
     std::uint32_t flowCount = 0;  ///< ever
-    bool isFull = false;          ///< of flows; so said the log already
+    std::string refusal;          ///< why new flows are refused; so said the log already
 
     void handleConnection(boost::asio::ip::tcp::socket socket);
     void addLink(boost::asio::ip::tcp::socket socket);
     std::shared_ptr<UdpFlow> flowOf(const UdpFlow::Endpoint& client);
     std::shared_ptr<UdpFlow> addFlow(const UdpFlow::Endpoint& client);
+    void refuseFlow(const std::string& why);
     void dropIdleFlows();
 };
 

@@ -18,7 +18,7 @@ constexpr const char* program = "vantor-relay";
 constexpr double longestDelay = 10'000;  ///< ms
 constexpr double longestLife = 86'400;   ///< s, a day
 constexpr double slowest = 0.01;         ///< times the recorded speed
-constexpr double fastest = 1000;
+constexpr double fastest = 50;           ///< beyond, bursts overflow the client's receive buffer
 
 /// One of the networks that --network knows.
 struct Network
@@ -75,12 +75,12 @@ po::options_description description()
     add("jitter", value("MS"), "delays differ by up to so much; keeps the order");
     add("loss", value("PERCENT"), "of the datagrams never arrive");
     add("duplicate", value("PERCENT"), "of those that arrive arrive twice");
-    add("reorder", value("PERCENT"), "of those that arrive arrive behind a later one");
-    add("seed", value("N")->default_value("1"), "of the faults; the same seed spoils the same datagrams");
+    add("reorder", value("PERCENT"), "of those that arrive arrive behind a later one;\nat most 50");
+    add("seed", value("N"), "of the faults (1); the same one repeats them");
     add("cut-after", value("S"), "hang up each connection so many seconds old");
     add("record", value("FILE"), "write all that both sides say, before faults");
-    add("replay", value("FILE"), "play the server of a recording to each client");
-    add("speed", value("X"), "of the replay; 2 takes half the time (1)");
+    add("replay", value("FILE"), "play the server of a recording, to one client at a time");
+    add("speed", value("X"), "of the replay, 0.01 to 50; 2 takes half the time (1)");
     return options;
 }
 
@@ -91,6 +91,14 @@ public:
 
     bool has(const char* option) const { return map.count(option) != 0; }
     std::string text(const char* option) const { return map[option].as<std::string>(); }
+    /// "" where it is not given.
+    std::string path(const char* option) const
+    {
+        if (has(option) && text(option).empty()) {
+            throw std::invalid_argument(std::string("--") + option + " wants a file");
+        }
+        return has(option) ? text(option) : "";
+    }
     std::uint32_t whole(const char* option, std::uint32_t largest) const
     {
         return commandline::wholeNumber(option, text(option), largest);
@@ -124,14 +132,14 @@ Conditions conditionsOf(const Values& values)
     const auto delay = [&values](const char* option, Duration& field) {
         field = values.has(option) ? milliseconds(values.decimal(option, longestDelay)) : field;
     };
-    const auto share = [&values](const char* option, double& field) {
-        field = values.has(option) ? values.decimal(option, 100) / 100 : field;
+    const auto share = [&values](const char* option, double& field, double most = 1) {
+        field = values.has(option) ? values.decimal(option, 100 * most) / 100 : field;
     };
     delay("latency", conditions.latency);
     delay("jitter", conditions.jitter);
     share("loss", conditions.loss);
     share("duplicate", conditions.duplicate);
-    share("reorder", conditions.reorder);
+    share("reorder", conditions.reorder, mostReorder);
     return conditions;
 }
 
@@ -147,9 +155,13 @@ void setServer(RelayConfig& config, const std::string& to)
     if (host.empty() || port.empty()) {
         throw std::invalid_argument("--to wants HOST:PORT, not '" + to + "'");
     }
+    const std::uint32_t number =
+        commandline::wholeNumber("to", port, std::numeric_limits<std::uint16_t>::max());
+    if (number == 0) {
+        throw std::invalid_argument("--to wants the server's own port, not 0");
+    }
     config.serverHost = host;
-    config.serverPort =
-        std::to_string(commandline::wholeNumber("to", port, std::numeric_limits<std::uint16_t>::max()));
+    config.serverPort = std::to_string(number);
 }
 
 double speedOf(const Values& values)
@@ -175,8 +187,8 @@ void checkMode(const Values& values)
         }
     };
     if (values.has("replay")) {
-        refuse("replay",
-               {"network", "latency", "jitter", "loss", "duplicate", "reorder", "cut-after", "record"});
+        refuse("replay", {"network", "latency", "jitter", "loss", "duplicate", "reorder", "seed", "cut-after",
+                          "record"});
     } else {
         refuse("to", {"speed"});
     }
@@ -190,15 +202,17 @@ RelayOptions optionsOf(const Values& values)
     config.port =
         static_cast<std::uint16_t>(values.whole("listen", std::numeric_limits<std::uint16_t>::max()));
     config.conditions = conditionsOf(values);
-    config.seed = values.whole("seed", std::numeric_limits<std::uint32_t>::max());
+    if (values.has("seed")) {
+        config.seed = values.whole("seed", std::numeric_limits<std::uint32_t>::max());
+    }
     if (values.has("to")) {
         setServer(config, values.text("to"));
     }
     if (values.has("cut-after")) {
         config.cutAfter = milliseconds(1000 * values.decimal("cut-after", longestLife));
     }
-    result.recordPath = values.has("record") ? values.text("record") : "";
-    result.replayPath = values.has("replay") ? values.text("replay") : "";
+    result.recordPath = values.path("record");
+    result.replayPath = values.path("replay");
     result.replaySpeed = speedOf(values);
     return result;
 }
@@ -234,6 +248,19 @@ std::string describe(const Conditions& conditions)
     share("duplicate", conditions.duplicate);
     share("reorder", conditions.reorder);
     return text.str() == "0±0 ms" ? "no faults" : text.str();
+}
+
+std::string describe(const RelayConfig& config)
+{
+    std::ostringstream text;
+    text << describe(config.conditions);
+    if (text.str() != "no faults") {
+        text << ", seed " << config.seed;
+    }
+    if (config.cutAfter) {
+        text << ", cut after " << std::chrono::duration<double>(*config.cutAfter).count() << " s";
+    }
+    return text.str();
 }
 
 }  // namespace relay

@@ -22,4 +22,7 @@ std::variant<RelayOptions, commandline::End> readRelayOptions(int argc, const ch
 /// The faults in words, such as "80±30 ms, loss 5%, duplicate 1%, reorder 2%".
 std::string describe(const Conditions& conditions);
 
+/// The same with the seed, where there are faults, and the cut.
+std::string describe(const RelayConfig& config);
+
 }  // namespace relay

@@ -31,17 +31,16 @@ void ReplaySession::close()
     onEnd = nullptr;
 }
 
-bool ReplaySession::takesAddress(const Endpoint& sender, const std::string& datagram)
+void ReplaySession::takeAddress(const Endpoint& sender, const std::string& datagram)
 {
-    if (ended || address || sender.address() != peer.address() || !carriesQport(datagram, script.qport)) {
-        return false;
+    if (ended || address || sender.address() != peer.address() || qportOf(datagram) != script.qport) {
+        return;
     }
     address = sender;
     if (waitingSince) {
         began += Clock::now() - *waitingSince;
         say();
     }
-    return true;
 }
 
 /// What the client says over TCP goes nowhere; that it hangs up counts.

@@ -18,7 +18,8 @@ namespace relay {
 /// Plays a script to one client, then hangs up.
 ///
 /// What the server said in datagrams waits, and all that follows it, until the client's own first datagram
-/// tells its address: so a replay leaves out nothing, and every replay says the same in the same order.
+/// tells its address: so every replay says the same in the same order. A client that falls far behind with
+/// reading loses datagrams, as with any server.
 /// Lives on its sockets' single-threaded executor.
 class ReplaySession : public std::enable_shared_from_this<ReplaySession>
 {
@@ -35,8 +36,9 @@ public:
     void start(End onEnd);
     /// Hangs up and calls nobody any more; not to be called from within the callback.
     void close();
-    /// Whether the datagram tells this client's address: the first one from its host with its qport.
-    bool takesAddress(const Endpoint& sender, const std::string& datagram);
+    bool hasEnded() const { return ended; }
+    /// The first datagram from the client's host with its qport tells its address; all others tell nothing.
+    void takeAddress(const Endpoint& sender, const std::string& datagram);
 
 private:
     boost::asio::ip::tcp::socket client;

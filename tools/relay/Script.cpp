@@ -6,14 +6,11 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <stdexcept>
 
 namespace relay {
 
 namespace {
-
-constexpr std::size_t largestFrame = framing::lengthSize + 65535;
 
 bool isFrom(const Chunk& chunk, Transport transport, Direction direction)
 {
@@ -21,7 +18,13 @@ bool isFrom(const Chunk& chunk, Transport transport, Direction direction)
            chunk.lane.direction == direction;
 }
 
-/// The qport in the stream's first frame, which is a Welcome; nothing where that is not whole, or no Welcome.
+bool holdsAFrame(const std::string& stream)
+{
+    return stream.size() >= framing::lengthSize &&
+           stream.size() - framing::lengthSize >= framing::frameLength(stream.data());
+}
+
+/// The qport in the stream's first frame; nothing where that is no Welcome.
 std::optional<std::uint16_t> welcomedQport(const std::string& stream)
 {
     const std::size_t length = framing::wholeFrameLength(stream.data(), stream.size());
@@ -44,29 +47,36 @@ struct Player
 
 std::vector<Player> welcomedPlayers(const std::vector<Chunk>& recording)
 {
-    std::map<std::uint32_t, std::string>
-        starts;  ///< of the streams, by connection, until their Welcome is whole
+    std::map<std::uint32_t, std::string> starts;  // of the streams, by connection
     std::vector<Player> players;
     for (const Chunk& chunk : recording) {
+        if (!isFrom(chunk, Transport::stream, Direction::toClient)) {
+            continue;
+        }
         std::string& start = starts[chunk.lane.number];
-        if (!isFrom(chunk, Transport::stream, Direction::toClient) || start.size() > largestFrame) {
+        if (holdsAFrame(start)) {
             continue;
         }
         start += chunk.bytes;
-        if (const auto qport = welcomedQport(start)) {
+        const auto qport = holdsAFrame(start) ? welcomedQport(start) : std::nullopt;
+        if (qport) {
             players.push_back({chunk.lane.number, *qport, 0});
-            start.resize(largestFrame + 1);  // no more of this one
         }
     }
     return players;
 }
 
-std::uint32_t flowWith(std::uint16_t qport, const std::vector<Chunk>& recording)
+/// By qport, the first flow that carried it.
+std::map<std::uint16_t, std::uint32_t> flowsByQport(const std::vector<Chunk>& recording)
 {
-    const auto found = std::find_if(recording.begin(), recording.end(), [qport](const Chunk& chunk) {
-        return isFrom(chunk, Transport::datagrams, Direction::toServer) && carriesQport(chunk.bytes, qport);
-    });
-    return found == recording.end() ? 0 : found->lane.number;
+    std::map<std::uint16_t, std::uint32_t> flows;
+    for (const Chunk& chunk : recording) {
+        const auto qport = qportOf(chunk.bytes);
+        if (qport && isFrom(chunk, Transport::datagrams, Direction::toServer)) {
+            flows.emplace(*qport, chunk.lane.number);
+        }
+    }
+    return flows;
 }
 
 /// The first one that played; where none did, the first one that watched.
@@ -76,8 +86,10 @@ Player firstPlayer(const std::vector<Chunk>& recording)
     if (players.empty()) {
         throw std::runtime_error("no server welcomes a client in this recording");
     }
-    const auto plays = [&recording](Player& player) {
-        player.flow = flowWith(player.qport, recording);
+    const auto flows = flowsByQport(recording);
+    const auto plays = [&flows](Player& player) {
+        const auto flow = flows.find(player.qport);
+        player.flow = flow == flows.end() ? 0 : flow->second;
         return player.flow != 0;
     };
     const auto found = std::find_if(players.begin(), players.end(), plays);
@@ -94,10 +106,13 @@ Duration connectionTime(std::uint32_t connection, const std::vector<Chunk>& reco
 
 }  // namespace
 
-bool carriesQport(const std::string& datagram, std::uint16_t qport)
+std::optional<std::uint16_t> qportOf(const std::string& datagram)
 {
-    return datagram.size() >= 2 && static_cast<unsigned char>(datagram[0]) == (qport & 0xFFU) &&
-           static_cast<unsigned char>(datagram[1]) == qport >> 8U;
+    if (datagram.size() < 2) {
+        return std::nullopt;
+    }
+    return static_cast<std::uint16_t>(static_cast<unsigned char>(datagram[0]) |
+                                      static_cast<unsigned char>(datagram[1]) << 8U);
 }
 
 Script serverSide(const std::vector<Chunk>& recording)

@@ -3,6 +3,7 @@
 #include "tools/relay/Recording.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,8 @@ struct Script
     std::vector<Line> lines;
 };
 
-/// Whether a client's datagram begins with the qport.
-bool carriesQport(const std::string& datagram, std::uint16_t qport);
+/// What a client's datagram begins with; nothing where it is too short.
+std::optional<std::uint16_t> qportOf(const std::string& datagram);
 
 /// The server's side towards one client: the first one that it welcomed and that sent its qport in a
 /// datagram, or else the first one that it welcomed. Throws std::runtime_error where it welcomed nobody.

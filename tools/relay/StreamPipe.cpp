@@ -97,7 +97,8 @@ void StreamPipe::deliverFirst()
 void StreamPipe::handleWritten(const error_code& error)
 {
     if (error) {
-        onEnd(true);
+        close();
+        onEnd(Cause::brokenTarget);
         return;
     }
     const bool wasFull = waitingBytes >= byteLimit;
@@ -114,9 +115,11 @@ void StreamPipe::handleWritten(const error_code& error)
 
 void StreamPipe::finish()
 {
-    error_code ignored;  // a socket that is gone already needs no end of file
-    to->shutdown(boost::asio::ip::tcp::socket::shutdown_send, ignored);
-    onEnd(isBroken);
+    if (!isBroken) {
+        error_code ignored;  // a socket that is gone already needs no end of file
+        to->shutdown(boost::asio::ip::tcp::socket::shutdown_send, ignored);
+    }
+    onEnd(isBroken ? Cause::brokenSource : Cause::endOfFile);
 }
 
 }  // namespace relay

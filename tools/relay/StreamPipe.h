@@ -22,8 +22,14 @@ class StreamPipe : public std::enable_shared_from_this<StreamPipe>
 {
 public:
     using Socket = std::shared_ptr<boost::asio::ip::tcp::socket>;
-    /// `broken`: not a proper end of file. Called at most once.
-    using End = std::function<void(bool broken)>;
+    enum class Cause
+    {
+        endOfFile,
+        brokenSource,  ///< what came before is delivered
+        brokenTarget   ///< what the target itself said last may still be under way in the other pipe
+    };
+    /// Called at most once.
+    using End = std::function<void(Cause)>;
 
     static constexpr std::size_t byteLimit = std::size_t(256) * 1024;
 

@@ -55,18 +55,21 @@ void TcpLink::handleConnect(const error_code& error)
 
 void TcpLink::startPipe(const std::shared_ptr<StreamPipe>& pipe)
 {
-    pipe->start([weak = weak_from_this()](bool broken) {
+    pipe->start([weak = weak_from_this()](StreamPipe::Cause cause) {
         if (const auto self = weak.lock(); self != nullptr && !self->ended) {
-            self->directionEnded(broken);
+            self->directionEnded(cause);
         }
     });
 }
 
-void TcpLink::directionEnded(bool broken)
+/// A broken target ends nothing yet: the other pipe reads from it, delivers what it still said, and ends
+/// soon.
+void TcpLink::directionEnded(StreamPipe::Cause cause)
 {
     --openDirections;
-    if (broken || openDirections == 0) {
-        end(broken ? "broken" : "closed", broken);
+    isBroken = isBroken || cause != StreamPipe::Cause::endOfFile;
+    if (openDirections == 0 || cause == StreamPipe::Cause::brokenSource) {
+        end(isBroken ? "broken" : "closed", isBroken);
     }
 }
 

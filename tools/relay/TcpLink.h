@@ -11,7 +11,7 @@ namespace relay {
 /// One client's TCP connection, and ours to the server on its behalf.
 ///
 /// Lives on the single-threaded executor of the client's socket. A connection that breaks on one side is
-/// reset on the other.
+/// reset on the other, behind what the broken side said last.
 class TcpLink : public std::enable_shared_from_this<TcpLink>
 {
 public:
@@ -34,11 +34,12 @@ private:
     std::shared_ptr<StreamPipe> up, down;
     End onEnd;
     int openDirections = 2;
+    bool isBroken = false;
     bool ended = false;
 
     void handleConnect(const boost::system::error_code& error);
     void startPipe(const std::shared_ptr<StreamPipe>& pipe);
-    void directionEnded(bool broken);
+    void directionEnded(StreamPipe::Cause cause);
     void scheduleCut();
     void end(const std::string& reason, bool reset = false);
 };

@@ -37,17 +37,19 @@ int passOn(const relay::RelayOptions& options)
         recording.emplace(options.recordPath);
         relay.recordInto(*recording);
     }
-    return serve(
-        io, relay,
-        "to " + config.serverHost + ":" + config.serverPort + ", " + relay::describe(config.conditions));
+    return serve(io, relay,
+                 "to " + config.serverHost + ":" + config.serverPort + ", " + relay::describe(config));
 }
 
 int replay(const relay::RelayOptions& options)
 {
     boost::asio::io_context io(1);
+    const relay::Warn warn = [](const std::string& line) {
+        std::fprintf(stderr, "vantor-relay: %s\n", line.c_str());
+    };
     relay::Replayer replayer(io, options.config.port,
-                             relay::serverSide(relay::readRecording(options.replayPath)), options.replaySpeed,
-                             writeStatusLine);
+                             relay::serverSide(relay::readRecording(options.replayPath, warn)),
+                             options.replaySpeed, writeStatusLine);
     return serve(io, replayer, "replaying " + options.replayPath);
 }
 
