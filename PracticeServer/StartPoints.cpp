@@ -36,8 +36,10 @@ Vector3 clearPlace(const Vector3& wanted, const std::vector<Ship>& ships)
 {
     constexpr int rowLength = 8;  // places along the runway, that is along +z, until it ends
     for (int i = 0;; ++i) {
-        const Vector3 place = wanted + Vector3(0, static_cast<float>(i / rowLength) * room,
-                                               static_cast<float>(i % rowLength) * room);
+        const int row = i / rowLength;
+        const int column = i % rowLength;
+        const Vector3 place =
+            wanted + Vector3(0.0F, room * static_cast<float>(row), room * static_cast<float>(column));
         if (isClear(place, ships)) {
             return place;
         }

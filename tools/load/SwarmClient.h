@@ -21,7 +21,7 @@ class SwarmClient
 public:
     /// Connects at once; throws boost::system::system_error where that fails. `number` makes it differ from
     /// the others.
-    SwarmClient(boost::asio::io_context& io, const boost::asio::ip::tcp::endpoint& server, unsigned number);
+    SwarmClient(boost::asio::io_context& io, const boost::asio::ip::tcp::endpoint& endpoint, unsigned number);
 
     Witness witness;
     std::string brokenOff;  ///< why the connection ended; empty while it stands
