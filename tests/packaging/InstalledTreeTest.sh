@@ -65,7 +65,7 @@ EveryOptionIsInTheManualAndCompleted() {
     done
     expect_same_defaults vantor 3
     expect_same_defaults vantor-server 8
-    expect_same_defaults vantor-relay 2
+    expect_same_defaults vantor-relay 1
     for option in vantor-server:--difficulty vantor-server:--spawn vantor-relay:--network; do
         program=${option%:*} option=${option#*:}
         words=$(values_of "$program" "$option" || true)
