@@ -14,12 +14,12 @@
 /// frames as well comes from the blending rule of scene/NetworkedMotion, not from the frames.
 namespace motion_probe {
 
-/// What moved the ship in a frame, the first of these that applies.
+/// What came for the ship in a frame, the first of these that applies.
 enum Cause
 {
     fullState,  ///< a state that is to be shown at once, as when a ship is hit
     snap,       ///< a state too far from where the ship was shown
-    newState,   ///< another state: a new blend begins
+    newState,   ///< another state: a new blend begins, which is drawn from the next frame on
     flight,     ///< none: blend or extrapolation goes on
     causeCount
 };

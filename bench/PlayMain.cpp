@@ -204,20 +204,27 @@ void printMotion(const motion_probe::Report& report)
 
 int main(int argc, char** argv)
 {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: vantor_bench_play PORT SECONDS; see bench/play-measurements\n");
+    const int seconds = argc == 3 ? std::atoi(argv[2]) : 0;  // 0 also where it is no number
+    if (seconds <= 0) {
+        std::fprintf(stderr,
+                     "usage: vantor_bench_play PORT SECONDS, at least one second; see "
+                     "bench/play-measurements\n");
         return 2;
     }
     if (!start(argv[1])) {
         return 1;
     }
-    endOfMatch = Clock::now() + warmUp + std::chrono::seconds(std::atoi(argv[2]));
+    endOfMatch = Clock::now() + warmUp + std::chrono::seconds(seconds);
     const Clock::time_point warm = Clock::now() + warmUp;
     Helpers::registerMainLoopFunction(measuredFrame, framesPerSecond);
     Helpers::run();
     std::vector<Frame> frames = frame_probe::frames();
     frames.erase(std::remove_if(frames.begin(), frames.end(), [&](const Frame& f) { return f.begin < warm; }),
                  frames.end());
+    if (frames.size() < 2) {  // the server went while the client warmed up
+        std::fprintf(stderr, "vantor_bench_play: no frames measured\n");
+        return 1;
+    }
     printPace(frames);
     printShares(frames);
     printMotion(motion_probe::report(warm));

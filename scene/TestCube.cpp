@@ -41,7 +41,7 @@ void TestCube::realDraw()
     ResourceManager* resources = ResourceManager::getInstance();
     glPushMatrix();
     setTeamColour(blueTeam);
-    glTranslatef(0.0F, -13.0F, -130.0F);  // puts the start point just off the model's bow
+    glTranslatef(0.0F, -13.0F, -130.0F);  // puts the start point above the model's flight deck
     glBindTexture(GL_TEXTURE_2D, resources->getTexture(textureName));
     resources->drawModel(modelName);
     glColor3f(1.0F, 1.0F, 1.0F);

@@ -13,7 +13,7 @@ sys.dont_write_bytecode = True
 import numpy as np
 from PIL import Image
 
-import preview
+import render
 
 SIZES = (48, 64, 128, 256)
 DRAWN = 1024             # pixels; each icon is this picture made smaller
@@ -41,14 +41,14 @@ def glow(side, centre, reach):
 
 def draw():
     eye = np.array(EYE)
-    view = preview.View(eye, (0, -0.02, 0.12) - eye, size=(DRAWN, DRAWN), fov=36, near=0.1)
-    view.sky(preview.load_image("skybox.png")[..., :3])
+    view = render.View(eye, (0, -0.02, 0.12) - eye, size=(DRAWN, DRAWN), fov=36)
+    view.sky(render.load_image("skybox.png")[..., :3])
     light = glow(DRAWN, (0.5, 0.52), 0.36)[..., None]
     view.colour = view.colour * 0.8 + light * np.array([0.10, 0.26, 0.52])
     cos, sin = np.cos(BANK), np.sin(BANK)
     turn = np.array([[cos, -sin, 0], [sin, cos, 0], [0, 0, 1]])
-    view.model(preview.load_obj(preview.RESOURCES / "fighter.obj"), (1.0, 0.42, 0.32),
-               preview.load_image("texture-white.png"), 0.05, turn=turn)
+    view.model(render.load_obj(render.RESOURCES / "fighter.obj"), (1.0, 0.42, 0.32),
+               render.load_image("texture-white.png"), 0.05, turn)
     picture = np.dstack([np.clip(view.colour * BRIGHTER, 0, 1), rounded_square(DRAWN)])
     return Image.fromarray(np.rint(picture * 255).astype(np.uint8), "RGBA")
 

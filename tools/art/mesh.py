@@ -156,9 +156,6 @@ class Mesh:
         for face in self.faces:
             face.points = face.points + np.asarray(way, float)
 
-    def triangle_count(self):
-        return sum(len(face.points) - 2 for face in self.faces)
-
 
 def point_key(point):
     return tuple(np.round(point, 4) + 0.0)
