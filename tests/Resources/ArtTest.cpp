@@ -6,12 +6,14 @@
 #include <assimp/Importer.hpp>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -138,15 +140,28 @@ TEST(Art, ExplosionsAreSolidWithinAndVanishAtTheirBorder)
     EXPECT_EQ(explosion.at(last / 2, last / 2, 3), 255);
 }
 
-// Team colours are multiplied in: a tint of the plating would spoil one team's, dark plating both.
+// Only sparks are sharp: a disc cut out hard would have twice as many steps as this.
+TEST(Art, ExplosionsHaveASoftEdge)
+{
+    const Image explosion("BOOOM.png");
+    int hardSteps = 0;
+    for (int y = 0; y < explosion.height(); ++y) {
+        for (int x = 1; x < explosion.width(); ++x) {
+            hardSteps += std::abs(explosion.at(x, y, 3) - explosion.at(x - 1, y, 3)) > 64 ? 1 : 0;
+        }
+    }
+    EXPECT_LT(hardSteps, explosion.height() * explosion.width() / 300);
+}
+
+// Team colours are multiplied in: a tint would spoil one team's, dark plating (the upper half) both.
 TEST(Art, HullTexturesAreLightGrays)
 {
     for (const char* name : {"texture-white.png", "carrier-texture-white.png"}) {
         const Image image(name);
         long sum = 0;
-        for (int y = 0; y < image.height() / 2; ++y) {
+        for (int y = 0; y < image.height(); ++y) {
             for (int x = 0; x < image.width(); ++x) {
-                sum += image.at(x, y, 0);
+                sum += y < image.height() / 2 ? image.at(x, y, 0) : 0;
                 ASSERT_TRUE(image.at(x, y, 0) == image.at(x, y, 1) && image.at(x, y, 1) == image.at(x, y, 2))
                     << name << ' ' << x << ' ' << y;
             }
@@ -172,6 +187,28 @@ TEST(Art, ModelsKeepTheirBudgetAndTheirSizeAsDrawn)
         EXPECT_TRUE(model.mesh->HasNormals() && model.mesh->HasTextureCoords(0)) << wanted.name;
         const float length = (model.high.z - model.low.z) * wanted.scale;
         EXPECT_TRUE(length > wanted.shortest && length < wanted.longest) << wanted.name << ' ' << length;
+    }
+}
+
+// Scaling lengthens normals by its inverse, and nothing normalises them again: the light would be all or
+// none.
+TEST(Art, HullNormalsPointAllRoundAndAreAsLongAsTheScaleTheyAreDrawnWith)
+{
+    for (const auto& [name, scale] : {std::pair("fighter.obj", 0.05F), std::pair("carrier.obj", 1.0F)}) {
+        const Model model(name);
+        std::vector<float> lengths;
+        aiVector3D low, high;
+        for (unsigned int i = 0; i < model.mesh->mNumVertices; ++i) {
+            const aiVector3D normal = model.mesh->mNormals[i] / scale;
+            lengths.push_back(normal.Length());
+            low = {std::min(low.x, normal.x), std::min(low.y, normal.y), std::min(low.z, normal.z)};
+            high = {std::max(high.x, normal.x), std::max(high.y, normal.y), std::max(high.z, normal.z)};
+        }
+        const auto middle = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() / 2);
+        std::nth_element(lengths.begin(), middle, lengths.end());
+        EXPECT_NEAR(*middle, 1.0F, 0.5F) << name;
+        EXPECT_LT(std::max({low.x, low.y, low.z}), -0.5F) << name;
+        EXPECT_GT(std::min({high.x, high.y, high.z}), 0.5F) << name;
     }
 }
 
