@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iostream>
 #include <locale>
 #include <sstream>
 #include <stdexcept>
@@ -102,6 +103,12 @@ double decimal(const std::string& option, const std::string& text, double larges
         throw complaint(option, "number", largest, text);
     }
     return value;
+}
+
+int show(const End& end)
+{
+    (end.status == 0 ? std::cout : std::cerr) << end.text;
+    return end.status;
 }
 
 }  // namespace commandline

@@ -7,6 +7,7 @@
 #include <exception>
 #include <optional>
 #include <string>
+#include <variant>
 
 /// What our tools' command lines have in common: every value is checked, and nothing is guessed.
 namespace commandline {
@@ -42,5 +43,25 @@ std::uint32_t wholeNumber(const std::string& option, const std::string& text, st
 
 /// Digits, perhaps with a point; never negative, infinite or NaN. Throws like wholeNumber.
 double decimal(const std::string& option, const std::string& text, double largest);
+
+/// The options that `convert` makes of a command line's values, or why there are none; throws nothing that
+/// `convert` throws.
+template <class Options, class Convert>
+std::variant<Options, End> read(const char* program, int argc, const char* const* argv,
+                                const boost::program_options::options_description& options, Convert convert)
+{
+    try {
+        const boost::program_options::variables_map values = parse(argc, argv, options);
+        if (auto asked = information(program, options, values)) {
+            return *asked;
+        }
+        return convert(values);
+    } catch (const std::exception& error) {
+        return refusal(program, error);
+    }
+}
+
+/// Shows the text, on standard output or, after a bad command line, on standard error; returns the status.
+int show(const End& end);
 
 }  // namespace commandline

@@ -118,16 +118,7 @@ ServerOptions readValues(const po::variables_map& values)
 
 std::variant<ServerOptions, commandline::End> readServerOptions(int argc, const char* const* argv)
 {
-    try {
-        const po::options_description options = description();
-        const po::variables_map values = commandline::parse(argc, argv, options);
-        if (auto information = commandline::information(program, options, values)) {
-            return *information;
-        }
-        return readValues(values);
-    } catch (const std::exception& error) {
-        return commandline::refusal(program, error);
-    }
+    return commandline::read<ServerOptions>(program, argc, argv, description(), readValues);
 }
 
 }  // namespace practice

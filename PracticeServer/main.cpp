@@ -8,7 +8,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <iostream>
 #include <optional>
 #include <string>
 
@@ -51,8 +50,7 @@ int main(int argc, char** argv)
     try {
         const auto parsed = practice::readServerOptions(argc, argv);
         if (const auto* end = std::get_if<commandline::End>(&parsed)) {
-            (end->status == 0 ? std::cout : std::cerr) << end->text;
-            return end->status;
+            return commandline::show(*end);
         }
         return serve(std::get<practice::ServerOptions>(parsed));
     } catch (const std::exception& error) {

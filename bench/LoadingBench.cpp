@@ -1,23 +1,18 @@
 // Loading a model and a texture, against the importer and the decoder with the same OpenGL work.
 #include "engine/ModelLoader.h"
+#include "engine/SurfacePtr.h"
 #include "engine/TextureLoader.h"
 
 #include <SDL_image.h>
 #include <SDL_opengl.h>
-#include <assimp/postprocess.h>
 #include <assimp/scene.h>
 #include <benchmark/benchmark.h>
 #include <assimp/Importer.hpp>
-
-#include <memory>
 
 namespace {
 
 const std::string modelPath = std::string(VANTOR_RESOURCES) + "fighter.obj";
 const std::string texturePath = std::string(VANTOR_RESOURCES) + "texture-white.png";
-
-constexpr unsigned int importFlags = aiProcess_CalcTangentSpace | aiProcess_JoinIdenticalVertices |
-                                     aiProcess_Triangulate | aiProcess_SortByPType;
 
 void emitTriangle(const aiMesh& mesh, const aiFace& face)
 {
@@ -62,11 +57,9 @@ unsigned int upload(const SDL_Surface& surface)
     return texture;
 }
 
-using Surface = std::unique_ptr<SDL_Surface, decltype(&SDL_FreeSurface)>;
-
-Surface decode()
+SurfacePtr decode()
 {
-    return {IMG_Load(texturePath.c_str()), SDL_FreeSurface};
+    return SurfacePtr(IMG_Load(texturePath.c_str()));
 }
 
 // load() returns the name of a new list or texture, or 0; drop(name) deletes it.
@@ -96,13 +89,13 @@ void dropTexture(unsigned int texture)
 unsigned int importAndCompile()
 {
     Assimp::Importer importer;
-    const aiScene* scene = importer.ReadFile(modelPath, importFlags);
+    const aiScene* scene = importer.ReadFile(modelPath, modelImportFlags);
     return scene == nullptr ? 0 : compile(*scene);
 }
 
 unsigned int decodeAndUpload()
 {
-    const Surface surface = decode();
+    const SurfacePtr surface = decode();
     return surface ? upload(*surface) : 0;
 }
 
@@ -118,7 +111,7 @@ void modelImporter(benchmark::State& state)
 void modelGL(benchmark::State& state)
 {
     Assimp::Importer importer;
-    const aiScene* scene = importer.ReadFile(modelPath, importFlags);
+    const aiScene* scene = importer.ReadFile(modelPath, modelImportFlags);
     measure(
         state, [scene] { return scene == nullptr ? 0 : compile(*scene); }, dropList);
 }
@@ -134,7 +127,7 @@ void textureDecoder(benchmark::State& state)
 }
 void textureGL(benchmark::State& state)
 {
-    const Surface surface = decode();
+    const SurfacePtr surface = decode();
     measure(
         state, [&surface] { return surface ? upload(*surface) : 0; }, dropTexture);
 }

@@ -4,13 +4,13 @@
 #include "bench/FrameProbe.h"
 #include "bench/MotionProbe.h"
 #include "engine/Engine.h"
+#include "engine/ModelLoader.h"
 #include "engine/OpenGL.h"
 #include "engine/ResourceManager.h"
 #include "network/NetworkHelper.h"
 
 #include <SDL.h>
 #include <SDL_image.h>
-#include <assimp/postprocess.h>
 #include <assimp/Importer.hpp>
 
 #include <algorithm>
@@ -54,8 +54,7 @@ Seconds leastOf(int repetitions, Work work)
 void import(const std::string& path)
 {
     Assimp::Importer importer;
-    importer.ReadFile(path, aiProcess_CalcTangentSpace | aiProcess_JoinIdenticalVertices |
-                                aiProcess_Triangulate | aiProcess_SortByPType);
+    importer.ReadFile(path, modelImportFlags);
 }
 
 void decode(const std::string& path)

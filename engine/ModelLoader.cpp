@@ -7,10 +7,10 @@
 #include <assimp/scene.h>
 #include <assimp/Importer.hpp>
 
-namespace {
+const unsigned int modelImportFlags = aiProcess_CalcTangentSpace | aiProcess_JoinIdenticalVertices |
+                                      aiProcess_Triangulate | aiProcess_SortByPType;
 
-constexpr unsigned int importFlags = aiProcess_CalcTangentSpace | aiProcess_JoinIdenticalVertices |
-                                     aiProcess_Triangulate | aiProcess_SortByPType;
+namespace {
 
 void emitVertex(const aiMesh& mesh, unsigned int i)
 {
@@ -44,7 +44,7 @@ void emitMesh(const aiMesh& mesh)
 unsigned int loadModelFile(const std::string& path)
 {
     Assimp::Importer importer;
-    const aiScene* scene = importer.ReadFile(path, importFlags);
+    const aiScene* scene = importer.ReadFile(path, modelImportFlags);
     if (scene == nullptr) {
         DebugPrint("%s\n", importer.GetErrorString());
         return 0;

@@ -19,6 +19,14 @@ namespace {
 
 constexpr unsigned int shotType = 1;
 
+template <class Value>
+Rules with(Value Rules::*rule, Value value)
+{
+    Rules rules;
+    rules.*rule = value;
+    return rules;
+}
+
 /// A match and what its broadcast sends without loss. Ships are placed by hand, look along +z and belong to
 /// alternating teams, blue first.
 class MatchTest : public testing::Test
@@ -72,28 +80,14 @@ protected:
     Heard snapshot() { return heardIn(broadcast.takeSnapshot()); }
 };
 
-class FriendlyFireTest : public MatchTest
+struct FriendlyFireTest : MatchTest
 {
-protected:
-    static Rules friendlyFire()
-    {
-        Rules rules;
-        rules.friendlyFire = true;
-        return rules;
-    }
-    FriendlyFireTest() : MatchTest({}, friendlyFire()) {}
+    FriendlyFireTest() : MatchTest({}, with(&Rules::friendlyFire, true)) {}
 };
 
-class NoLimitsTest : public MatchTest
+struct NoLimitsTest : MatchTest
 {
-protected:
-    static Rules noLimits()
-    {
-        Rules rules;
-        rules.maxSpeed = 1e6F;
-        return rules;
-    }
-    NoLimitsTest() : MatchTest({}, noLimits()) {}
+    NoLimitsTest() : MatchTest({}, with(&Rules::maxSpeed, 1e6F)) {}
 };
 
 class ShortMatchTest : public MatchTest

@@ -48,21 +48,11 @@ std::uint32_t positive(const po::variables_map& values, const char* option, std:
     return value;
 }
 
-std::variant<Options, commandline::End> readOptions(int argc, const char* const* argv)
+Options optionsOf(const po::variables_map& values)
 {
-    try {
-        const po::options_description options = description();
-        const po::variables_map values = commandline::parse(argc, argv, options);
-        if (auto information = commandline::information(program, options, values)) {
-            return *information;
-        }
-        return Options{
-            static_cast<std::uint16_t>(positive(values, "port", std::numeric_limits<std::uint16_t>::max())),
+    return {static_cast<std::uint16_t>(positive(values, "port", std::numeric_limits<std::uint16_t>::max())),
             positive(values, "clients", mostClients),
             std::chrono::seconds(positive(values, "seconds", longest))};
-    } catch (const std::exception& error) {
-        return commandline::refusal(program, error);
-    }
 }
 
 bool run(const Options& options)
@@ -77,10 +67,9 @@ bool run(const Options& options)
 int main(int argc, char** argv)
 {
     try {
-        const auto parsed = readOptions(argc, argv);
+        const auto parsed = commandline::read<Options>(program, argc, argv, description(), optionsOf);
         if (const auto* end = std::get_if<commandline::End>(&parsed)) {
-            (end->status == 0 ? std::cout : std::cerr) << end->text;
-            return end->status;
+            return commandline::show(*end);
         }
         return run(std::get<Options>(parsed)) ? 0 : 1;
     } catch (const std::exception& error) {

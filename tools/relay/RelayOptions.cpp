@@ -221,16 +221,9 @@ RelayOptions optionsOf(const Values& values)
 
 std::variant<RelayOptions, commandline::End> readRelayOptions(int argc, const char* const* argv)
 {
-    try {
-        const po::options_description options = description();
-        const po::variables_map map = commandline::parse(argc, argv, options);
-        if (auto information = commandline::information(program, options, map)) {
-            return *information;
-        }
-        return optionsOf(Values(map));
-    } catch (const std::exception& error) {
-        return commandline::refusal(program, error);
-    }
+    return commandline::read<RelayOptions>(
+        program, argc, argv, description(),
+        [](const po::variables_map& map) { return optionsOf(Values(map)); });
 }
 
 std::string describe(const Conditions& conditions)

@@ -8,7 +8,6 @@
 
 #include <csignal>
 #include <cstdio>
-#include <iostream>
 #include <optional>
 
 namespace {
@@ -61,8 +60,7 @@ int main(int argc, char** argv)
     try {
         const auto parsed = relay::readRelayOptions(argc, argv);
         if (const auto* end = std::get_if<commandline::End>(&parsed)) {
-            (end->status == 0 ? std::cout : std::cerr) << end->text;
-            return end->status;
+            return commandline::show(*end);
         }
         const auto& options = std::get<relay::RelayOptions>(parsed);
         return options.replayPath.empty() ? passOn(options) : replay(options);
