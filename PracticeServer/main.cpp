@@ -47,6 +47,7 @@ int serve(const practice::ServerOptions& options)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);  // nor may a reader that is gone end the match
+    std::signal(SIGXFSZ, SIG_IGN);  // nor a log that has grown to the limit
     try {
         const auto parsed = practice::readServerOptions(argc, argv);
         if (const auto* end = std::get_if<commandline::End>(&parsed)) {

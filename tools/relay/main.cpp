@@ -57,6 +57,7 @@ int replay(const relay::RelayOptions& options)
 int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);  // a reader that is gone must not end the line
+    std::signal(SIGXFSZ, SIG_IGN);  // a recording at the limit is an error, with a message
     try {
         const auto parsed = relay::readRelayOptions(argc, argv);
         if (const auto* end = std::get_if<commandline::End>(&parsed)) {
