@@ -70,12 +70,10 @@ void Doorstep::handleAccept(const error_code& error, tcp::socket socket)
     if (error) {
         accepting = false;
         pause = pauseAfterFailure;
-        if (!std::exchange(failing, true)) {
-            say("cannot accept a connection: " + error.message());
-        }
+        shortage.say("cannot accept a connection: " + error.message());
         return;
     }
-    failing = false;
+    shortage.over();
     waiting.push_back(std::move(socket));
     accept();
 }

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Common/Complaint.h"
+
 #include <boost/asio/ip/tcp.hpp>
 
 #include <cstddef>
 #include <deque>
-#include <functional>
 #include <optional>
-#include <string>
 #include <utility>
 
 namespace practice {
@@ -19,13 +19,13 @@ namespace practice {
 class Doorstep
 {
 public:
-    using Say = std::function<void(const std::string& line)>;
-
     /// More wait in the system's own queue.
     static constexpr std::size_t room = 128;
 
-    /// The acceptor is not owned. `say` hears when connections cannot be accepted, once until one can again.
-    Doorstep(boost::asio::ip::tcp::acceptor& acceptor_, Say say_) : acceptor(acceptor_), say(std::move(say_))
+    /// The acceptor is not owned. The log hears when connections cannot be accepted, once until one can
+    /// again.
+    Doorstep(boost::asio::ip::tcp::acceptor& acceptor_, Complaint::Log log)
+        : acceptor(acceptor_), shortage(std::move(log))
     {
     }
 
@@ -40,11 +40,10 @@ public:
 
 private:
     boost::asio::ip::tcp::acceptor& acceptor;
-    Say say;
+    Complaint shortage;
     std::deque<boost::asio::ip::tcp::socket> waiting;
     bool closed = false;
     bool accepting = false;
-    bool failing = false;
     unsigned pause = 0;  ///< calls of `tidy` until it is tried again
 
     void accept();

@@ -17,16 +17,19 @@ constexpr std::chrono::milliseconds acceptRetry{200};
 
 }  // namespace
 
-FrontDoor::FrontDoor(boost::asio::io_context& io, std::uint16_t port)
-    : ports(io, port), portNumber(ports.number()), acceptPause(io), received(largestChunk)
+FrontDoor::FrontDoor(boost::asio::io_context& io, std::uint16_t port, Complaint::Log log)
+    : ports(io, port),
+      portNumber(ports.number()),
+      acceptPause(io),
+      shortage(std::move(log)),
+      received(largestChunk)
 {
 }
 
-void FrontDoor::open(OnConnection onConnection_, OnDatagram onDatagram_, OnTrouble onTrouble_)
+void FrontDoor::open(OnConnection onConnection_, OnDatagram onDatagram_)
 {
     onConnection = std::move(onConnection_);
     onDatagram = std::move(onDatagram_);
-    onTrouble = std::move(onTrouble_);
     accept();
     receive();
 }
@@ -50,6 +53,7 @@ void FrontDoor::accept()
             pauseAccepting(error);
             return;
         }
+        shortage.over();
         onConnection(std::move(socket));
         accept();
     });
@@ -57,9 +61,7 @@ void FrontDoor::accept()
 
 void FrontDoor::pauseAccepting(const error_code& error)
 {
-    if (!std::exchange(hasComplained, true)) {
-        onTrouble("cannot take connections: " + error.message());
-    }
+    shortage.say("cannot take connections: " + error.message());
     acceptPause.expires_after(acceptRetry);
     acceptPause.async_wait([this](const error_code& cancelled) {
         if (!closed && !cancelled) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Common/Complaint.h"
 #include "Common/PortPair.h"
 
 #include <boost/asio/steady_timer.hpp>
@@ -7,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <string>
 #include <vector>
 
 namespace relay {
@@ -21,13 +21,12 @@ public:
     using Endpoint = boost::asio::ip::udp::endpoint;
     using OnConnection = std::function<void(boost::asio::ip::tcp::socket)>;
     using OnDatagram = std::function<void(const Endpoint& sender, const char* data, std::size_t size)>;
-    using OnTrouble = std::function<void(const std::string& line)>;
 
-    /// Port 0: any free one. Throws boost::system::system_error where the port is taken.
-    FrontDoor(boost::asio::io_context& io, std::uint16_t port);
+    /// Port 0: any free one. Throws boost::system::system_error where the port is taken. The log hears when
+    /// no connection can be taken, once until one can again.
+    FrontDoor(boost::asio::io_context& io, std::uint16_t port, Complaint::Log log);
 
-    /// Of trouble with taking connections one hears once.
-    void open(OnConnection onConnection, OnDatagram onDatagram, OnTrouble onTrouble);
+    void open(OnConnection onConnection, OnDatagram onDatagram);
     /// Calls nobody any more.
     void close();
 
@@ -40,8 +39,7 @@ private:
     boost::asio::steady_timer acceptPause;
     OnConnection onConnection;
     OnDatagram onDatagram;
-    OnTrouble onTrouble;
-    bool hasComplained = false;
+    Complaint shortage;
     std::vector<char> received;
     Endpoint sender;
     bool closed = false;

@@ -36,7 +36,7 @@ bool leadsTo(const FrontDoor& door, const tcp::endpoint& server)
 }  // namespace
 
 Relay::Relay(boost::asio::io_context& io, const RelayConfig& config_)
-    : config(config_), server(resolve(io, config_)), door(io, config_.port)
+    : config(config_), server(resolve(io, config_)), door(io, config_.port, config_.log)
 {
     if (leadsTo(door, server)) {
         throw std::runtime_error("the server cannot be the relay itself, which has port " +
@@ -51,8 +51,7 @@ void Relay::start()
                   if (const auto flow = flowOf(client)) {
                       flow->fromClient(data, size);
                   }
-              },
-              config.log);
+              });
 }
 
 void Relay::stop()
@@ -71,9 +70,10 @@ void Relay::stop()
 void Relay::handleConnection(tcp::socket socket)
 {
     if (links.size() < mostLinks) {
+        linksRefused.over();
         addLink(std::move(socket));
     } else {
-        config.log("turned away a connection: " + std::to_string(mostLinks) + " are open");
+        linksRefused.say("turning away connections: " + std::to_string(mostLinks) + " are open");
     }
 }
 
@@ -102,7 +102,7 @@ std::shared_ptr<UdpFlow> Relay::flowOf(const UdpFlow::Endpoint& client)
     if (flows.size() < mostFlows) {
         return addFlow(client);
     }
-    refuseFlow(std::to_string(mostFlows) + " are active");
+    flowsRefused.say("ignoring new senders of datagrams: " + std::to_string(mostFlows) + " are active");
     return nullptr;
 }
 
@@ -114,19 +114,11 @@ std::shared_ptr<UdpFlow> Relay::addFlow(const UdpFlow::Endpoint& client)
         ++flowCount;
         flow->start();
         flows[client] = flow;
-        refusal.clear();
+        flowsRefused.over();
         return flow;
     } catch (const boost::system::system_error& error) {
-        refuseFlow(error.code().message());
+        flowsRefused.say("ignoring new senders of datagrams: " + error.code().message());
         return nullptr;
-    }
-}
-
-/// Says so once, and not for each datagram, until a flow is taken again.
-void Relay::refuseFlow(const std::string& why)
-{
-    if (std::exchange(refusal, why) != why) {
-        config.log("ignoring new senders of datagrams: " + why);
     }
 }
 

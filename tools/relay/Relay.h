@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Common/Complaint.h"
 #include "tools/relay/FrontDoor.h"
 #include "tools/relay/TcpLink.h"
 #include "tools/relay/UdpFlow.h"
@@ -7,7 +8,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <string>
 
 namespace relay {
 
@@ -49,13 +49,13 @@ private:
     std::map<UdpFlow::Endpoint, std::shared_ptr<UdpFlow>> flows;
     std::uint32_t linkCount = 0;  ///< ever
     std::uint32_t flowCount = 0;  ///< ever
-    std::string refusal;          ///< why new flows are refused; so said the log already
+    Complaint linksRefused{config.log};
+    Complaint flowsRefused{config.log};
 
     void handleConnection(boost::asio::ip::tcp::socket socket);
     void addLink(boost::asio::ip::tcp::socket socket);
     std::shared_ptr<UdpFlow> flowOf(const UdpFlow::Endpoint& client);
     std::shared_ptr<UdpFlow> addFlow(const UdpFlow::Endpoint& client);
-    void refuseFlow(const std::string& why);
     void dropIdleFlows();
 };
 

@@ -7,7 +7,7 @@ namespace relay {
 using boost::asio::ip::tcp;
 
 Replayer::Replayer(boost::asio::io_context& io, std::uint16_t port, Script script_, double speed_, Log log_)
-    : script(std::move(script_)), speed(speed_), log(std::move(log_)), door(io, port)
+    : script(std::move(script_)), speed(speed_), log(std::move(log_)), door(io, port, log), refused(log)
 {
 }
 
@@ -18,8 +18,7 @@ void Replayer::start()
                   if (session != nullptr) {
                       session->takeAddress(sender, std::string(data, size));
                   }
-              },
-              log);
+              });
 }
 
 void Replayer::stop()
@@ -34,9 +33,10 @@ void Replayer::stop()
 void Replayer::handleConnection(tcp::socket socket)
 {
     if (session != nullptr && !session->hasEnded()) {
-        log("turned away a client: another one is watching");
+        refused.say("turning away clients: another one is watching");
         return;
     }
+    refused.over();
     const std::string name = "client " + std::to_string(++sessionCount);
     log(name + ": connected");
     session = std::make_shared<ReplaySession>(std::move(socket), door.udp(), script, speed);

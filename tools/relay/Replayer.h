@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Common/Complaint.h"
 #include "tools/relay/FrontDoor.h"
 #include "tools/relay/ReplaySession.h"
 
@@ -39,6 +40,7 @@ private:
     double speed;
     Log log;
     FrontDoor door;
+    Complaint refused;
     std::shared_ptr<ReplaySession> session;  ///< the last one, which may have ended
     std::uint32_t sessionCount = 0;          ///< ever
 

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <utility>
+
+/// Tells a log of a trouble that lasts once, and not each time that it is met.
+class Complaint
+{
+public:
+    using Log = std::function<void(const std::string& line)>;
+
+    explicit Complaint(Log log_) : log(std::move(log_)) {}
+
+    /// Silent where this is what it said last and the trouble has not been over since.
+    void say(const std::string& line)
+    {
+        if (std::exchange(last, line) != line) {
+            log(line);
+        }
+    }
+    void over() { last.clear(); }
+
+private:
+    Log log;
+    std::string last;  ///< none where there is no trouble
+};
