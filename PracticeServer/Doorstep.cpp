@@ -17,6 +17,10 @@ bool hasHungUp(tcp::socket& socket)
 {
     char first = 0;
     error_code error;
+    socket.remote_endpoint(error);
+    if (error) {
+        return true;  // reset; what it said before could still be read
+    }
     socket.non_blocking(true, error);
     socket.receive(boost::asio::buffer(&first, 1), tcp::socket::message_peek, error);
     return error && error != boost::asio::error::would_block;
