@@ -16,10 +16,13 @@ UdpFlow::UdpFlow(udp::socket& listening_, const Endpoint& client_, const Endpoin
       config(config_),
       up{{Transport::datagrams, number, Direction::toServer},
          DatagramLine(Impairment(config_.conditions, config_.seed,
-                                 {Transport::datagrams, number, Direction::toServer}))},
+                                 {Transport::datagrams, number, Direction::toServer})),
+         Complaint(config_.log)},
       down{{Transport::datagrams, number, Direction::toClient},
            DatagramLine(Impairment(config_.conditions, config_.seed,
-                                   {Transport::datagrams, number, Direction::toClient}))},
+                                   {Transport::datagrams, number, Direction::toClient})),
+           Complaint(config_.log)},
+      trouble(config_.log),
       timer(listening_.get_executor()),
       received(largestChunk)
 {
@@ -57,20 +60,24 @@ void UdpFlow::receive()
                            });
 }
 
-/// A server that is not there refuses each datagram, and may come back.
+/// No error is the end: a server that is not there refuses each datagram, and may come back; a way that is
+/// gone, too.
 void UdpFlow::handleReceive(const error_code& error, std::size_t bytes)
 {
-    if (error && error != boost::asio::error::connection_refused) {
-        config.log("datagrams " + std::to_string(up.lane.number) + ": " + error.message());
-        close();
-        return;
-    }
     if (!error) {
+        trouble.over();
         take(down, received.data(), bytes);
+    } else if (error != boost::asio::error::connection_refused) {
+        say(trouble, error.message());
     }
     if (!closed) {
         receive();
     }
+}
+
+void UdpFlow::say(Complaint& complaint, const std::string& what)
+{
+    complaint.say("datagrams " + std::to_string(up.lane.number) + ": " + what);
 }
 
 void UdpFlow::take(Way& way, const char* data, std::size_t size)
@@ -81,12 +88,11 @@ void UdpFlow::take(Way& way, const char* data, std::size_t size)
         return;
     }
     config.record(way.lane, Chunk::Kind::bytes, data, size);
-    const bool fits = way.line.push(Clock::now(), std::string(data, size));
-    if (!fits && !way.isOverfull) {
-        config.log("datagrams " + std::to_string(way.lane.number) +
-                   ": too many are under way, some are lost");
+    if (way.line.push(Clock::now(), std::string(data, size))) {
+        way.overfull.over();
+    } else {
+        say(way.overfull, "too many are under way, some are lost");
     }
-    way.isOverfull = !fits;
     deliver();
 }
 

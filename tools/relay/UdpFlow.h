@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Common/Complaint.h"
 #include "tools/relay/DatagramLine.h"
 #include "tools/relay/RelayConfig.h"
 
@@ -39,7 +40,7 @@ private:
     {
         Lane lane;
         DatagramLine line;
-        bool isOverfull = false;  ///< so said the log already
+        Complaint overfull;
     };
 
     boost::asio::ip::udp::socket& listening;
@@ -47,6 +48,7 @@ private:
     Endpoint client;
     const RelayConfig& config;
     Way up, down;
+    Complaint trouble;  ///< with hearing from the server
     boost::asio::steady_timer timer;
     Time heardAt = Clock::now();
     Time cutAt = Time::max();
@@ -55,6 +57,7 @@ private:
 
     void receive();
     void handleReceive(const boost::system::error_code& error, std::size_t bytes);
+    void say(Complaint& complaint, const std::string& what);
     void take(Way& way, const char* data, std::size_t size);
     void deliver();
     void schedule();
