@@ -25,7 +25,7 @@ public:
     enum class Cause
     {
         endOfFile,
-        brokenSource,  ///< what came before is delivered
+        brokenSource,  ///< the system has taken all that came before
         brokenTarget   ///< what the target itself said last may still be under way in the other pipe
     };
     /// Called at most once.

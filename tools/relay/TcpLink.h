@@ -11,7 +11,8 @@ namespace relay {
 /// One client's TCP connection, and ours to the server on its behalf.
 ///
 /// Lives on the single-threaded executor of the client's socket. A connection that breaks on one side is
-/// reset on the other, behind what the broken side said last.
+/// reset on the other once the system has taken what the broken side said last. Of that a slow reader loses
+/// what the system still holds.
 class TcpLink : public std::enable_shared_from_this<TcpLink>
 {
 public:
