@@ -84,7 +84,7 @@ Player firstPlayer(const std::vector<Chunk>& recording)
 {
     std::vector<Player> players = welcomedPlayers(recording);
     if (players.empty()) {
-        throw std::runtime_error("no server welcomes a client in this recording");
+        throw std::runtime_error("no server welcomes a client here");
     }
     const auto flows = flowsByQport(recording);
     const auto plays = [&flows](Player& player) {

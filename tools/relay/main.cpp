@@ -9,8 +9,16 @@
 #include <csignal>
 #include <cstdio>
 #include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
+
+void tell(const std::string& line)
+{
+    std::fprintf(stderr, "vantor-relay: %s\n", commandline::oneLine(line).c_str());
+}
 
 /// Runs a relay or a replayer until a signal asks for the end.
 template <class Service>
@@ -40,16 +48,22 @@ int passOn(const relay::RelayOptions& options)
                  "to " + config.serverHost + ":" + config.serverPort + ", " + relay::describe(config));
 }
 
+relay::Script scriptIn(const std::string& path)
+{
+    const std::vector<relay::Chunk> recording = relay::readRecording(path, tell);
+    try {
+        return relay::serverSide(recording);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(path + ": " + error.what());
+    }
+}
+
 int replay(const relay::RelayOptions& options)
 {
     boost::asio::io_context io(1);
-    const relay::Warn warn = [](const std::string& line) {
-        std::fprintf(stderr, "vantor-relay: %s\n", line.c_str());
-    };
-    relay::Replayer replayer(io, options.config.port,
-                             relay::serverSide(relay::readRecording(options.replayPath, warn)),
-                             options.replaySpeed, writeStatusLine);
-    return serve(io, replayer, "replaying " + options.replayPath);
+    relay::Replayer replayer(io, options.config.port, scriptIn(options.replayPath), options.replaySpeed,
+                             writeStatusLine);
+    return serve(io, replayer, "replaying " + commandline::oneLine(options.replayPath));
 }
 
 }  // namespace
@@ -66,7 +80,7 @@ int main(int argc, char** argv)
         const auto& options = std::get<relay::RelayOptions>(parsed);
         return options.replayPath.empty() ? passOn(options) : replay(options);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "vantor-relay: %s\n", commandline::oneLine(error.what()).c_str());
+        tell(error.what());
         return 1;
     }
 }
