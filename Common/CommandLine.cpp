@@ -3,7 +3,9 @@
 #include <boost/program_options/parsers.hpp>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <iostream>
 #include <locale>
 #include <sstream>
@@ -107,8 +109,16 @@ double decimal(const std::string& option, const std::string& text, double larges
 
 int show(const End& end)
 {
-    (end.status == 0 ? std::cout : std::cerr) << end.text;
-    return end.status;
+    if (end.status != 0) {
+        std::cerr << end.text;
+        return end.status;
+    }
+    std::cout << end.text << std::flush;
+    if (!std::cout) {
+        std::cerr << "cannot write the answer: " << std::strerror(errno) << '\n';
+        return 1;
+    }
+    return 0;
 }
 
 }  // namespace commandline

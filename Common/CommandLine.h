@@ -61,7 +61,8 @@ std::variant<Options, End> read(const char* program, int argc, const char* const
     }
 }
 
-/// Shows the text, on standard output or, after a bad command line, on standard error; returns the status.
+/// Shows the text, on standard output or, after a bad command line, on standard error. Returns the status: 1,
+/// after a message, where standard output does not take it.
 int show(const End& end);
 
 }  // namespace commandline

@@ -59,7 +59,11 @@ bool run(const Options& options)
 {
     load::Swarm swarm({boost::asio::ip::address_v4::loopback(), options.port}, options.clients);
     swarm.play(warmUp, options.seconds);
-    return swarm.report(std::cout);
+    const bool isContent = swarm.report(std::cout);
+    if (!std::cout.flush()) {
+        throw std::runtime_error("cannot write the report");
+    }
+    return isContent;
 }
 
 }  // namespace
