@@ -17,9 +17,10 @@ _vantor() {
         --difficulty) words='easy normal hard' ;;
         --spawn) words='fixed random grid' ;;
         --network) words='good dsl mobile awful' ;;
-        --host | --bind) mapfile -t COMPREPLY < <(compgen -A hostname -- "$word"); return ;;
+        --bind) words='127.0.0.1 0.0.0.0' ;;
+        --host) mapfile -t COMPREPLY < <(compgen -A hostname -- "$word"); return ;;
         --help | --version) ;;
-        --*) return ;;  # a number
+        --*) return ;;  # a number, or for --to a server and its port
     esac
     if [ -z "$words" ]; then
         words=$(_vantor_options "$program")
