@@ -4,22 +4,29 @@
 # For bash scripts with `set -euo pipefail`, which define `fail MESSAGE [STATUS]` (tells the player, and exits) and then
 # call open_session before all else. Whatever is started through this file ends with the script.
 
+work= started=() client= interrupted=
+declare -A services=()
+
 # Sets work, a folder for this session's files, and the traps.
 open_session() {
-    work=$(mktemp -d "${TMPDIR:-/tmp}/vantor.XXXXXX")
-    started=() client= interrupted=
-    declare -gA services=()
     trap close_session EXIT
     # Closing politely: the client takes it for a closed window and ends with its own status.
     trap '[ -z "$client" ] || kill "$client" 2>/dev/null || true; interrupted=yes' INT TERM HUP
+    work=$(mktemp -d "${TMPDIR:-/tmp}/vantor.XXXXXX") || {
+        leave_if_interrupted
+        fail 'no folder for the files of the session'
+    }
 }
 
+# Ends all that was started. At the latest the script's end does; a second time there is nothing left to do.
 close_session() {
     local pid
     for pid in "${started[@]}"; do
         kill "$pid" 2>/dev/null && wait "$pid" 2>/dev/null || true
     done
-    rm -rf --one-file-system "$work"
+    started=()
+    [ -z "$work" ] || rm -rf --one-file-system "$work"
+    work=
 }
 
 # Server and display get sessions of their own, so that Ctrl-C reaches nobody but this script and they outlive the

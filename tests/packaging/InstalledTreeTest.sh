@@ -158,13 +158,18 @@ BadStartsAreExplained() {
     export DISPLAY=:nowhere
     expect_end 1 "Couldn't initialize SDL"
     grep -q "Couldn't initialize SDL" "$work/dialog" || fail 'no dialog'
+    [ ! -s "$work/kept waiting" ] || fail 'the server waits for the dialog to be closed'
     expect_end 2 "a whole number from 0 to 64, not 'many'" --bots many
 }
 
 . "$(dirname "$(readlink -f "$0")")/../../packaging/session.sh"
 open_session
 mkdir "$work/desktop"  # whose dialogs nobody needs to close
-printf '#!/bin/sh\necho "$@" >>"%s/dialog"\n' "$work" >"$work/desktop/zenity"
+cat >"$work/desktop/zenity" <<SCRIPT
+#!/bin/sh
+pgrep -f "$work/any place/games/vantor-server" >"$work/kept waiting"
+echo "\$@" >>"$work/dialog"
+SCRIPT
 chmod +x "$work/desktop/zenity"
 PATH=$work/desktop:$PATH
 cmake --install "$2" --prefix "$work/first place" >/dev/null
