@@ -24,30 +24,29 @@ struct Heard
     void take(std::string& stream)
     {
         while (const std::size_t length = framing::wholeFrameLength(stream.data(), stream.size())) {
-            read(stream[2], stream.substr(3, length - 1));
+            const char type = stream[2];
+            const std::string body = stream.substr(3, length - 1);
             stream.erase(0, 2 + length);
+            if (type == MessageTypes::WELCOME) {
+                EXPECT_TRUE(infos.empty()) << "nothing comes before the welcome";
+                EXPECT_TRUE(welcome.ParseFromString(body));
+            } else if (type == MessageTypes::OBJECT_INFO) {
+                takeState(infos.emplace_back(), body);
+            } else if (type == MessageTypes::OBJECT_UPDATE) {
+                takeState(updates.emplace_back(), body);
+            } else {
+                Vantor::ObjectDestroy destroy;
+                EXPECT_TRUE(destroy.ParseFromString(body));
+                destroyed.push_back(destroy.id());
+            }
         }
     }
 
 private:
-    void read(char type, const std::string& body)
+    template <class State>
+    void takeState(State& state, const std::string& body)
     {
-        const auto readState = [&](auto& state) {
-            EXPECT_TRUE(state.ParseFromString(body));
-            const Vantor::Position& place = state.position();
-            positions[state.id()] = {place.x(), place.y(), place.z()};
-        };
-        if (type == MessageTypes::WELCOME) {
-            EXPECT_TRUE(infos.empty()) << "nothing comes before the welcome";
-            EXPECT_TRUE(welcome.ParseFromString(body));
-        } else if (type == MessageTypes::OBJECT_INFO) {
-            readState(infos.emplace_back());
-        } else if (type == MessageTypes::OBJECT_UPDATE) {
-            readState(updates.emplace_back());
-        } else {
-            Vantor::ObjectDestroy destroy;
-            EXPECT_TRUE(destroy.ParseFromString(body));
-            destroyed.push_back(destroy.id());
-        }
+        EXPECT_TRUE(state.ParseFromString(body));
+        positions[state.id()] = {state.position().x(), state.position().y(), state.position().z()};
     }
 };
