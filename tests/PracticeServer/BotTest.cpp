@@ -18,11 +18,6 @@ void run(Match& match, int steps)
     }
 }
 
-MatchSettings endless(std::uint32_t seed, Difficulty difficulty = Difficulty::normal)
-{
-    return {seed, difficulty, General::FIXED, 0, 0};
-}
-
 Match botMatch(const MatchSettings& settings)
 {
     Match match(settings);
@@ -53,7 +48,7 @@ float damageTo(std::uint32_t controls, int seconds, Difficulty difficulty = Diff
 {
     float sum = 0.0F;
     for (std::uint32_t seed = 1; seed <= 10; ++seed) {
-        Match match = botMatch(endless(seed, difficulty));
+        Match match = botMatch({seed, difficulty, General::FIXED, 0, 0});
         Ship& human = *match.editShip(match.addHuman());
         human.position = battleFront(Team::blue, 0.0F);
         for (int i = 0; i < seconds * 6; ++i) {
@@ -72,9 +67,7 @@ float damageTo(std::uint32_t controls, int seconds, Difficulty difficulty = Diff
 /// Changes with every change of the rules, the bots or the math under them, but not with the build.
 TEST(Bots, ATenMinuteMatchEndsInTheSameStateEverywhere)
 {
-    MatchSettings settings;
-    settings.seed = 5;
-    Match match = botMatch(settings);
+    Match match = botMatch({5});
     run(match, 600 * second);
     EXPECT_EQ(match.stateHash(), 18337779254870769357U);
 }
@@ -89,7 +82,7 @@ TEST(Bots, FightALivelyAndBalancedMatchAroundTheCarriers)
     constexpr int seeds = 20;
     constexpr int minutes = 5;
     for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
-        Match match = botMatch(endless(seed));
+        Match match = botMatch({seed, Difficulty::normal, General::FIXED, 0, 0});
         const auto count = [&](auto condition) {
             return std::count_if(match.allShips().begin(), match.allShips().end(),
                                  [&](const Ship& ship) { return condition(ship, match); });

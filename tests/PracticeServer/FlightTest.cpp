@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 using namespace practice;
 
@@ -32,27 +33,22 @@ Ship shipWith(std::uint32_t controls, const Quaternion& orientation)
 TEST(Flight, EachKeyPushesWhereTheScreenShowsItInTheShipsOwnFrame)
 {
     const float diagonal = std::sqrt(0.5F);
-    const struct
-    {
-        const char* name;
-        std::uint32_t controls;
-        Vector3 direction;
-    } cases[] = {
-        {"W", control::forward, {0, 0, 1}},
-        {"S", control::backward, {0, 0, -1}},
-        {"D, the screen's right", control::right, {-1, 0, 0}},
-        {"A, the screen's left", control::left, {1, 0, 0}},
-        {"Space", control::up, {0, 1, 0}},
-        {"C", control::down, {0, -1, 0}},
-        {"W and D are not faster than W", control::forward | control::right, {-diagonal, 0, diagonal}},
-        {"A and D cancel", control::left | control::right, {0, 0, 0}},
+    const std::pair<std::uint32_t, Vector3> cases[] = {
+        {control::forward, {0, 0, 1}},                                  // W
+        {control::backward, {0, 0, -1}},                                // S
+        {control::right, {-1, 0, 0}},                                   // D: the screen's right
+        {control::left, {1, 0, 0}},                                     // A
+        {control::up, {0, 1, 0}},                                       // Space
+        {control::down, {0, -1, 0}},                                    // C
+        {control::forward | control::right, {-diagonal, 0, diagonal}},  // not faster than one alone
+        {control::left | control::right, {0, 0, 0}},
     };
     const Quaternion turned = Quaternion::FromAxisAngle(1.2F, Vector3(0, 1, 0));
-    for (const auto& c : cases) {
-        Ship ship = shipWith(c.controls, turned);
+    for (const auto& [controls, direction] : cases) {
+        Ship ship = shipWith(controls, turned);
         flyShip(ship, Rules(), dt);
-        const Vector3 expected = turned.rotate(c.direction) * (Rules().thrust * dt);
-        EXPECT_LT(ship.velocity.distance(expected), 0.01F) << c.name << ": " << ship.velocity.toString();
+        const Vector3 expected = turned.rotate(direction) * (Rules().thrust * dt);
+        EXPECT_LT(ship.velocity.distance(expected), 0.01F) << controls << ": " << ship.velocity.toString();
     }
 }
 
@@ -82,20 +78,13 @@ TEST(Flight, TheBorderHoldsAShipSoftlyAndItsLimitWithoutTheSpring)
 
 TEST(Shots, ContactIsFoundAnywhereAlongTheWay)
 {
-    const struct
-    {
-        const char* name;
-        Vector3 offset, motion;
-        float expected;  ///< negative: no contact
-    } cases[] = {
-        {"through the whole sphere in one step", {0, 0, -100}, {0, 0, 1000}, 0.096F},
-        {"just out of reach", {4.1F, 0, -100}, {0, 0, 1000}, -1.0F},
-        {"stops short", {0, 0, -10}, {0, 0, 5}, -1.0F},
-        {"has passed already", {0, 0, 10}, {0, 0, 5}, -1.0F},
-        {"begins inside", {1, 1, 1}, {0, 0, -50}, 0.0F},
-        {"stands still outside", {0, 0, 9}, {0, 0, 0}, -1.0F},
+    const auto contact = [](const Vector3& offset, const Vector3& motion) {
+        return contactTime(offset, motion, 4.0F).value_or(-1.0F);
     };
-    for (const auto& c : cases) {
-        EXPECT_NEAR(contactTime(c.offset, c.motion, 4.0F).value_or(-1.0F), c.expected, 0.001F) << c.name;
-    }
+    EXPECT_NEAR(contact({0, 0, -100}, {0, 0, 1000}), 0.096F, 0.001F) << "through it in one step";
+    EXPECT_EQ(contact({4.1F, 0, -100}, {0, 0, 1000}), -1.0F) << "just out of reach";
+    EXPECT_EQ(contact({0, 0, -10}, {0, 0, 5}), -1.0F) << "stops short";
+    EXPECT_EQ(contact({0, 0, 10}, {0, 0, 5}), -1.0F) << "has passed already";
+    EXPECT_EQ(contact({1, 1, 1}, {0, 0, -50}), 0.0F) << "begins inside";
+    EXPECT_EQ(contact({0, 0, 9}, {0, 0, 0}), -1.0F) << "stands still outside";
 }

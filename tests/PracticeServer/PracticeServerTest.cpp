@@ -7,25 +7,19 @@
 
 using namespace practice;
 
-TEST_F(Server, WelcomesAClientAndTellsOfEveryShip)
+TEST_F(Server, TellsAClientOfEveryShipAndSendsTwentySnapshotsASecondOnceItKnowsTheAddress)
 {
-    open(4);
-    const TestClient& client = join();
+    open(30);
+    TestClient& client = join();
     EXPECT_GE(client.id(), Match::firstId);
     EXPECT_NE(client.qport(), 0U);
-    EXPECT_EQ(client.heard.positions.size(), 5U);
+    EXPECT_EQ(client.heard.positions.size(), 31U);
     EXPECT_EQ(client.heard.positions.count(client.id()), 1U);
     for (const Vantor::ObjectInfo& info : client.heard.infos) {
         const Vantor::PlayerData& data = info.playerdata();
         EXPECT_TRUE(data.has_blueteam() && data.has_name());
         EXPECT_TRUE(data.has_redteamscore() && data.has_blueteamscore());
     }
-}
-
-TEST_F(Server, SendsSnapshotsTwentyTimesASecondOnceItKnowsTheAddress)
-{
-    open(30);
-    TestClient& client = join();
     run(200ms);
     EXPECT_TRUE(client.datagrams.empty());
     client.steer({});
