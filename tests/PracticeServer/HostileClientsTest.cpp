@@ -92,7 +92,9 @@ TEST_F(Server, OnlyTheClientItselfSteersItsShipAndNobodyElseGetsItDropped)
     };
     boost::asio::ip::udp::socket otherHost(io, {boost::asio::ip::make_address_v4("127.0.0.2"), 0});
     sendHarmless();
-    repeat(10, [&] { client.sendDatagram(frameWithoutSense(client.qport())); });  // nobody knows yet whose
+    repeat(10, [&] {  // whose they are nobody knows yet
+        client.sendDatagram(frameOfType(client.qport(), 77) + frameWithoutSense(client.qport()) + "\x5A");
+    });
     otherHost.send_to(boost::asio::buffer(valid), {boost::asio::ip::address_v4::loopback(), server->port()});
     run(200ms);
     EXPECT_TRUE(client.datagrams.empty()) << "its address was taken from a message that means nothing";
