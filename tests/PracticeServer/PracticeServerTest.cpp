@@ -33,7 +33,7 @@ TEST_F(Server, TellsAClientOfEveryShipAndSendsTwentySnapshotsASecondOnceItKnowsT
         EXPECT_TRUE(update.has_position() && update.has_orientation());
         EXPECT_TRUE(snapshots[update.timestamp()].insert(update.id()).second) << "a second state";
     }
-    ASSERT_NEAR(static_cast<double>(snapshots.size()), 40.0, 12.0);  // the machine may be busy
+    ASSERT_NEAR(static_cast<double>(snapshots.size()), 40.0, 20.0);  // the machine may be busy
     EXPECT_EQ(snapshots.rbegin()->first - snapshots.begin()->first, 50U * (snapshots.size() - 1));
     for (const auto& [timestamp, ships] : snapshots) {
         EXPECT_GT(ships.size(), 15U) << timestamp;
