@@ -34,25 +34,23 @@ TEST(Sending, PutsTheQportInFrontOfTheFrameInADatagramAndInTheStream)
         return testing::internal::GetCapturedStdout();
     };
 
-    EXPECT_EQ(printedBySending(), "") << "no sockets";
     sender.setSocket(&datagrams);
-    EXPECT_EQ(printedBySending(), "") << "a socket, but no endpoint";
+    EXPECT_EQ(printedBySending(), "") << "no stream and no endpoint";
     sender.setEndpoint(&endpoint);
     sender.setSocket(&closed);
     EXPECT_EQ(printedBySending(), "Error while sending: Bad file descriptor (code: 9)\n");
-    EXPECT_EQ(logger.packets[Logger::TCP_SENT], 0U) << "a failure does not count";
     sender.setSocket(&stream);
     sender.setQPort(0xFE34);
     EXPECT_EQ(printedBySending(), "");
 
     std::string bytes(2 + steering.size(), '?');
     for (const std::string& qport : {std::string(2, '\0'), std::string("\x34\xFE")}) {
-        EXPECT_EQ(peer.receive(boost::asio::buffer(bytes)), bytes.size());
+        peer.receive(boost::asio::buffer(bytes));
         EXPECT_EQ(bytes, qport + steering);
     }
     boost::asio::read(server, boost::asio::buffer(bytes));
     EXPECT_EQ(bytes, "\x34\xFE" + steering);
-    EXPECT_EQ(logger.packets[Logger::TCP_SENT], 1U);
+    EXPECT_EQ(logger.packets[Logger::TCP_SENT], 1U) << "a failure does not count";
     EXPECT_EQ(logger.bytes[Logger::TCP_SENT], bytes.size());
     EXPECT_EQ(logger.packets[Logger::UDP_SENT], 2U);
 }
