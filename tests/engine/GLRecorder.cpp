@@ -73,20 +73,12 @@ void record(const char* name, Values... values)
 
 }  // namespace
 
-std::string script(const std::string& text)
+std::string script(std::string text)
 {
-    std::string lines;
-    std::istringstream statements(text);
-    for (std::string statement; std::getline(statements, statement, ';');) {
-        std::istringstream words(statement);
-        std::string line;
-        for (std::string word; words >> word;) {
-            const auto constant = constants.find(word);
-            line += ' ' + (constant == constants.end() ? word : std::to_string(constant->second));
-        }
-        lines += line.substr(1) + '\n';
+    for (const auto& [name, value] : constants) {
+        text = std::regex_replace(text, std::regex("\\b" + name + "\\b"), std::to_string(value));
     }
-    return lines;
+    return std::regex_replace(text, std::regex(";\\s*"), "\n") + '\n';
 }
 
 // One line per function, to be read as a table.
