@@ -73,11 +73,8 @@ TEST_F(GameObjects, AnExplosionFacesTheCameraOfItsCreationAndStaysForASecond)
     EXPECT_EQ(explosion->orientation, view);
     graph->update(0.001F);
     EXPECT_EQ(graph->removeList.size(), 1U);
-}
 
-TEST_F(GameObjects, AnExplosionGivenAnOrientationTurnsItByAHundredAndEightyRadiansAndNormalises)
-{
-    // i * (cos 90 + j sin 90), the angle in radians
+    // one given an orientation: i * (cos 90 + j sin 90), the angle in radians, and normalised
     expectNear(Billboard(3, {}, {0, 2, 0, 0}).orientation, {0, -0.4480736F, 0, 0.8939967F});
 }
 
