@@ -140,5 +140,5 @@ TEST_F(Hostile, EveryCommittedFuzzInputPasses)
         }
         ++inputs;
     }
-    EXPECT_GE(inputs, 5);
+    EXPECT_GE(inputs, 4);
 }
