@@ -22,18 +22,6 @@ protected:
         action();
         return testing::internal::GetCapturedStdout();
     }
-
-    // Its calls. Loads the model from a file of its own, and forgets the file.
-    std::string loadModel(const std::string& lines)
-    {
-        const std::string name = "model" + std::to_string(getpid()) + ".obj";
-        resources->resourceFolder = testing::TempDir();
-        std::ofstream(resources->resourceFolder + name) << lines;
-        glRecorder.nextName = 5;
-        EXPECT_EQ(resources->loadModel(name), 5U);
-        std::remove((resources->resourceFolder + name).c_str());
-        return glRecorder.take();
-    }
 };
 
 using ResourcesDeathTest = Resources;
@@ -85,19 +73,22 @@ TEST_F(Resources, WhatIsMissingIsReportedOnceAndDrawsNothing)
 
 TEST_F(Resources, AModelBecomesAListOfTrianglesWithItsImageUpright)
 {
-    EXPECT_EQ(
-        loadModel("v 0 0 0\nv 1 0 0\nv 1 0.25 0\nv 0 0.25 0\nvt 0 0\nvt 1 0\nvt 1 0.25\nvt 0 0.25\nvn 0 0 1\n"
-                  "f 1/1/1 2/2/1 3/3/1 4/4/1\n"),
-        script(R"(glGenLists 1; glNewList 5 GL_COMPILE; glBegin GL_TRIANGLES;
+    const std::string name = "model" + std::to_string(getpid()) + ".obj";
+    resources->resourceFolder = testing::TempDir();
+    // a quad, and a triangle without normals and texture coordinates
+    std::ofstream(resources->resourceFolder + name)
+        << "v 0 0 0\nv 1 0 0\nv 1 0.25 0\nv 0 0.25 0\nvt 0 0\nvt 1 0\nvt 1 0.25\nvt 0 0.25\nvn 0 0 1\n"
+           "o quad\nf 1/1/1 2/2/1 3/3/1 4/4/1\no bare\nf 1 2 3\n";
+    glRecorder.nextName = 5;
+    EXPECT_EQ(resources->loadModel(name), 5U);
+    std::remove((resources->resourceFolder + name).c_str());
+    EXPECT_EQ(glRecorder.take(), script(R"(glGenLists 1; glNewList 5 GL_COMPILE; glBegin GL_TRIANGLES;
         glNormal3f 0 0 1; glTexCoord2d 0 1; glVertex3f 0 0 0; glNormal3f 0 0 1; glTexCoord2d 1 1;
         glVertex3f 1 0 0; glNormal3f 0 0 1; glTexCoord2d 1 0.75; glVertex3f 1 0.25 0; glEnd;
         glBegin GL_TRIANGLES; glNormal3f 0 0 1; glTexCoord2d 0 1; glVertex3f 0 0 0;
         glNormal3f 0 0 1; glTexCoord2d 1 0.75; glVertex3f 1 0.25 0;
-        glNormal3f 0 0 1; glTexCoord2d 0 0.75; glVertex3f 0 0.25 0; glEnd; glEndList)"));
-    // and one without normals and texture coordinates
-    EXPECT_EQ(loadModel("v 0 0 0\nv 1 0 0\nv 1 1 0\nf 1 2 3\n"), script(R"(glGenLists 1;
-        glNewList 5 GL_COMPILE; glBegin GL_TRIANGLES; glVertex3f 0 0 0; glVertex3f 1 0 0; glVertex3f 1 1 0;
-        glEnd; glEndList)"));
+        glNormal3f 0 0 1; glTexCoord2d 0 0.75; glVertex3f 0 0.25 0; glEnd;
+        glBegin GL_TRIANGLES; glVertex3f 0 0 0; glVertex3f 1 0 0; glVertex3f 1 0.25 0; glEnd; glEndList)"));
 }
 
 // The quad of a text that can is compared in tests/end_to_end.
