@@ -95,7 +95,7 @@ ALL = {
     "start-red": start(RED_START, False, (0, 0, 1)),
     "start-red-x": start(RED_START, False, (-1, 0, 0)),
     "fight": fight,
-    "fighters-15": fighters(15),
+    "fighters-20": fighters(20),
     "fighters-30": fighters(30),
     "fighters-100": fighters(100),
     "fighters-300": fighters(300),

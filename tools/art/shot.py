@@ -11,9 +11,9 @@ import numpy as np
 import mesh
 
 SCALE = 0.01
-CORE = 33.0  # model units
+CORE = 28.0  # model units
 CUTS = 2     # of each edge of the icosahedron
-SPIKE = [(0.92 * CORE, 10.0), (1.2 * CORE, 4.0)]  # how far from the middle, half its width there
+SPIKE = [(0.9 * CORE, 8.0), (1.2 * CORE, 3.2)]  # how far from the middle, half its width there
 REACH = 59.0
 SIDES = 4
 COORDS = [(0, 0), (1, 0), (0.5, 1)]

@@ -47,7 +47,7 @@ def wing_band(hull):
     """The squadron's dark band across each wing, between two thin bright lines."""
     def row(x):
         return int(512 * (1.0 - FIGHTER_WINGS - x / FIGHTER_UNITS))
-    hull[row(36.4):row(33.2), :] *= 0.50
+    hull[row(36.4):row(33.2), :] *= 0.64
     hull[row(37.4):row(36.9), :] = 1.0
     hull[row(32.7):row(32.2), :] = 1.0
 
@@ -56,13 +56,13 @@ def fighter_texture(path):
     rng = np.random.default_rng(21042)
     canvas = np.ones((512, 512))
     hull = canvas[:384]
-    panels.Plating(rng, hull, tone=0.90, spread=0.06, smallest=15, section=150).cover()
+    panels.Plating(rng, hull, tone=0.90, spread=0.08, smallest=15, section=150).cover()
     panels.scratches(rng, hull, 260)
     panels.wear(rng, hull, 0.035)
     stripes(hull[40:52, 330:420], 12, 0.45)
     stripes(hull[250:262, 60:150], 12, 0.45)
     # From afar single texels are all one sees of the ship, whichever the pixels happen to hit: no deep black.
-    hull[:] = 0.34 + 0.66 * hull
+    hull[:] = 0.24 + 0.76 * hull
     wing_band(hull)
 
     canvas[384:, :128] = panels.glass(rng, 128, 128)
@@ -80,7 +80,7 @@ def fighter_texture(path):
 def deck_cell(rng, canvas):
     """32 units of runway: dark plates, side lines, a dash and a chevron, lamps, tyre marks."""
     height, width = canvas.shape
-    panels.Plating(rng, canvas, tone=0.45, spread=0.05, smallest=30, section=180).cover()
+    panels.Plating(rng, canvas, tone=0.41, spread=0.05, smallest=30, section=180).cover()
     panels.wear(rng, canvas, 0.06)
     y, x = np.mgrid[0:height, 0:width]
     across = np.abs(y - height / 2) / height          # 0 on the centre line, 0.5 at the edge
@@ -111,7 +111,7 @@ def carrier_texture(path):
     rng = np.random.default_rng(42)
     canvas = np.ones((1024, 1024))
     hull = canvas[:512]
-    panels.Plating(rng, hull, tone=0.82, spread=0.13, smallest=14, section=190).cover()
+    panels.Plating(rng, hull, tone=0.80, spread=0.17, smallest=14, section=190).cover()
     panels.scratches(rng, hull, 700)
     panels.wear(rng, hull, 0.05)
     for y in (96, 230, 410):
