@@ -1,7 +1,6 @@
-"""The carrier's lamps and lit windows: full team colour from wherever one looks, which shows its lines in the dark.
+"""The carrier's lamps and lit windows, which draw its lines in full team colour from wherever one looks.
 
-A light is a flat quad, and all of those are written with normals that shine. Lengths are the
-carrier's, z counts from amidships.
+Each is a quad whose normals shine. Lengths are the carrier's; z counts from amidships.
 """
 
 import numpy as np

@@ -21,16 +21,17 @@ CLOSEST = 0.004   # of the cell: a line's colour is kept this far beside it
 
 
 def dome_gas(points):
-    """How thick the dome's gas is at points of the cube: large soft clouds, alike at (-1, 1, 0) and (1, 1, 0)."""
+    """How thick the gas is at points of the cube: large clouds, alike at (-1, 1, 0) and (1, 1, 0)."""
     d = points / np.linalg.norm(points, axis=-1, keepdims=True)
     cloud = smoothstep(0.25, 0.78, ValueNoise(8).fractal(d * 2.6 + 19, 4))
     x, y, z = np.moveaxis(np.abs(points), -1, 0)
-    even = smoothstep(0.55, 0.05, z / np.maximum(x, 1e-9)) * smoothstep(0.5, 0.95, y / np.maximum(x, 1e-9))
+    beside = np.maximum(x, 1e-9)
+    even = smoothstep(0.55, 0.05, z / beside) * smoothstep(0.5, 0.95, y / beside)
     return cloud * (1 - even) + EVEN * even
 
 
 def dome(points):
-    """The ground colour of the sky and the gas that rises towards the top; no detail near the top's border."""
+    """The sky's ground colour and the gas that grows towards the top, without fine detail."""
     rise = points[..., 1] / np.maximum(np.abs(points[..., 0]), np.abs(points[..., 2]))
     amount = smoothstep(0.25, 0.95, rise)
     return GROUND + SOFT * (amount * dome_gas(points))[..., None] * GAS
@@ -46,7 +47,7 @@ def shear_of_quarter(u, v):
 
 
 def borders(u, v):
-    """For each line of the cell that meets a side face: how far off it is, and where on the cube its next point is."""
+    """For each line that meets a side face: its distance, and its next point's place on the cube."""
     one = np.ones_like(u)
     falling, rising = (u + v) / 2, (1 - u + v) / 2
     return [(v, np.stack([2 * u - 1, one, -one], -1)),
@@ -86,7 +87,8 @@ def paint(rng, rows, columns, tints):
     y = y * columns / rows
     for i in range(1700):
         across, down = rng.random(2)
-        if min(across, down, 1 - across, 1 - down) < 0.015 or min(abs(across - down), abs(across + down - 1)) < 0.012:
+        diagonals = min(abs(across - down), abs(across + down - 1))
+        if min(across, down, 1 - across, 1 - down) < 0.015 or diagonals < 0.012:
             continue
         shear = shear_of_quarter(across, down)
         distance = np.hypot(x - shear * y, y)
