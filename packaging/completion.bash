@@ -18,7 +18,7 @@ _vantor() {
         --spawn) words='fixed random grid' ;;
         --network) words='good dsl mobile awful' ;;
         --host | --bind) mapfile -t COMPREPLY < <(compgen -A hostname -- "$word"); return ;;
-        --help | --version) ;;
+        --friendly-fire | --help | --version) ;;
         --*) return ;;  # a number
     esac
     if [ -z "$words" ]; then

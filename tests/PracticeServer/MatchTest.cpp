@@ -110,6 +110,25 @@ TEST_F(MatchTest, AShotIsAnnouncedPassesAFriendAndEndsAtTheFirstEnemy)
     EXPECT_EQ(heard.destroyed, std::vector<ObjectId>{shot.id()});
 }
 
+TEST(FriendlyFire, HitsTheOwnTeamWhereItIsOnAndAKillCostsAPoint)
+{
+    MatchSettings settings;
+    settings.friendlyFire = true;
+    Match match(settings);
+    const ObjectId ids[] = {match.addHuman(), match.addHuman(), match.addHuman()};  // blue, red, blue
+    for (std::size_t i = 0; i < std::size(ids); ++i) {
+        match.editShip(ids[i])->position = Vector3(0, 0, i == 1 ? -50.0F : 30.0F * static_cast<float>(i));
+    }
+    match.editShip(ids[2])->health = 5.0F;
+    match.setInput(ids[0], {Quaternion(), control::fire});
+    for (int i = 0; i < 30; ++i) {
+        match.step();
+    }
+    EXPECT_EQ(match.teamScore(Team::blue), -1);
+    EXPECT_EQ(match.findShip(ids[0])->score, -1);
+    EXPECT_EQ(match.findShip(ids[0])->health, Rules().fullHealth);
+}
+
 TEST_F(MatchTest, AKillLeavesExplosionsAndTheVictimReturnsWholeUnderItsId)
 {
     const ObjectId shooter = place({0, 0, 0});

@@ -18,9 +18,10 @@ std::variant<ServerOptions, commandline::End> read(std::vector<const char*> argu
 
 TEST(ServerCommandLine, GivesItsValues)
 {
-    const auto given = std::get<ServerOptions>(
-        read({"--port=0", "--bind", "0.0.0.0", "--bots", "64", "--difficulty", "hard", "--seed", "4294967295",
-              "--spawn", "grid", "--score-limit", "0", "--time-limit", "86400", "--log", "m.csv"}));
+    const auto given =
+        std::get<ServerOptions>(read({"--port=0", "--bind", "0.0.0.0", "--bots", "64", "--difficulty", "hard",
+                                      "--seed", "4294967295", "--spawn", "grid", "--score-limit", "0",
+                                      "--time-limit", "86400", "--friendly-fire", "--log", "m.csv"}));
     EXPECT_EQ(given.port, 0);
     EXPECT_TRUE(given.bind.is_unspecified());
     EXPECT_EQ(given.bots, 64U);
@@ -29,6 +30,7 @@ TEST(ServerCommandLine, GivesItsValues)
     EXPECT_EQ(given.match.spawn, General::GRID);
     EXPECT_EQ(given.match.scoreLimit, 0);
     EXPECT_EQ(given.match.timeLimit, 86400);
+    EXPECT_TRUE(given.match.friendlyFire);
     EXPECT_EQ(given.measurements, "m.csv");
 }
 
