@@ -205,7 +205,7 @@ Ship* Match::firstHit(const Shot& shot)
 
 bool Match::mayHit(const Shot& shot, const Ship& ship) const
 {
-    return ship.alive && ship.id != shot.shooter && (ship.team != shot.team || rules.friendlyFire);
+    return ship.alive && ship.id != shot.shooter && (ship.team != shot.team || settings.friendlyFire);
 }
 
 void Match::strike(const Shot& shot, Ship& victim)

@@ -21,6 +21,7 @@ struct MatchSettings
     General::Mode spawn = General::Mode::FIXED;  ///< how the teams' starting points are laid out
     int scoreLimit = 50;                         ///< team kills that end a match; 0: none
     int timeLimit = 600;                         ///< seconds after which a match ends; 0: never
+    bool friendlyFire = false;                   ///< whether shots also hit their own team, never the shooter
 };
 
 }  // namespace practice

@@ -24,7 +24,6 @@ struct Rules
     float muzzleDistance = 4.0F;  ///< in front of the ship's centre
     float hitRadius = 4.5F;       ///< sphere around a ship's centre, a little larger than the hull
     float shotDamage = 12.5F;     ///< eight hits for a kill
-    bool friendlyFire = false;    ///< whether shots also hit the shooter's own team, never himself
 
     // Life and death.
     float fullHealth = 100.0F;

@@ -90,6 +90,7 @@ po::options_description description()
         "starting points: fixed, one for each team; random in a box of the team; or on a grid");
     options.add_options()("score-limit", text("N", "50"), "team kills that end a match; 0: none");
     options.add_options()("time-limit", text("S", "600"), "seconds after which a match ends; 0: never");
+    options.add_options()("friendly-fire", po::bool_switch(), "shots hit the shooter's own team as well");
     options.add_options()("log", po::value<std::string>()->default_value("")->value_name("FILE"),
                           "append a row of measurements to FILE once a second");
     return options;
@@ -107,6 +108,7 @@ ServerOptions readValues(const po::variables_map& values)
     result.match.spawn = chosen(values, "spawn", spawns);
     result.match.scoreLimit = static_cast<int>(number(values, "score-limit", highestScore));
     result.match.timeLimit = static_cast<int>(number(values, "time-limit", longestMatch));
+    result.match.friendlyFire = values["friendly-fire"].as<bool>();
     result.measurements = values["log"].as<std::string>();
     if (result.measurements.empty() && !values["log"].defaulted()) {
         refuse("log", "the name of a file", "");

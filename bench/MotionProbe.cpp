@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace motion_probe {
@@ -29,15 +30,39 @@ struct Sample
     double time;   ///< when it was shown, seconds
     double moved;  ///< for how long the scene was moved since the last sample, seconds
     Vector3 position;
-    float speed;
-    Cause cause;
+    std::array<Vector3, 2> velocities;  ///< the two newest measured ones
+    Cause cause;                        ///< of the step that ends here
+};
+
+// What the samples to come are the first to show.
+class Causes
+{
+public:
+    // Before the ship takes a state. A player is drawn where the frame before has moved it, so what moves it
+    // only with the frame is shown by the sample after the next.
+    void note(const Transform& ship, Vector3 position, bool full)
+    {
+        if (full) {
+            atNext = fullState;
+        } else if (ship.smoothPosition.distance(position) > Transform::snapDistance) {
+            atNext = std::min(atNext, snap);
+        } else {
+            afterNext = newState;
+        }
+    }
+
+    Cause takeNext() { return std::exchange(atNext, std::exchange(afterNext, flight)); }
+
+private:
+    Cause atNext = flight;
+    Cause afterNext = flight;
 };
 
 struct Flight
 {
     std::vector<State> states;
     std::vector<Sample> samples;
-    Cause cause = flight;  ///< since the last sample
+    Causes causes;
 };
 
 std::map<unsigned long long, Flight> current;
@@ -48,56 +73,71 @@ double secondsOf(Clock::time_point time)
     return Seconds(time.time_since_epoch()).count();
 }
 
-Cause causeOf(const Transform& ship, Vector3 position, bool full)
+std::array<Vector3, 2> velocitiesOf(const Transform& ship)
 {
-    if (full) {
-        return fullState;
-    }
-    return ship.smoothPosition.distance(position) > Transform::snapDistance ? snap : newState;
+    return {ship.velocity[0], ship.velocity[1]};
 }
 
-float speedOf(const Transform& ship)
+// What is known of the steps of all flights, by one clock.
+class Steps
 {
-    return std::max(ship.velocity[0].length(), ship.velocity[1].length());
-}
-
-using Excesses = std::array<std::vector<float>, causeCount>;
-
-enum Measure
-{
-    asShown,
-    asMoved
-};
-
-void addExcesses(Excesses& excesses, const std::vector<Sample>& samples, double from, Measure measure)
-{
-    for (std::size_t i = 1; i < samples.size(); ++i) {
-        const Sample& before = samples[i - 1];
-        const Sample& now = samples[i];
-        if (before.time > from) {
-            const double time = measure == asShown ? now.time - before.time : now.moved;
-            const float way = std::max(before.speed, now.speed) * static_cast<float>(time);
-            excesses[now.cause].push_back(now.position.distance(before.position) - way);
+public:
+    // Those of one flight that begin after `from`, each over the seconds that `time` tells.
+    template <class Time>
+    void add(const std::vector<Sample>& samples, double from, Time time)
+    {
+        for (std::size_t i = 1; i < samples.size(); ++i) {
+            if (samples[i - 1].time > from) {
+                add(samples[i - 1], samples[i], static_cast<float>(time(samples[i - 1], samples[i])));
+            }
         }
     }
-}
+
+    Amiss summary(Measure measure, Cause cause) const
+    {
+        std::vector<float> amounts = amiss[measure][cause];
+        if (amounts.empty()) {
+            return {};
+        }
+        std::sort(amounts.begin(), amounts.end());
+        return {amounts.size(), amounts.back(), amounts[(amounts.size() - 1) * 99 / 100]};
+    }
+
+private:
+    void add(const Sample& before, const Sample& now, float time)
+    {
+        const Vector3 step = now.position - before.position;
+        float fastest = 0;
+        float nearest = std::numeric_limits<float>::infinity();
+        for (const Sample* sample : {&before, &now}) {
+            for (const Vector3& velocity : sample->velocities) {
+                fastest = std::max(fastest, velocity.length());
+                nearest = std::min(nearest, step.distance(velocity * time));
+            }
+        }
+        amiss[tooLong][now.cause].push_back(step.length() - fastest * time);
+        amiss[astray][now.cause].push_back(nearest);
+    }
+
+    std::array<std::array<std::vector<float>, causeCount>, measureCount> amiss;
+};
 
 // The same states, each in the first even frame after it came; the ship is drawn as Player does, at the
 // position of the frame before.
 std::vector<Sample> replay(const Flight& original)
 {
     Transform ship(0ULL);
+    Causes causes;
     std::vector<Sample> samples;
     auto state = original.states.begin();
     for (double time = state->time; time < original.samples.back().time; time += evenInterval) {
-        Cause cause = flight;
         for (; state != original.states.end() && state->time <= time; ++state) {
             Vector3 position = state->position;
             Quaternion orientation;
-            cause = std::min(cause, causeOf(ship, position, state->full));
+            causes.note(ship, position, state->full);
             ship.updateInfo(state->serverTime, position, orientation, state->full);
         }
-        samples.push_back({time, evenInterval, ship.smoothPosition, speedOf(ship), cause});
+        samples.push_back({time, evenInterval, ship.smoothPosition, velocitiesOf(ship), causes.takeNext()});
         ship.realUpdate(static_cast<float>(evenInterval));
     }
     return samples;
@@ -128,22 +168,13 @@ void finishFlightsBefore(double time)
     }
 }
 
-Excess summary(std::vector<float> steps)
-{
-    if (steps.empty()) {
-        return {};
-    }
-    std::sort(steps.begin(), steps.end());
-    return {steps.size(), steps.back(), steps[(steps.size() - 1) * 99 / 100]};
-}
-
 }  // namespace
 
 void noteState(const Transform& ship, unsigned int serverTime, Vector3 position, bool full)
 {
     Flight& f = current[ship.id];
     f.states.push_back({secondsOf(frame_probe::frames().back().begin), serverTime, position, full});
-    f.cause = std::min(f.cause, causeOf(ship, position, full));
+    f.causes.note(ship, position, full);
 }
 
 void sample(unsigned long long ownId, Clock::time_point shown)
@@ -156,8 +187,7 @@ void sample(unsigned long long ownId, Clock::time_point shown)
     }
     for (const Transform* ship : *ships) {
         Flight& f = current[ship->id];
-        f.samples.push_back({time, moved, ship->position, speedOf(*ship), f.cause});
-        f.cause = flight;
+        f.samples.push_back({time, moved, ship->position, velocitiesOf(*ship), f.causes.takeNext()});
     }
     current.erase(ownId);
     finishFlightsBefore(time);
@@ -166,18 +196,22 @@ void sample(unsigned long long ownId, Clock::time_point shown)
 Report report(Clock::time_point from)
 {
     finishFlightsBefore(std::numeric_limits<double>::infinity());
-    Excesses shown, moved, even;
+    std::array<Steps, paceCount> steps;
+    const double begin = secondsOf(from);
+    const auto passed = [](const Sample& before, const Sample& now) { return now.time - before.time; };
     for (const Flight& f : finished) {
-        addExcesses(shown, f.samples, secondsOf(from), asShown);
-        addExcesses(moved, f.samples, secondsOf(from), asMoved);
-        addExcesses(even, replay(f), secondsOf(from), asShown);
+        steps[shown].add(f.samples, begin, passed);
+        steps[moved].add(f.samples, begin, [](const Sample&, const Sample& now) { return now.moved; });
+        steps[evenFrames].add(replay(f), begin, passed);
     }
     Report result;
     result.flights = finished.size();
-    for (std::size_t cause = 0; cause < causeCount; ++cause) {
-        result.shown[cause] = summary(shown[cause]);
-        result.moved[cause] = summary(moved[cause]);
-        result.evenFrames[cause] = summary(even[cause]);
+    for (const Measure measure : {tooLong, astray}) {
+        for (const Cause cause : {fullState, snap, newState, flight}) {
+            for (const Pace pace : {shown, moved, evenFrames}) {
+                result.amiss[measure][cause][pace] = steps[pace].summary(measure, cause);
+            }
+        }
     }
     return result;
 }

@@ -9,36 +9,53 @@
 /// How smoothly the ships of others are drawn: every drawn position and every server state behind it, as they
 /// happened, and once more with the same states and frames that come exactly every 17 ms.
 ///
-/// A step from one frame to the next is too long by what exceeds the way that the ship makes in the time
-/// between the frames at its own speed, the faster of the two newest measured ones. What is too long in even
-/// frames as well comes from the blending rule of scene/NetworkedMotion, not from the frames.
+/// A step from one frame to the next is compared with the way that the ship makes in the time between the
+/// frames at its own velocity, the two newest measured ones. What is amiss in even frames as well comes from
+/// the blending rule of scene/NetworkedMotion, not from the frames.
 namespace motion_probe {
 
-/// What came for the ship in a frame, the first of these that applies.
+/// What a drawn step is the first to show, the first of these that applies.
 enum Cause
 {
-    fullState,  ///< a state that is to be shown at once, as when a ship is hit
+    fullState,  ///< a state that is shown at once, as when a ship is hit
     snap,       ///< a state too far from where the ship was shown
-    newState,   ///< another state: a new blend begins, which is drawn from the next frame on
+    newState,   ///< another state: the first step of a new blend
     flight,     ///< none: blend or extrapolation goes on
     causeCount
 };
 constexpr const char* causeNames[causeCount] = {"a full state", "a snap", "a new state", "no state"};
 
-/// World units by which steps were too long.
-struct Excess
+/// How steps are compared.
+enum Measure
+{
+    tooLong,  ///< by how much the step is longer than the way at the faster of the two speeds
+    astray,   ///< how far from its end the way at the nearer of the two velocities would have led; sees jumps
+              ///< backwards and sideways as well
+    measureCount
+};
+constexpr const char* measureNames[measureCount] = {"too long by", "astray by"};
+
+/// By which clock.
+enum Pace
+{
+    shown,       ///< the time that passed before the eye
+    moved,       ///< the time by which the scene was moved
+    evenFrames,  ///< the same states once more, in even frames
+    paceCount
+};
+
+/// World units.
+struct Amiss
 {
     std::size_t steps = 0;
     float largest = 0;
-    float usual = 0;  ///< 99 of 100 steps are too long by no more
+    float usual = 0;  ///< 99 of 100 steps are amiss by no more
 };
 
 struct Report
 {
-    std::array<Excess, causeCount> shown;       ///< for the time that passed before the eye
-    std::array<Excess, causeCount> moved;       ///< for the time by which the scene was moved
-    std::array<Excess, causeCount> evenFrames;  ///< for the same states in even frames
-    std::size_t flights = 0;                    ///< from a ship's appearance to its end
+    std::array<std::array<std::array<Amiss, paceCount>, causeCount>, measureCount> amiss;
+    std::size_t flights = 0;  ///< from a ship's appearance to its end
 };
 
 /// Before `ship` takes a state of the server.

@@ -184,18 +184,21 @@ void printShares(const std::vector<Frame>& frames)
 
 void printMotion(const motion_probe::Report& report)
 {
-    std::printf(
-        "\n%zu flights of others\n\n| steps with | steps | too long for the time shown: 99 of 100 | largest "
-        "| for the time moved: 99 of 100 | largest | in even frames: 99 of 100 | largest |\n"
-        "|---|---|---|---|---|---|---|---|\n",
-        report.flights);
-    for (std::size_t i = 0; i < motion_probe::causeCount; ++i) {
-        std::printf("| %s | %zu |", motion_probe::causeNames[i], report.shown[i].steps);
-        for (const auto* excess : {&report.shown[i], &report.moved[i], &report.evenFrames[i]}) {
-            std::printf(" %.2f | %.2f |", static_cast<double>(excess->usual),
-                        static_cast<double>(excess->largest));
+    std::printf("\n%zu flights of others; of their steps: 99 of 100, largest\n", report.flights);
+    for (std::size_t measure = 0; measure < motion_probe::measureCount; ++measure) {
+        std::printf(
+            "\n| %s, in a step with | steps | for the time shown | for the time moved | in even frames |\n"
+            "|---|---|---|---|---|\n",
+            motion_probe::measureNames[measure]);
+        for (std::size_t cause = 0; cause < motion_probe::causeCount; ++cause) {
+            const auto& paces = report.amiss[measure][cause];
+            std::printf("| %s | %zu |", motion_probe::causeNames[cause], paces[motion_probe::shown].steps);
+            for (const motion_probe::Amiss& amiss : paces) {
+                std::printf(" %.2f, %.2f |", static_cast<double>(amiss.usual),
+                            static_cast<double>(amiss.largest));
+            }
+            std::printf("\n");
         }
-        std::printf("\n");
     }
 }
 

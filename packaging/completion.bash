@@ -19,7 +19,7 @@ _vantor() {
         --network) words='good dsl mobile awful' ;;
         --bind) words='127.0.0.1 0.0.0.0' ;;
         --host) mapfile -t COMPREPLY < <(compgen -A hostname -- "$word"); return ;;
-        --help | --version) ;;
+        --friendly-fire | --help | --version) ;;
         --*) return ;;  # a number, or for --to a server and its port
     esac
     if [ -z "$words" ]; then

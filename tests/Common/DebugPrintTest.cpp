@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
 #include <string>
 
 TEST(DebugPrint, FormatsLikePrintfAndCutsATextThatIsTooLongButNotItsLineEnd)
@@ -24,27 +23,21 @@ TEST(DebugPrint, FormatsLikePrintfAndCutsATextThatIsTooLongButNotItsLineEnd)
 // time-out of the test tells.
 TEST(DebugPrint, DropsWhatNobodyReadsUntilSomebodyReadsAgain)
 {
-    struct sigaction interruption = {};
-    interruption.sa_handler = [](int) {};  // without SA_RESTART
-    sigaction(SIGALRM, &interruption, nullptr);
+    std::signal(SIGALRM, [](int) {});
     int ends[2];
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const int capacity = fcntl(ends[1], F_GETPIPE_SZ);
-    std::string taken(static_cast<std::size_t>(capacity), '.');
-    ASSERT_EQ(write(ends[1], taken.data(), taken.size()), capacity);
+    std::string taken(static_cast<std::size_t>(fcntl(ends[1], F_GETPIPE_SZ)), '.');
+    ASSERT_EQ(write(ends[1], taken.data(), taken.size()), static_cast<ssize_t>(taken.size()));
     const int terminal = dup(STDOUT_FILENO);
     dup2(ends[1], STDOUT_FILENO);
 
     ualarm(300000, 0);
     DebugPrint("dropped, the wait broken off\n");
     DebugPrint("dropped\n");
-    ASSERT_EQ(read(ends[0], taken.data(), taken.size()), capacity);
+    ASSERT_EQ(read(ends[0], taken.data(), taken.size()), static_cast<ssize_t>(taken.size()));
     DebugPrint("read\n");
 
     dup2(terminal, STDOUT_FILENO);
     const ssize_t size = read(ends[0], taken.data(), taken.size());
     EXPECT_EQ(taken.substr(0, static_cast<std::size_t>(size)), "read\n");
-    for (const int end : {ends[0], ends[1], terminal}) {
-        close(end);
-    }
 }

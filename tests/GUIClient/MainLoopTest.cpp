@@ -50,22 +50,16 @@ TEST_F(MainLoop, AStopTakesEffectAfterTheWholePass)
 
 TEST_F(MainLoop, CallsAreAPeriodOfWholeMillisecondsApartAndAMillisecondLateAtTheEarliest)
 {
-    const std::pair<float, std::int64_t> cases[] = {{60.0F, 16}, {2000.0F, 0}};
-    for (const auto& [rate, period] : cases) {
-        mainLoopFunctionsList.clear();
-        planned.clear();
-        called.clear();
-        order.clear();
-        Helpers::registerMainLoopFunction(ticker, rate);
-        Helpers::registerMainLoopFunction(follower, 0.1F);
-        Helpers::stop();  // before the run it does not count
-        Helpers::run();
-        EXPECT_EQ(called.size(), 6U);
-        for (std::size_t i = 1; i < called.size(); ++i) {
-            EXPECT_GT(called[i], planned[i]);
-            EXPECT_GT(planned[i], planned[i - 1] + period);
-            EXPECT_LE(planned[i], called[i - 1] + period);
-        }
-        EXPECT_EQ(order, "f");  // due once in ten seconds
+    order.clear();
+    Helpers::registerMainLoopFunction(ticker, 60.0F);
+    Helpers::registerMainLoopFunction(follower, 0.1F);
+    Helpers::stop();  // before the run it does not count
+    Helpers::run();
+    EXPECT_EQ(called.size(), 6U);
+    for (std::size_t i = 1; i < called.size(); ++i) {
+        EXPECT_GT(called[i], planned[i]);
+        EXPECT_GT(planned[i], planned[i - 1] + 16);
+        EXPECT_LE(planned[i], called[i - 1] + 16);
     }
+    EXPECT_EQ(order, "f");  // due once in ten seconds
 }

@@ -2,38 +2,24 @@
 
 #include "tests/PracticeServer/ServerFixture.h"
 
-#include <boost/system/system_error.hpp>
-
-#include <algorithm>
 #include <map>
 #include <set>
 
 using namespace practice;
 
-TEST_F(Server, WelcomesAClientFirstAndThenTellsOfEveryShip)
-{
-    open(4);
-    const TestClient& client = join();
-    EXPECT_EQ(client.heard.types[0], MessageTypes::WELCOME);
-    EXPECT_GE(client.id(), Match::firstId);
-    EXPECT_NE(client.heard.welcome.qport(), 0U);
-    EXPECT_LT(client.heard.welcome.qport(), 65536U);
-    std::set<std::uint64_t> ships;
-    for (const Vantor::ObjectInfo& info : client.heard.infos) {
-        if (info.objecttype() == 0) {
-            ships.insert(info.id());
-            EXPECT_TRUE(info.playerdata().has_blueteam() && info.playerdata().has_name());
-            EXPECT_TRUE(info.playerdata().has_redteamscore() && info.playerdata().has_blueteamscore());
-        }
-    }
-    EXPECT_EQ(ships.size(), 5U);
-    EXPECT_EQ(ships.count(client.id()), 1U);
-}
-
-TEST_F(Server, SendsSnapshotsTwentyTimesASecondOnceItKnowsTheAddress)
+TEST_F(Server, TellsAClientOfEveryShipAndSendsTwentySnapshotsASecondOnceItKnowsTheAddress)
 {
     open(30);
     TestClient& client = join();
+    EXPECT_GE(client.id(), Match::firstId);
+    EXPECT_NE(client.qport(), 0U);
+    EXPECT_EQ(client.heard.positions.size(), 31U);
+    EXPECT_EQ(client.heard.positions.count(client.id()), 1U);
+    for (const Vantor::ObjectInfo& info : client.heard.infos) {
+        const Vantor::PlayerData& data = info.playerdata();
+        EXPECT_TRUE(data.has_blueteam() && data.has_name());
+        EXPECT_TRUE(data.has_redteamscore() && data.has_blueteamscore());
+    }
     run(200ms);
     EXPECT_TRUE(client.datagrams.empty());
     client.steer({});
@@ -47,10 +33,10 @@ TEST_F(Server, SendsSnapshotsTwentyTimesASecondOnceItKnowsTheAddress)
         EXPECT_TRUE(update.has_position() && update.has_orientation());
         EXPECT_TRUE(snapshots[update.timestamp()].insert(update.id()).second) << "a second state";
     }
-    EXPECT_NEAR(static_cast<double>(snapshots.size()), 40.0, 12.0);  // the machine may be busy
+    ASSERT_NEAR(static_cast<double>(snapshots.size()), 40.0, 20.0);  // the machine may be busy
+    EXPECT_EQ(snapshots.rbegin()->first - snapshots.begin()->first, 50U * (snapshots.size() - 1));
     for (const auto& [timestamp, ships] : snapshots) {
-        EXPECT_EQ(timestamp % 50U, 0U);
-        EXPECT_GT(ships.size(), 15U);
+        EXPECT_GT(ships.size(), 15U) << timestamp;
     }
 }
 
@@ -60,11 +46,9 @@ TEST_F(Server, AClientThatFallsSilentLetsGoOfTheControls)
     TestClient& client = join();
     client.steer({Quaternion(), control::fire});
     run(2500ms);
-    const auto& infos = client.heard.infos;
-    const auto shots =
-        std::count_if(infos.begin(), infos.end(), [](const auto& info) { return info.objecttype() == 1; });
-    EXPECT_GE(shots, 3);
-    EXPECT_LE(shots, 6);
+    const std::size_t shots = client.heard.infos.size() - 1;
+    EXPECT_GE(shots, 3U);
+    EXPECT_LE(shots, 6U);
 }
 
 TEST_F(Server, TwoClientsSeeEachOtherMoveAndFireWhileAThirdComesAndGoes)
@@ -72,33 +56,23 @@ TEST_F(Server, TwoClientsSeeEachOtherMoveAndFireWhileAThirdComesAndGoes)
     open(0);
     TestClient& first = join();
     TestClient& second = join();
-    EXPECT_NE(first.qport(), second.qport());
     first.steer({});
     second.steer({Quaternion(), control::up | control::fire});
     const float start = second.position().y;
-    const auto shotNear = [](const TestClient& witness, const Vector3& place) {
-        return std::any_of(witness.heard.infos.begin(), witness.heard.infos.end(), [&](const auto& info) {
-            const Vector3 at(info.position().x(), info.position().y(), info.position().z());
-            return info.objecttype() == 1 && (at - place).length() < 20.0F;
-        });
-    };
+    const auto isShot = [](const auto& info) { return info.objecttype() == 1; };
     EXPECT_TRUE(runUntil([&] {
-        return first.heard.positionOf(second.id()).y > start + 2.0F && shotNear(first, second.position());
+        const auto& infos = first.heard.infos;
+        return first.heard.positions[second.id()].y > start + 2.0F &&
+               std::any_of(infos.begin(), infos.end(), isShot);
     }));
     TestClient& third = join();
-    EXPECT_EQ(third.heard.positionOf(first.id()), first.position());
-    EXPECT_EQ(first.heard.positionOf(third.id()), third.position());
+    EXPECT_EQ(third.heard.positions[first.id()], first.position());
+    EXPECT_EQ(first.heard.positions[third.id()], third.position());
     third.hangUp();
-    const auto gone = [&](const TestClient& witness) {
-        const auto& destroys = witness.heard.destroys;
-        return std::any_of(destroys.begin(), destroys.end(),
-                           [&](const auto& d) { return d.id() == third.id(); });
-    };
-    EXPECT_TRUE(runUntil([&] { return gone(first) && gone(second); }));
-    EXPECT_EQ(log,
-              (std::vector<std::string>{"join Pilot 1 (blue) from " + first.address(),
-                                        "join Pilot 2 (red) from " + second.address(),
-                                        "join Pilot 3 (blue) from " + third.address(), "leave Pilot 3"}));
+    EXPECT_TRUE(runUntil([&] { return first.hasLost(third.id()) && second.hasLost(third.id()); }));
+    EXPECT_EQ(log, (std::vector<std::string>{"join Pilot 1 (blue) from " + first.address,
+                                             "join Pilot 2 (red) from " + second.address,
+                                             "join Pilot 3 (blue) from " + third.address, "leave Pilot 3"}));
 }
 
 TEST_F(Server, OneSocketPlaysAgainWhileItsEarlierConnectionStands)
@@ -110,24 +84,18 @@ TEST_F(Server, OneSocketPlaysAgainWhileItsEarlierConnectionStands)
     ASSERT_TRUE(runUntil([&] { return !socket.datagrams.empty(); }));
     const Vector3 start = again.position();
     socket.sendDatagram(steeringFrame(again.qport(), {Quaternion(), control::up}));
-    EXPECT_TRUE(runUntil([&] { return socket.heard.positionOf(again.id()).y > start.y; }));
+    EXPECT_TRUE(runUntil([&] { return socket.heard.positions[again.id()].y > start.y; }));
     const Vector3 own = socket.position();
     socket.steer({Quaternion(), control::up});
     EXPECT_TRUE(runUntil([&] { return socket.position().y > own.y; })) << "the earlier one is heard no more";
 }
 
-TEST_F(Server, KeepsItsPortAndStopLeavesNoWork)
+TEST_F(Server, StopsWithoutLeavingWork)
 {
     open(2);
     const TestClient& client = join();
-    config.port = server->port();
-    EXPECT_THROW(PracticeServer(io, config), boost::system::system_error);
-    config.port = 0;
-    config.bind = boost::asio::ip::make_address_v4("192.0.2.1");  // reserved for documentation: nobody's
-    EXPECT_THROW(PracticeServer(io, config), boost::system::system_error);
     server->stop();
     EXPECT_TRUE(runUntil([&] { return client.serverHungUp; }));
     io.run_for(2s);
     EXPECT_TRUE(io.stopped());
-    EXPECT_NE(server->timing().find(" ms behind"), std::string::npos);
 }

@@ -22,6 +22,5 @@ TEST(Steps, AreCaughtUpAfterADelayAndGivenUpAfterALongOne)
     EXPECT_EQ(stepsAt(55ms), 4);
     EXPECT_EQ(clock.report(), "played 5 steps, latest 35.0 ms behind");
     EXPECT_EQ(stepsAt(1060ms), 1) << "a second of haste";
-    EXPECT_EQ(clock.nextStep(), start + 1070ms);
     EXPECT_EQ(clock.report(), "played 6 steps, latest 1000.0 ms behind, 1000.0 ms given up");
 }

@@ -1,14 +1,10 @@
 #include "engine/Camera.h"
 
-#include "engine/VT_Skybox.h"
 #include "tests/engine/FreshWorld.h"
 
-#include <regex>
-#include <sstream>
 #include <tuple>
 
 using View = FreshWorld;
-using Sky = FreshWorld;
 
 TEST_F(View, TurnsAboutItsOwnAxes)
 {
@@ -36,24 +32,4 @@ TEST_F(View, TurnsAboutItsOwnAxes)
         expectNear(camera.getOrientation().rotate({0.0F, 0.0F, 1.0F}), direction);
         expectNear(camera.getOrientation().rotate({0.0F, 1.0F, 0.0F}), up);
     }
-}
-
-TEST_F(Sky, IsLoadedAtOnceAndACubeThatReachesHalfWayToTheFarPlane)
-{
-    VT.drawSkybox({});  // no sky yet
-    VT.setSkyBox("sky.png");
-    EXPECT_EQ(glRecorder.take().find("IMG_Load"), 0U);
-    VT.window.farPlane = 20.0F;
-    VT.drawSkybox({});
-    // of each corner the signs of x, y and z and which of the texels' borders u and v
-    std::istringstream corners(R"(+--22 ---32 -+-33 ++-23 +-+02 +--12 ++-13 +++03 --+62 +-+72 +++73 -++63
-        ---42 --+52 -++53 -+-43 -+-24 -++35 +++25 ++-34 ---31 --+30 +-+20 +--21)");
-    const float u[] = {.0007F, .2493F, .2507F, .4993F, .5007F, .7493F, .7507F, .9993F};
-    const float v[] = {.0007F, .3326333F, .3340333F, .6659667F, .6673667F, .9993F};
-    std::ostringstream expected;
-    for (std::string c; corners >> c;) {
-        expected << "glTexCoord2f " << u[c[3] - '0'] << ' ' << v[c[4] - '0'] << "\nglVertex3f " << c[0]
-                 << "10 " << c[1] << "10 " << c[2] << "10\n";
-    }
-    EXPECT_EQ(glRecorder.take("TexCoord|Vertex"), std::regex_replace(expected.str(), std::regex("\\+"), ""));
 }

@@ -36,8 +36,3 @@ FreshWorld::FreshWorld()
     done = false;
     glRecorder = GLRecorder();
 }
-
-void expectNear(Vector3 actual, Vector3 expected)
-{
-    EXPECT_LT(actual.distance(expected), 1e-4F) << actual.toString() << ", not " << expected.toString();
-}

@@ -5,6 +5,7 @@
 #include "engine/ResourceManager.h"
 #include "scene/SceneGraph.h"
 #include "tests/engine/GLRecorder.h"
+#include "tests/math/Near.h"
 
 #include <gtest/gtest.h>
 
@@ -19,6 +20,3 @@ protected:
     ResourceManager* resources;
     VTEntryPoint* controller = VTEntryPoint::getInstance();
 };
-
-/// Fails unless the points are less than 0.0001 units apart.
-void expectNear(Vector3 actual, Vector3 expected);

@@ -45,9 +45,8 @@ namespace {
 // clang-format off
 #define NAMED(constant) {#constant, constant}
 const std::map<std::string, int> constants = {
-    NAMED(GL_BGR), NAMED(GL_BGRA), NAMED(GL_BLEND), NAMED(GL_COMPILE), NAMED(GL_ENABLE_BIT),
-    NAMED(GL_LIGHTING), NAMED(GL_LINEAR), NAMED(GL_MODELVIEW), NAMED(GL_ONE_MINUS_SRC_ALPHA),
-    NAMED(GL_PROJECTION), NAMED(GL_QUADS), NAMED(GL_RGB), NAMED(GL_RGBA), NAMED(GL_SRC_ALPHA),
+    NAMED(GL_BGR), NAMED(GL_BGRA), NAMED(GL_BLEND), NAMED(GL_COMPILE), NAMED(GL_LINEAR),
+    NAMED(GL_ONE_MINUS_SRC_ALPHA), NAMED(GL_QUADS), NAMED(GL_RGB), NAMED(GL_RGBA), NAMED(GL_SRC_ALPHA),
     NAMED(GL_TEXTURE_2D), NAMED(GL_TEXTURE_MAG_FILTER), NAMED(GL_TEXTURE_MIN_FILTER), NAMED(GL_TRIANGLES),
     NAMED(GL_UNSIGNED_BYTE)};
 // clang-format on
@@ -73,20 +72,12 @@ void record(const char* name, Values... values)
 
 }  // namespace
 
-std::string script(const std::string& text)
+std::string script(std::string text)
 {
-    std::string lines;
-    std::istringstream statements(text);
-    for (std::string statement; std::getline(statements, statement, ';');) {
-        std::istringstream words(statement);
-        std::string line;
-        for (std::string word; words >> word;) {
-            const auto constant = constants.find(word);
-            line += ' ' + (constant == constants.end() ? word : std::to_string(constant->second));
-        }
-        lines += line.substr(1) + '\n';
+    for (const auto& [name, value] : constants) {
+        text = std::regex_replace(text, std::regex("\\b" + name + "\\b"), std::to_string(value));
     }
-    return lines;
+    return std::regex_replace(text, std::regex(";\\s*"), "\n") + '\n';
 }
 
 // One line per function, to be read as a table.

@@ -34,4 +34,4 @@ extern GLRecorder glRecorder;
 
 /// The calls as take() tells them, from a text with a semicolon between two and OpenGL's names for its
 /// numbers.
-std::string script(const std::string& text);
+std::string script(std::string text);

@@ -22,32 +22,21 @@ protected:
         action();
         return testing::internal::GetCapturedStdout();
     }
-
-    // Its calls. Loads the model from a file of its own, and forgets the file.
-    std::string loadModel(const std::string& lines)
-    {
-        const std::string name = "model" + std::to_string(getpid()) + ".obj";
-        resources->resourceFolder = testing::TempDir();
-        std::ofstream(resources->resourceFolder + name) << lines;
-        glRecorder.nextName = 5;
-        EXPECT_EQ(resources->loadModel(name), 5U);
-        std::remove((resources->resourceFolder + name).c_str());
-        return glRecorder.take();
-    }
 };
 
 using ResourcesDeathTest = Resources;
 
 }  // namespace
 
-TEST_F(Resources, TexturesAreUploadedInTheirOwnPixelFormat)
+TEST_F(Resources, TexturesAreUploadedOnceInTheirOwnPixelFormat)
 {
     const std::tuple<int, unsigned int, std::string> cases[] = {
         {3, 0x0000FF, "GL_RGB"}, {3, 0xFF0000, "GL_BGR"}, {4, 0x0000FF, "GL_RGBA"}, {4, 0xFF0000, "GL_BGRA"}};
     for (const auto& [bytesPerPixel, redMask, format] : cases) {
         glRecorder.nextName = 9;
         glRecorder.deliver(bytesPerPixel, redMask, 64, 32);
-        EXPECT_EQ(resources->loadTexture("a.png"), 9U);
+        resources->textures.clear();
+        EXPECT_EQ(printedBy([&] { resources->precacheTexture("a.png"); }), "Loading: /there/a.png\n");
         EXPECT_EQ(glRecorder.take(),
                   script(R"(IMG_Load /there/a.png; glPushMatrix; glEnable GL_TEXTURE_2D; glEnable GL_BLEND;
             glBlendFunc GL_SRC_ALPHA GL_ONE_MINUS_SRC_ALPHA; glGenTextures 1; glBindTexture GL_TEXTURE_2D 9;
@@ -55,6 +44,7 @@ TEST_F(Resources, TexturesAreUploadedInTheirOwnPixelFormat)
             glTexParameteri GL_TEXTURE_2D GL_TEXTURE_MAG_FILTER GL_LINEAR; gluBuild2DMipmaps GL_TEXTURE_2D )" +
                          std::to_string(bytesPerPixel) + " 64 32 " + format +
                          " GL_UNSIGNED_BYTE; glPopMatrix; SDL_FreeSurface"));
+        EXPECT_EQ(printedBy([&] { EXPECT_EQ(resources->getTexture("a.png"), 9U); }), "");
     }
 }
 
@@ -64,50 +54,41 @@ TEST_F(ResourcesDeathTest, AnImageOfAnyOtherDepthEndsTheProcess)
     EXPECT_EXIT(resources->getTexture("grey.png"), testing::ExitedWithCode(255), "^$");
 }
 
-TEST_F(Resources, ATextureIsLoadedOnceAndThenKnown)
-{
-    glRecorder.deliver(4, 0xFF, 4, 4);
-    EXPECT_EQ(printedBy([&] { resources->precacheTexture("a.png"); }), "Loading: /there/a.png\n");
-    EXPECT_EQ(printedBy([&] { EXPECT_EQ(resources->getTexture("a.png"), 1U); }), "");
-}
-
 TEST_F(Resources, WhatIsMissingIsReportedOnceAndDrawsNothing)
 {
-    const std::tuple<std::function<void()>, const char*, const char*> cases[] = {
-        {[&] { EXPECT_EQ(resources->getTexture("none.png"), 0U); },
-         "Loading: /there/none.png\nError could not load file /there/none.png\n"
-         "Error Texture not loaded none.png\n",
-         "IMG_Load /there/none.png\n"},
-        {[&] { resources->drawModel("none.obj"); },
-         "Loading model: none.obj\nUnable to open file \"/there/none.obj\".\nError Model not loaded "
-         "none.obj\n",
-         ""},
-        {[&] { resources->drawText("x", "none.ttf", 0.0F, 0.0F); },
-         "Error:no such luck, could not open /there/none.ttf\nError Font not loaded none.ttf\n",
-         "TTF_OpenFont 20 /there/none.ttf\n"},
+    const auto use = [&] {
+        EXPECT_EQ(resources->getTexture("none.png"), 0U);
+        resources->drawModel("none.obj");
+        resources->drawText("x", "none.ttf", 0.0F, 0.0F);
     };
-    for (const auto& [use, report, calls] : cases) {
-        EXPECT_EQ(printedBy(use), report);
-        EXPECT_EQ(printedBy(use), "");
-        EXPECT_EQ(glRecorder.take(), calls);
-    }
+    EXPECT_EQ(printedBy(use),
+              "Loading: /there/none.png\nError could not load file /there/none.png\n"
+              "Error Texture not loaded none.png\n"
+              "Loading model: none.obj\nUnable to open file \"/there/none.obj\".\n"
+              "Error Model not loaded none.obj\n"
+              "Error:no such luck, could not open /there/none.ttf\nError Font not loaded none.ttf\n");
+    EXPECT_EQ(printedBy(use), "");
+    EXPECT_EQ(glRecorder.take(), "IMG_Load /there/none.png\nTTF_OpenFont 20 /there/none.ttf\n");
 }
 
 TEST_F(Resources, AModelBecomesAListOfTrianglesWithItsImageUpright)
 {
-    EXPECT_EQ(
-        loadModel("v 0 0 0\nv 1 0 0\nv 1 0.25 0\nv 0 0.25 0\nvt 0 0\nvt 1 0\nvt 1 0.25\nvt 0 0.25\nvn 0 0 1\n"
-                  "f 1/1/1 2/2/1 3/3/1 4/4/1\n"),
-        script(R"(glGenLists 1; glNewList 5 GL_COMPILE; glBegin GL_TRIANGLES;
+    const std::string name = "model" + std::to_string(getpid()) + ".obj";
+    resources->resourceFolder = testing::TempDir();
+    // a quad, and a triangle without normals and texture coordinates
+    std::ofstream(resources->resourceFolder + name)
+        << "v 0 0 0\nv 1 0 0\nv 1 0.25 0\nv 0 0.25 0\nvt 0 0\nvt 1 0\nvt 1 0.25\nvt 0 0.25\nvn 0 0 1\n"
+           "o quad\nf 1/1/1 2/2/1 3/3/1 4/4/1\no bare\nf 1 2 3\n";
+    glRecorder.nextName = 5;
+    EXPECT_EQ(resources->loadModel(name), 5U);
+    std::remove((resources->resourceFolder + name).c_str());
+    EXPECT_EQ(glRecorder.take(), script(R"(glGenLists 1; glNewList 5 GL_COMPILE; glBegin GL_TRIANGLES;
         glNormal3f 0 0 1; glTexCoord2d 0 1; glVertex3f 0 0 0; glNormal3f 0 0 1; glTexCoord2d 1 1;
         glVertex3f 1 0 0; glNormal3f 0 0 1; glTexCoord2d 1 0.75; glVertex3f 1 0.25 0; glEnd;
         glBegin GL_TRIANGLES; glNormal3f 0 0 1; glTexCoord2d 0 1; glVertex3f 0 0 0;
         glNormal3f 0 0 1; glTexCoord2d 1 0.75; glVertex3f 1 0.25 0;
-        glNormal3f 0 0 1; glTexCoord2d 0 0.75; glVertex3f 0 0.25 0; glEnd; glEndList)"));
-    // and one without normals and texture coordinates
-    EXPECT_EQ(loadModel("v 0 0 0\nv 1 0 0\nv 1 1 0\nf 1 2 3\n"), script(R"(glGenLists 1;
-        glNewList 5 GL_COMPILE; glBegin GL_TRIANGLES; glVertex3f 0 0 0; glVertex3f 1 0 0; glVertex3f 1 1 0;
-        glEnd; glEndList)"));
+        glNormal3f 0 0 1; glTexCoord2d 0 0.75; glVertex3f 0 0.25 0; glEnd;
+        glBegin GL_TRIANGLES; glVertex3f 0 0 0; glVertex3f 1 0 0; glVertex3f 1 0.25 0; glEnd; glEndList)"));
 }
 
 // The quad of a text that can is compared in tests/end_to_end.

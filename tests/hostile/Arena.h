@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <set>
-#include <utility>
 #include <vector>
 
 /// A client without window and network: bytes go in where its TCP connection would deliver them, and frames
@@ -72,24 +71,19 @@ private:
     {
         return SceneGraph::instance->getOBjectById(static_cast<long long>(id));
     }
-    // Whether all that the scene's registries know is in its tree, once, and the other way round.
+    // Whether the lists of the types hold all that is in the scene's tree, once, and the tables nothing else.
     static bool isConsistent()
     {
         const SceneGraph& graph = *SceneGraph::instance;
-        const std::set<const Transform*> tree(graph.children.begin(), graph.children.end());
-        std::multiset<std::pair<int, const Transform*>> wanted, listed;
-        for (const Transform* object : graph.children) {
-            wanted.emplace(object->type, object);
-        }
+        std::multiset<const Transform*> listed;
         for (const auto& [type, objects] : graph.typeLists) {
-            for (const Transform* object : objects) {
-                listed.emplace(type, object);
-            }
+            listed.insert(objects.begin(), objects.end());
         }
+        const std::multiset<const Transform*> tree(graph.children.begin(), graph.children.end());
         const auto isInTree = [&](const auto& entry) { return tree.count(entry.second) == 1; };
         const auto areInTree = [&](const auto& t) { return std::all_of(t.begin(), t.end(), isInTree); };
-        return tree.size() == wanted.size() && listed == wanted && graph.removeList.empty() &&
-               areInTree(graph.idTable) && areInTree(graph.udpTable) && areInTree(graph.tcpTable);
+        return listed == tree && graph.removeList.empty() && areInTree(graph.idTable) &&
+               areInTree(graph.udpTable) && areInTree(graph.tcpTable);
     }
 
     boost::asio::io_service service;

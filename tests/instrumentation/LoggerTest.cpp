@@ -20,34 +20,6 @@ namespace {
 int usageResult = 0;
 constexpr std::int64_t start = 1700000000000;
 
-const std::string header =
-    "!New measurement started:\n"
-    "time           ,tcp_sent pkg   ,tcp_rcvd pkg   ,udp_sent pkg   ,udp_rcvd pkg   ,tcp_sent bw    ,"
-    "tcp_rcvd bw    ,udp_sent bw    ,udp_rcvd bw    ,tcp_sent msg   ,tcp_rcvd msg   ,udp_sent msg   ,"
-    "udp_rcvd msg   ,players        ,projectiles    ,CPU            ,MEMORY         ,\n";
-
-class MeasurementLog : public testing::Test
-{
-protected:
-    MeasurementLog() { logger.setFileToWriteTo(file); }
-    ~MeasurementLog() override
-    {
-        std::remove(file.c_str());
-        delete scene;
-        SceneGraph::instance = nullptr;
-    }
-    std::string contents()
-    {
-        std::ifstream stream(file);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-
-    SceneGraph* scene = SceneGraph::instance = new SceneGraph;
-    FixedClock clock{start};
-    Logger logger;
-    const std::string file = testing::TempDir() + "vantor-log-" + std::to_string(getpid()) + ".csv";
-};
-
 }  // namespace
 
 // Takes the place of the C library's in the whole test program.
@@ -58,8 +30,10 @@ extern "C" int getrusage(__rusage_who_t, rusage* usage) noexcept
     return usageResult;
 }
 
-TEST_F(MeasurementLog, RatesAreRecomputedOnlyAfterMoreThanASecond)
+TEST(MeasurementLog, RatesAreRecomputedOnlyAfterMoreThanASecond)
 {
+    FixedClock clock{start};
+    Logger logger;
     logger.countPacket(Logger::TCP_RECEIVED, 3003);
     logger.countMessage(Logger::UDP_RECEIVED);
     logger.countMessage(Logger::UDP_RECEIVED);
@@ -77,34 +51,46 @@ TEST_F(MeasurementLog, RatesAreRecomputedOnlyAfterMoreThanASecond)
     }
 }
 
-TEST_F(MeasurementLog, RowsHaveFixedColumnsAndTheHeaderIsWrittenOncePerRun)
+TEST(MeasurementLog, RowsHaveFixedColumnsAndTheHeaderIsWrittenOncePerRun)
 {
-    ResourceMonitor& monitor = *ResourceMonitor::getInstance() = ResourceMonitor();
-    usageResult = 0;
-    logger.setFileToWriteTo(file + ".no-such-folder/log.csv");
+    const FixedClock clock{start};
+    Logger logger;
+    logger.setFileToWriteTo("/no-such-folder/log.csv");
     logger.writeMeasurementToFile();
-    logger.setFileToWriteTo(file);
-    std::ofstream(file) << "an older run\n";
+    const std::string path = testing::TempDir() + "vantor-log-" + std::to_string(getpid()) + ".csv";
+    logger.setFileToWriteTo(path);
+    std::ofstream(path) << "an older run\n";
     logger.writeMeasurementToFile();
-    EXPECT_EQ(scene->getListOfType(SGT_PLAYER), nullptr) << "looking does not make a list";
 
-    scene->attach(new Player(1, true, 100));
-    scene->attach(new Player(2, true, 100));
-    scene->attach(new Projectile(3));
+    SceneGraph& scene = *SceneGraph::getInstance();
+    scene.attach(new Player(1, true, 100));
+    scene.attach(new Player(2, true, 100));
+    scene.attach(new Projectile(3));
     std::iota(logger.packetRate, logger.packetRate + Logger::channels, 25.5F);
     std::iota(logger.byteRate, logger.byteRate + Logger::channels, 123456.0F);
     std::iota(logger.messageRate, logger.messageRate + Logger::channels, -7.5F);
     logger.byteRate[2] = 4e12F;
-    monitor.cpuUsage = -10;
+    ResourceMonitor::getInstance()->cpuUsage = -10;
     logger.writeMeasurementToFile();
+    usageResult = -1;
+    EXPECT_EQ(ResourceMonitor::getInstance()->GetMemoryUsage(), static_cast<unsigned long>(-74))
+        << "the last that the system told";
+
+    std::ifstream file(path);
     const std::string zeros = "              0,              0,              0,              0,";
-    EXPECT_EQ(contents(),
-              "an older run\n" + header + "  1700000000000," + zeros + zeros + zeros +
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}),
+              "an older run\n"
+              "!New measurement started:\n"
+              "time           ,tcp_sent pkg   ,tcp_rcvd pkg   ,udp_sent pkg   ,udp_rcvd pkg   ,"
+              "tcp_sent bw    ,tcp_rcvd bw    ,udp_sent bw    ,udp_rcvd bw    ,"
+              "tcp_sent msg   ,tcp_rcvd msg   ,udp_sent msg   ,udp_rcvd msg   ,"
+              "players        ,projectiles    ,CPU            ,MEMORY         ,\n"
+              "  1700000000000," +
+                  zeros + zeros + zeros +
                   "              0,              0,              0,            741,\n"
                   "  1700000000000,             25,             26,             27,             28,"
                   "         123456,         123457,     2147483647,         123459,"
                   "             -7,             -6,             -5,             -4,"
                   "              2,              1,            -10,18446744073709551542,\n");
-    usageResult = -1;
-    EXPECT_EQ(monitor.GetMemoryUsage(), static_cast<unsigned long>(-74)) << "the last that the system told";
+    std::remove(path.c_str());
 }

@@ -5,56 +5,26 @@
 #include <OpenGL/OpenGL.h>
 
 #include <algorithm>
-#include <functional>
+#include <array>
 #include <set>
-
-struct StandInBundle
-{
-};
-struct StandInURL
-{
-};
-struct StandInString
-{
-};
-struct StandInContext
-{
-};
 
 namespace {
 
-StandInBundle mainBundle;
-StandInURL bundleUrl;
-StandInString bundlePathString;
-StandInContext currentContext;
-
+const int bundleUrl = 0;
 std::string bundlePath;           ///< none: empty
 std::multiset<CFTypeRef> copies;  ///< not released yet
+long currentContext = 0;
 CGLError answerToEnable = kCGLNoError;
-int enabledOption = 0;
-
-std::string printedBy(const std::function<void()>& action)
-{
-    testing::internal::CaptureStdout();
-    action();
-    return testing::internal::GetCapturedStdout();
-}
-
-bool isAscii(const std::string& text)
-{
-    return std::all_of(text.begin(), text.end(), [](unsigned char c) { return c < 128; });
-}
 
 }  // namespace
 
 CFBundleRef CFBundleGetMainBundle()
 {
-    return &mainBundle;
+    return bundlePath.data();
 }
 
-CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle)
+CFURLRef CFBundleCopyBundleURL(CFBundleRef)
 {
-    EXPECT_EQ(bundle, &mainBundle);
     return bundlePath.empty() ? nullptr : static_cast<CFURLRef>(*copies.insert(&bundleUrl));
 }
 
@@ -62,18 +32,15 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFIndex pathStyle)
 {
     EXPECT_EQ(url, &bundleUrl);
     EXPECT_EQ(pathStyle, kCFURLPOSIXPathStyle);
-    return static_cast<CFStringRef>(*copies.insert(&bundlePathString));
+    return static_cast<CFStringRef>(*copies.insert(&bundlePath));
 }
 
 unsigned char CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, std::uint32_t encoding)
 {
-    EXPECT_EQ(string, &bundlePathString);
     EXPECT_EQ(encoding, kCFStringEncodingASCII);
-    const bool fits = isAscii(bundlePath) && bundlePath.size() < static_cast<std::size_t>(size);
-    if (fits) {
-        bundlePath.copy(buffer, bundlePath.size());
-        buffer[bundlePath.size()] = '\0';
-    }
+    const bool isAscii = std::all_of(string->begin(), string->end(), [](unsigned char c) { return c < 128; });
+    const bool fits = isAscii && string->size() < static_cast<std::size_t>(size);
+    std::copy_n(string->c_str(), fits ? string->size() + 1 : 0, buffer);
     return fits ? 1 : 0;
 }
 
@@ -90,7 +57,7 @@ CGLContextObj CGLGetCurrentContext()
 CGLError CGLEnable(CGLContextObj context, CGLContextEnable option)
 {
     EXPECT_EQ(context, &currentContext);
-    enabledOption = option;
+    EXPECT_EQ(option, 313);
     return answerToEnable;
 }
 
@@ -101,21 +68,19 @@ TEST_F(EngineOnMacOS, TakesItsResourcesFromTheBundle)
     const std::string complaint =
         "Error the application's path is unknown, not ASCII or too long, trying the working directory\n";
     const std::string longest(1023, 'x');
-    const struct
-    {
-        std::string bundle, folder, printed;
-    } cases[] = {
-        {"/Applications/Vantor.app", "/Applications/Vantor.app/Contents/Resources/", ""},
+    const std::array<std::string, 3> cases[] = {
+        // the bundle, the folder, what is printed
         {longest, longest + "/Contents/Resources/", ""},
         {longest + "x", "./Contents/Resources/", complaint},
         {"/Spiele für alle/Vantor.app", "./Contents/Resources/", complaint},
         {"", "./Contents/Resources/", complaint},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.bundle);
-        bundlePath = c.bundle;
-        EXPECT_EQ(printedBy([this] { resources->setupResourceFolder(); }), c.printed);
-        EXPECT_EQ(resources->resourceFolder, c.folder);
+    for (const auto& [bundle, folder, printed] : cases) {
+        bundlePath = bundle;
+        testing::internal::CaptureStdout();
+        resources->setupResourceFolder();
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), printed) << bundle;
+        EXPECT_EQ(resources->resourceFolder, folder);
         EXPECT_TRUE(copies.empty());
     }
 }
@@ -123,12 +88,12 @@ TEST_F(EngineOnMacOS, TakesItsResourcesFromTheBundle)
 TEST_F(EngineOnMacOS, AsksForMultithreadedOpenGLAndOnlyReportsARefusal)
 {
     glRecorder.deliver(4, 0xFF0000, 800, 600);
-    for (const auto& [answer, printed] :
-         {std::pair(kCGLNoError, ""), std::pair(kCGLBadContext, "Could not enable opengl-MT\n")}) {
+    for (const CGLError answer : {kCGLNoError, kCGLBadContext}) {
         glRecorder.calls.clear();
         answerToEnable = answer;
-        enabledOption = 0;
-        EXPECT_EQ(printedBy([] { VT.init(); }), printed);
-        EXPECT_EQ(enabledOption, 313);
+        testing::internal::CaptureStdout();
+        VT.init();
+        EXPECT_EQ(testing::internal::GetCapturedStdout(),
+                  answer == kCGLNoError ? "" : "Could not enable opengl-MT\n");
     }
 }

@@ -1,11 +1,9 @@
 // An SDL_main that tells what the start-up code gave it, one fact a line, and ends with status 7. The desktop
-// asks for the document PROBE_DOCUMENT before any that GNUstep is told of, which can be told of one only.
-// Where PROBE_WINDOW is set it opens a window instead of ending, and ends with status 0 on SDL_QUIT.
+// asks for the document "/first" before any that GNUstep is told of, which can be told of one only.
 #import <Cocoa/Cocoa.h>
 #include <SDL.h>
 
 #include <stdio.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 int SDL_main(int argc, char** argv);
@@ -26,10 +24,7 @@ int SDL_main(int argc, char** argv);
 + (void)openDocument:(NSNotification*)notification
 {
     (void)notification;
-    NSString* document = [[[NSProcessInfo processInfo] environment] objectForKey:@"PROBE_DOCUMENT"];
-    if (document != nil) {
-        [[NSApp delegate] application:NSApp openFile:document];
-    }
+    [[NSApp delegate] application:NSApp openFile:@"/first"];
 }
 
 @end
@@ -90,81 +85,25 @@ static void printMenu(NSMenu* menu)
     }
 }
 
-// The middle of the item, in pixels from the screen's top left corner; meaningless while it is not shown.
-static NSPoint placeOf(NSMenu* menu, NSInteger index)
-{
-    NSMenuView* view = [menu menuRepresentation];
-    const NSRect item = [view convertRect:[view rectOfItemAtIndex:index] toView:nil];
-    const NSPoint place = [[menu window] convertBaseToScreen:NSMakePoint(NSMidX(item), NSMidY(item))];
-    return NSMakePoint(place.x, NSMaxY([[NSScreen mainScreen] frame]) - place.y);
-}
-
-@interface PlacePrinter : NSObject
-@end
-
-@implementation PlacePrinter
-
-// Where the application's menu is, and Quit in it; a line each whenever they have moved.
-- (void)printPlaces:(NSTimer*)timer
-{
-    (void)timer;
-    static NSPoint lastQuit;
-    NSMenu* menu = [[[NSApp mainMenu] itemAtIndex:0] submenu];
-    const NSPoint opener = placeOf([NSApp mainMenu], 0);
-    const NSPoint quit = placeOf(menu, [menu numberOfItems] - 1);
-    if (!NSEqualPoints(quit, lastQuit)) {
-        printf("menu at %.0f %.0f\nQuit at %.0f %.0f\n", opener.x, opener.y, quit.x, quit.y);
-        lastQuit = quit;
-    }
-}
-
-@end
-
-// A timer, since nothing else runs while a menu is open.
-static void keepPrintingPlaces(void)
-{
-    PlacePrinter* printer = [[[PlacePrinter alloc] init] autorelease];
-    NSTimer* timer = [NSTimer timerWithTimeInterval:0.05
-                                             target:printer
-                                           selector:@selector(printPlaces:)
-                                           userInfo:nil
-                                            repeats:YES];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSDefaultRunLoopMode];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
-}
-
-// As SDL's own video driver does on macOS, and its X11 driver does not.
-static void handleCocoaEvents(void)
-{
-    NSDate* soon = [NSDate dateWithTimeIntervalSinceNow:0.02];
-    NSEvent* event = nil;
-    while ((event = [NSApp nextEventMatchingMask:NSAnyEventMask
-                                       untilDate:soon
-                                          inMode:NSDefaultRunLoopMode
-                                         dequeue:YES]) != nil) {
-        [NSApp sendEvent:event];
-    }
-}
-
-static int play(void)
+// Chooses the last item of the application's menu.
+static void quit(void)
 {
     SDL_Init(SDL_INIT_VIDEO);
-    SDL_SetVideoMode(300, 200, 0, SDL_OPENGL);
-    keepPrintingPlaces();
-    for (SDL_Event event = {0}; event.type != SDL_QUIT; SDL_PollEvent(&event)) {
-        handleCocoaEvents();
+    NSMenu* menu = [[[NSApp mainMenu] itemAtIndex:0] submenu];
+    [menu performActionForItemAtIndex:[menu numberOfItems] - 1];
+    SDL_Event event = {0};
+    while (SDL_PollEvent(&event) != 0 && event.type != SDL_QUIT) {
     }
-    puts("SDL_QUIT");
+    puts(event.type == SDL_QUIT ? "Quit asks the main loop to end" : "Quit asks for nothing");
     SDL_Quit();
-    return 0;
 }
 
 int SDL_main(int argc, char** argv)
 {
-    setvbuf(stdout, NULL, _IOLBF, 0);
     printArguments(argc, argv);
     printFolder();
     printLateDocument();
     printMenu([NSApp mainMenu]);
-    return getenv("PROBE_WINDOW") == NULL ? 7 : play();
+    quit();
+    return 7;
 }

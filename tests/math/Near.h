@@ -4,16 +4,12 @@
 
 #include <gtest/gtest.h>
 
-/// Fails unless the two are a few roundings of numbers around 1 apart.
+#include <algorithm>
+
+/// Fails unless the two are a few roundings apart.
 template <class Value>
 void expectNear(const Value& actual, const Value& expected)
 {
-    EXPECT_LT((actual - expected).length(), 1e-5F) << actual.toString() << ", not " << expected.toString();
-}
-
-template <class Value>
-Value normalised(Value value)
-{
-    value.normalise();
-    return value;
+    EXPECT_LT((actual - expected).length(), 1e-5F * std::max(1.0F, expected.length()))
+        << actual.toString() << ", not " << expected.toString();
 }

@@ -13,8 +13,7 @@ TEST(Clock, RunsOnFromTheServersTimeAndWraps)
         unsigned int serverTime;
         std::int64_t localStart, elapsed;
         unsigned int expected;
-    } table[] = {{0, noon, 1234, 1234},
-                 {4294967280U, noon, 32, 16},
+    } table[] = {{4294967280U, noon, 32, 16},
                  {5000, (std::int64_t{400} << 32) - 10, 30, 5030},  // the local clock's low bits wrap
                  {5000, noon, -2000, 3000}};                        // the local clock is set back
     for (const auto& row : table) {

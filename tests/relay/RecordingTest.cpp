@@ -1,13 +1,12 @@
-#include "tests/relay/Milliseconds.h"
 #include "tools/relay/Script.h"
 
 #include <gtest/gtest.h>
 
 #include <unistd.h>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <set>
 
 using namespace relay;
 
@@ -16,91 +15,82 @@ namespace {
 constexpr Lane toClient = {Transport::stream, 1, Direction::toClient};
 constexpr Lane toServer = {Transport::datagrams, 7, Direction::toServer};
 
-/// A file of this test's own, gone with it.
-struct TemporaryFile
+class Recording : public testing::Test
 {
-    std::string path = testing::TempDir() + "recording-" + std::to_string(getpid());
-    ~TemporaryFile() { std::filesystem::remove(path); }
-
-    std::string content() const
+protected:
+    Recording()
     {
+        RecordingWriter writer(path);
+        writer.write(toClient, Chunk::Kind::opened);
+        writer.write(toClient, Chunk::Kind::bytes, "a\0b", 3);
+        writer.write(toServer, Chunk::Kind::bytes, "", 0);
+        writer.write(toClient, Chunk::Kind::closed);
         std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        whole = {std::istreambuf_iterator<char>(file), {}};
     }
-    void replace(const std::string& bytes) const { std::ofstream(path, std::ios::binary) << bytes; }
-};
+    ~Recording() override { std::filesystem::remove(path); }
 
-void writeExample(const std::string& path)
-{
-    RecordingWriter writer(path);
-    writer.write(toClient, Chunk::Kind::opened);
-    writer.write(toClient, Chunk::Kind::bytes, "a\0b", 3);
-    writer.write(toServer, Chunk::Kind::bytes, "", 0);
-    writer.write(toClient, Chunk::Kind::closed);
-}
-
-/// What reading warns of or refuses; "" where it does neither.
-std::string complaintAbout(const std::string& path)
-{
-    try {
+    /// How many chunks are read from a file of these bytes, and what reading warns of; or why it is refused.
+    std::string reading(const std::string& bytes) const
+    {
+        std::ofstream(path, std::ios::binary) << bytes;
+        return readingFile(path);
+    }
+    static std::string readingFile(const std::string& path)
+    {
         std::string warning;
-        readRecording(path, [&warning](const std::string& line) { warning = line; });
-        return warning;
-    } catch (const std::runtime_error& error) {
-        return error.what();
+        try {
+            const auto chunks = readRecording(path, [&](const std::string& line) { warning = "; " + line; });
+            return std::to_string(chunks.size()) + " chunks" + warning;
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
     }
-}
+
+    const std::string path = testing::TempDir() + "recording-" + std::to_string(getpid());
+    std::string whole;
+};
 
 }  // namespace
 
-TEST(Recording, CutAnywhereGivesItsWholeChunksAndSaysWhereItBreaksOff)
+TEST_F(Recording, CutAnywhereGivesItsWholeChunksAndSaysWhereItBreaksOff)
 {
-    const TemporaryFile file;
-    writeExample(file.path);
-    const std::string whole = file.content();
-    const std::set<std::size_t> ends = {8, 8 + 19, 8 + 2 * 19 + 3, 8 + 3 * 19 + 3};
+    const std::size_t ends[] = {8, 8 + 19, 8 + 2 * 19 + 3, 8 + 3 * 19 + 3};
     for (std::size_t size = 0; size < whole.size(); ++size) {
-        file.replace(whole.substr(0, size));
-        const std::size_t lastEnd = size < 8 ? 0 : *std::prev(ends.upper_bound(size));
-        const std::string warning = file.path + " breaks off within a chunk at offset " +
-                                    std::to_string(lastEnd) + "; all before it is used";
+        const std::string said = reading(whole.substr(0, size));
         if (size < 8) {
-            EXPECT_EQ(complaintAbout(file.path), file.path + " is no recording of this version");
-        } else {
-            EXPECT_EQ(complaintAbout(file.path), lastEnd == size ? "" : warning);
-            const auto chunks = static_cast<std::size_t>(std::distance(ends.begin(), ends.find(lastEnd)));
-            EXPECT_EQ(readRecording(file.path, [](const std::string&) {}).size(), chunks);
+            EXPECT_EQ(said, path + " is no recording of this version");
+            continue;
         }
+        const std::size_t* const end = std::upper_bound(std::begin(ends), std::end(ends), size) - 1;
+        const std::string warning = "; " + path + " breaks off within a chunk at offset " +
+                                    std::to_string(*end) + "; all before it is used";
+        EXPECT_EQ(said, std::to_string(end - ends) + " chunks" + (size == *end ? "" : warning));
     }
+    EXPECT_EQ(reading(whole), "4 chunks");
 }
 
-TEST(Recording, ThatIsGarbledIsRefusedWithThePlace)
+TEST_F(Recording, ThatIsGarbledIsRefusedWithThePlace)
 {
-    const TemporaryFile file;
-    writeExample(file.path);
-    const std::string whole = file.content();
-    const struct
-    {
-        const char* what;
-        std::size_t offset;
-    } cases[] = {{"version", 7},   {"time", 8 + 7},  {"transport", 8 + 12},     {"direction", 8 + 13},
-                 {"kind", 8 + 14}, {"size", 8 + 15}, {"huge size", 8 + 19 + 18}};
-    for (const auto& c : cases) {
+    const auto readingWith = [this](std::size_t offset, char byte) {
         std::string garbled = whole;
-        garbled[c.offset] = '\x7F';
-        file.replace(garbled);
-        const std::string said = complaintAbout(file.path);
-        EXPECT_EQ(said.find(file.path + " is "), 0U) << c.what << ": " << said;
-        EXPECT_EQ(said.find(" at offset ") == std::string::npos, c.offset < 8) << c.what << ": " << said;
+        garbled[offset] = byte;
+        return reading(garbled);
+    };
+    EXPECT_EQ(readingWith(7, '\2'), path + " is no recording of this version");
+    // The time (in the far future), the transport, the direction, the kind, the size of what has no bytes.
+    for (const std::size_t offset : {7U, 12U, 13U, 14U, 15U}) {
+        EXPECT_EQ(readingWith(8 + offset, '\x7F'), path + " is garbled at offset 8") << offset;
     }
-    EXPECT_EQ(complaintAbout("/dev/zero"), "/dev/zero is no regular file");
-    EXPECT_NE(complaintAbout("/no/such/file").find("/no/such/file: No such file"), std::string::npos);
+    EXPECT_EQ(readingWith(8 + 5, '\1'), path + " is garbled at offset 27") << "the second chunk is older";
+    EXPECT_EQ(readingWith(8 + 19 + 18, '\x7F'), path + " is garbled at offset 27") << "a huge size";
+    EXPECT_EQ(readingFile("/dev/zero"), "/dev/zero is no regular file");
+    EXPECT_EQ(readingFile("/no/such/file"), "cannot read /no/such/file: No such file or directory");
 }
 
-TEST(Recording, WithoutAWelcomeHasNothingToReplay)
+TEST(Replayable, IsOnlyARecordingWithAWelcome)
 {
+    const std::string endless("\x05\0\x05\xFF\xFF\xFF\xFF", 7);
     EXPECT_THROW(serverSide({}), std::runtime_error);
-    EXPECT_THROW(serverSide({{Duration(0), toClient, Chunk::Kind::bytes,
-                              std::string("\x05\0\x05\xFF\xFF\xFF\xFF", 7)}}),
-                 std::runtime_error);
+    EXPECT_THROW(serverSide({{Duration(0), toClient, Chunk::Kind::bytes, endless}}), std::runtime_error);
 }

@@ -1,18 +1,19 @@
-#include "tests/relay/LocalNetwork.h"
+#include "tests/relay/Ends.h"
+#include "tools/relay/Relay.h"
 
 #include <unistd.h>
-#include <algorithm>
 #include <filesystem>
-#include <iterator>
+#include <map>
 #include <random>
 #include <set>
 
 using namespace relay;
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 
 namespace {
 
-constexpr Conditions jittery = {milliseconds(20), milliseconds(20), 0, 0, 0};
+constexpr Conditions jittery = {20ms, 20ms, 0, 0, 0};
 
 std::string randomBytes(std::size_t size, unsigned seed)
 {
@@ -22,65 +23,88 @@ std::string randomBytes(std::size_t size, unsigned seed)
     return bytes;
 }
 
-RelayConfig with(const Conditions& conditions, std::uint32_t seed = 1)
+/// A server's ports, a relay before them, and the ends of both sides.
+class LocalNetwork : public Ends
 {
-    RelayConfig config;
-    config.conditions = conditions;
-    config.seed = seed;
-    return config;
-}
+public:
+    explicit LocalNetwork(const Conditions& conditions = {}, RelayConfig config = {})
+        : relay(io, complete(conditions, std::move(config)))
+    {
+        relay.start();
+    }
+
+    PortPair server{io, 0};
+    DatagramEnd& serverDatagrams = add(std::move(server.udp));
+    std::vector<std::string> log;
+    Relay relay;
+
+    StreamEnd& connect() { return Ends::connect(relay.port()); }
+    /// The server's end of the connection made last.
+    StreamEnd& accept()
+    {
+        boost::asio::ip::tcp::socket socket(io);
+        boost::system::error_code error;
+        server.acceptor.non_blocking(true);
+        EXPECT_TRUE(await([&] {
+            server.acceptor.accept(socket, error);
+            return !error;
+        }));
+        return add(std::move(socket));
+    }
+    bool awaitLog(const std::string& line)
+    {
+        return await([&] { return std::count(log.begin(), log.end(), line) > 0; });
+    }
+
+private:
+    RelayConfig complete(const Conditions& conditions, RelayConfig config)
+    {
+        config.conditions = conditions;
+        config.serverHost = "127.0.0.1";
+        config.serverPort = std::to_string(server.number());
+        config.log = [this](const std::string& line) { log.push_back(line); };
+        return config;
+    }
+};
 
 using Heard = std::vector<std::string>;
 
-/// What one end hears when the other one sends 600 datagrams.
-template <class Send>
-Heard survivors(LocalNetwork& network, DatagramEnd& hearer, const Send& send)
-{
-    for (int number = 1000; number < 1600; ++number) {
-        send(std::to_string(number));
-        network.io.poll();
-        hearer.poll();
-    }
-    network.await([] { return false; }, 400ms);
-    hearer.poll();
-    return hearer.heard;
-}
-
-/// What survives to the server, and to the client, while a stream says a word each way and ends.
-std::pair<Heard, Heard> recordedExchange(std::uint32_t seed, const std::string& path)
+/// What survives of `sent` to the server, and to the client, while a stream says a word each way and ends.
+std::pair<Heard, Heard> recordedExchange(const Heard& sent, std::uint32_t seed, const std::string& path)
 {
     RecordingWriter writer(path);
-    RelayConfig config = with({milliseconds(2), {}, 0.2, 0.1, 0.1}, seed);
+    RelayConfig config;
+    config.seed = seed;
     config.recording = &writer;
-    LocalNetwork network(config);
-    StreamEnd streams[] = {network.connect(), network.accept()};
-    streams[0].send(std::string("u\0p", 3));
-    streams[1].send("down");
-    auto socket = network.datagramSocket();
-    DatagramEnd client{socket}, server{network.server.udp};
-    const auto up = survivors(network, server, [&](const std::string& datagram) {
-        socket.send_to(boost::asio::buffer(datagram), network.relayAddress());
-    });
-    const auto down = survivors(network, client, [&](const std::string& datagram) {
-        server.socket.send_to(boost::asio::buffer(datagram), server.senders.front());
-    });
-    for (StreamEnd& stream : streams) {
-        stream.socket.shutdown(boost::asio::ip::tcp::socket::shutdown_send);
-    }
-    EXPECT_TRUE(network.await([&] { return network.hasLogged("connection 1: closed"); }));
-    return {up, down};
+    LocalNetwork network({2ms, {}, 0.2, 0.1, 0.1}, config);
+    StreamEnd &stream = network.connect(), &serverStream = network.accept();
+    stream.send("u\0p"s);
+    serverStream.send("down");
+    DatagramEnd &client = network.addDatagrams(), &server = network.serverDatagrams;
+    const auto sendAll = [&](DatagramEnd& sender, const DatagramEnd::Address& to) {
+        for (const std::string& datagram : sent) {
+            sender.send(datagram, to);
+            network.poll();
+        }
+        network.pass(400ms);
+    };
+    sendAll(client, Ends::at(network.relay.port()));
+    sendAll(server, server.senders.front());
+    stream.endSpeech();
+    serverStream.endSpeech();
+    EXPECT_TRUE(network.awaitLog("connection 1: closed"));
+    return {server.heard, client.heard};
 }
 
-/// Of the stream to the server and to the client, then of the datagrams: what was opened, said and closed.
-std::array<std::string, 4> contentOf(const std::string& path)
+/// What was opened, said and closed in each lane.
+std::map<std::pair<Transport, Direction>, std::string> contentOf(const std::string& path)
 {
-    std::array<std::string, 4> content;
+    std::map<std::pair<Transport, Direction>, std::string> content;
     for (const Chunk& chunk : readRecording(path, {})) {
-        const char* const words[] = {" ", "opened ", "closed "};
+        const std::array words = {" ", "opened ", "closed "};
         EXPECT_EQ(chunk.lane.number, 1U);
-        content[static_cast<unsigned>(chunk.lane.transport) * 2U +
-                static_cast<unsigned>(chunk.lane.direction)] +=
-            chunk.bytes + words[static_cast<unsigned>(chunk.kind)];
+        content[{chunk.lane.transport, chunk.lane.direction}] +=
+            chunk.bytes + words.at(static_cast<std::size_t>(chunk.kind));
     }
     return content;
 }
@@ -89,121 +113,99 @@ std::array<std::string, 4> contentOf(const std::string& path)
 
 TEST(Relay, StreamsArriveUnchangedInOrderBothWaysPerConnectionAndEndAfterTheirLastByte)
 {
-    for (const Conditions& conditions : {Conditions{}, jittery}) {
-        LocalNetwork network(with(conditions));
-        StreamEnd ends[] = {network.connect(), network.accept(), network.connect(), network.accept()};
-        std::string said[4];
-        for (unsigned i = 0; i < 4; ++i) {
-            said[i] = randomBytes(60'000 + i, i);
-            ends[i].send(said[i]);
-        }
-        ends[0].socket.shutdown(boost::asio::ip::tcp::socket::shutdown_send);  // the other way stays open
-        EXPECT_TRUE(network.await([&] {
-            std::for_each(std::begin(ends), std::end(ends), [](StreamEnd& end) { end.poll(); });
-            return ends[1].hasEnded && ends[2].heard.size() + ends[3].heard.size() == 120'005 &&
-                   ends[0].heard.size() == said[1].size();
-        }));
-        for (unsigned i = 0; i < 4; ++i) {
-            EXPECT_TRUE(ends[i].heard == said[i ^ 1U]) << i;
-            EXPECT_EQ(ends[i].hasEnded, i == 1) << i;
-        }
+    LocalNetwork network(jittery);
+    StreamEnd* const ends[] = {&network.connect(), &network.accept(), &network.connect(), &network.accept()};
+    std::string said[4];
+    for (unsigned i = 0; i < 4; ++i) {
+        said[i] = randomBytes(60'000 + i, i);
+        ends[i]->send(said[i]);
     }
+    ends[0]->endSpeech();  // the other way stays open
+    EXPECT_TRUE(network.await([&] {
+        unsigned whole = 0;
+        for (unsigned i = 0; i < 4; ++i) {
+            whole += ends[i]->heard == said[i ^ 1U] ? 1U : 0U;
+        }
+        return whole == 4 && ends[1]->end;
+    }));
+    EXPECT_FALSE(ends[0]->end || ends[2]->end || ends[3]->end);
 }
 
 TEST(Relay, DatagramsArriveUnchangedAndAnswersReachTheirClientFromWhereItSent)
 {
-    LocalNetwork network(with(jittery));
-    DatagramEnd server{network.server.udp};
-    boost::asio::ip::udp::socket sockets[] = {network.datagramSocket(), network.datagramSocket()};
+    LocalNetwork network(jittery);
+    const DatagramEnd::Address relayAddress = Ends::at(network.relay.port());
+    DatagramEnd& server = network.serverDatagrams;
+    DatagramEnd* const clients[] = {&network.addDatagrams(), &network.addDatagrams()};
     const std::string sent[] = {randomBytes(60'000, 1), "", "one frame", randomBytes(2'000, 2)};
     for (unsigned i = 0; i < 4; ++i) {
-        sockets[i / 2].send_to(boost::asio::buffer(sent[i]), network.relayAddress());
+        clients[i / 2]->send(sent[i], relayAddress);
     }
-    EXPECT_TRUE(network.await([&] {
-        server.poll();
-        return server.heard.size() == 4;
-    }));
-    const std::set<boost::asio::ip::udp::endpoint> addresses(server.senders.begin(), server.senders.end());
+    EXPECT_TRUE(network.await([&] { return server.heard.size() == 4; }));
+    const std::set<DatagramEnd::Address> addresses(server.senders.begin(), server.senders.end());
     EXPECT_EQ(addresses.size(), 2U) << "to the server each client has an address of its own";
     for (std::size_t i = 0; i < server.heard.size(); ++i) {
-        network.server.udp.send_to(boost::asio::buffer("re: " + server.heard[i]), server.senders[i]);
+        server.send("re: " + server.heard[i], server.senders[i]);
     }
     for (unsigned i = 0; i < 2; ++i) {
-        DatagramEnd client{sockets[i]};
-        EXPECT_TRUE(network.await([&] {
-            client.poll();
-            return client.heard.size() == 2;
-        }));
-        EXPECT_EQ(client.heard, (std::vector<std::string>{"re: " + sent[2 * i], "re: " + sent[2 * i + 1]}));
-        EXPECT_EQ(client.senders.front(), network.relayAddress());
+        EXPECT_TRUE(network.await([&] { return clients[i]->heard.size() == 2; }));
+        EXPECT_EQ(clients[i]->heard, (Heard{"re: " + sent[2 * i], "re: " + sent[2 * i + 1]}));
+        EXPECT_EQ(clients[i]->senders.front(), relayAddress);
     }
 }
 
 TEST(Relay, SpoilsEachDirectionTheSameWayEveryTimeAndRecordsWhatWasSent)
 {
     const std::string path = testing::TempDir() + "relayed-" + std::to_string(getpid());
-    const auto first = recordedExchange(7, path);
-    std::string sent;
+    Heard sent;
+    std::string words;
     for (int number = 1000; number < 1600; ++number) {
-        sent += std::to_string(number) + ' ';
+        sent.push_back(std::to_string(number));
+        words += sent.back() + ' ';
     }
-    EXPECT_EQ(contentOf(path), (std::array<std::string, 4>{std::string("opened u\0p closed ", 18),
-                                                           "down closed ", "opened " + sent, sent}));
-    EXPECT_NE(first.first, first.second);
-    for (const Heard& heard : {first.first, first.second}) {
-        const std::set<std::string> arrived(heard.begin(), heard.end());
-        EXPECT_NEAR(static_cast<double>(arrived.size()), 480, 50);
-        EXPECT_NEAR(static_cast<double>(heard.size() - arrived.size()), 48, 30);
-        EXPECT_FALSE(std::is_sorted(heard.begin(), heard.end()));
-    }
-    EXPECT_EQ(recordedExchange(7, path), first);
-    EXPECT_NE(recordedExchange(8, path), first);
+    const auto first = recordedExchange(sent, 7, path);
+    auto recorded = contentOf(path);
+    EXPECT_EQ((recorded[{Transport::stream, Direction::toServer}]), "opened u\0p closed "s);
+    EXPECT_EQ((recorded[{Transport::stream, Direction::toClient}]), "down closed ");
+    EXPECT_EQ((recorded[{Transport::datagrams, Direction::toServer}]), "opened " + words);
+    EXPECT_EQ((recorded[{Transport::datagrams, Direction::toClient}]), words);
+    EXPECT_EQ(std::set<Heard>({sent, first.first, first.second}).size(), 3U) << "faults each way, and others";
+    EXPECT_EQ(recordedExchange(sent, 7, path), first);
+    EXPECT_NE(recordedExchange(sent, 8, path), first);
     std::filesystem::remove(path);
 }
 
 TEST(Relay, APeerThatDoesNotReadFillsABoundedBufferAndStallsNobodyElse)
 {
     LocalNetwork network;
-    StreamEnd silent = network.connect(), deafServer = network.accept();
-    silent.socket.non_blocking(true);
-    const std::string block(65536, 'x');
-    constexpr std::size_t mostTaken = 16U << 20U;  // the kernel's own buffers on both sides, and 256 KiB
-    std::size_t taken = 0;
-    network.await(
-        [&] {
-            boost::system::error_code error;
-            while (!error && taken < 2 * mostTaken) {
-                taken += silent.socket.write_some(boost::asio::buffer(block), error);
-            }
-            return false;
-        },
-        2s);
-    EXPECT_LT(taken, mostTaken);
-    StreamEnd client = network.connect(), server = network.accept();
+    StreamEnd &talker = network.connect(), &deafServer = network.accept();
+    deafServer.isDeaf = true;
+    const std::string flood(32U << 20U, 'x');  // more than the kernel's own buffers and 256 KiB
+    bool isTaken = false;
+    boost::asio::async_write(talker.socket, boost::asio::buffer(flood), [&](auto...) { isTaken = true; });
+    network.pass(2s);
+    EXPECT_FALSE(isTaken);
+    StreamEnd &client = network.connect(), &server = network.accept();
     client.send("hello");
-    EXPECT_TRUE(network.await([&] {
-        server.poll();
-        return server.heard == "hello";
-    }));
-    EXPECT_TRUE(network.await([&] {
-        deafServer.poll();
-        return deafServer.heard.size() == taken;
-    })) << "reading goes on once the peer reads";
+    EXPECT_TRUE(network.await([&] { return server.heard == "hello"; }));
+    deafServer.isDeaf = false;
+    EXPECT_TRUE(network.await([&] { return deafServer.heard == flood; }))
+        << "reading goes on once the peer reads";
 }
 
 TEST(Relay, StrangersThatFillTheTableOfFlowsGiveWayToAPlayer)
 {
     LocalNetwork network;
+    const DatagramEnd::Address relayAddress = Ends::at(network.relay.port());
     for (std::size_t i = 0; i < 2 * Relay::mostFlows; ++i) {
-        network.datagramSocket().send_to(boost::asio::buffer("!", 1), network.relayAddress());
+        network.addDatagrams().send("!", relayAddress);
         network.io.poll();
     }
-    DatagramEnd server{network.server.udp};
-    auto player = network.datagramSocket();
+    const Heard& heard = network.serverDatagrams.heard;
+    DatagramEnd& player = network.addDatagrams();
     EXPECT_TRUE(network.await([&] {
-        player.send_to(boost::asio::buffer("?", 1), network.relayAddress());
-        server.poll();
-        return !server.heard.empty() && server.heard.back() == "?";
+        player.send("?", relayAddress);
+        return !heard.empty() && heard.back() == "?";
     }));
     const std::string complaint = "ignoring new senders of datagrams: 64 are active";
     EXPECT_EQ(std::count(network.log.begin(), network.log.end(), complaint), 1) << "and says so once";
@@ -212,74 +214,64 @@ TEST(Relay, StrangersThatFillTheTableOfFlowsGiveWayToAPlayer)
 TEST(Relay, HangsUpOnBothSidesAndFallsSilentWhenTheLineIsCut)
 {
     RelayConfig config;
-    config.cutAfter = milliseconds(300);
-    LocalNetwork network(config);
-    StreamEnd client = network.connect(), server = network.accept();
-    DatagramEnd datagrams{network.server.udp};
-    auto socket = network.datagramSocket();
+    config.cutAfter = 300ms;
+    LocalNetwork network({}, config);
+    StreamEnd &client = network.connect(), &server = network.accept();
+    DatagramEnd& datagrams = network.addDatagrams();
+    Heard& heard = network.serverDatagrams.heard;
     const auto sendUntil = [&](const auto& condition) {
         return network.await([&] {
-            socket.send_to(boost::asio::buffer("?", 1), network.relayAddress());
-            client.poll();
-            server.poll();
-            datagrams.poll();
+            datagrams.send("?", Ends::at(network.relay.port()));
             return condition();
         });
     };
-    EXPECT_TRUE(sendUntil([&] { return datagrams.heard.size() > 3 && !client.hasEnded; }));
-    EXPECT_TRUE(sendUntil([&] { return client.hasEnded && server.hasEnded; }));
-    EXPECT_TRUE(sendUntil([&] { return network.hasLogged("datagrams 1: cut"); }));
-    EXPECT_TRUE(sendUntil([&] { return network.hasLogged("connection 1: cut"); }));
-    datagrams.heard.clear();
+    EXPECT_TRUE(sendUntil([&] { return heard.size() > 3 && !client.end; }));
+    EXPECT_TRUE(sendUntil([&] { return client.end && server.end && network.log.size() == 3; }));
+    EXPECT_EQ(std::set<std::string>(network.log.begin(), network.log.end()),
+              (std::set<std::string>{"connection 1: opened", "connection 1: cut", "datagrams 1: cut"}));
+    heard.clear();
     int tries = 0;
     EXPECT_TRUE(sendUntil([&tries] { return ++tries > 20; }));
-    EXPECT_TRUE(datagrams.heard.empty());
+    EXPECT_TRUE(heard.empty());
 }
 
 // And delays both transports.
 TEST(Relay, OutlivesAServerThatBreaksOffAfterAGoodbyeIsGoneAndComesBack)
 {
-    LocalNetwork network(with({milliseconds(50), {}, 0, 0, 0}));
-    StreamEnd client = network.connect(), server = network.accept();
+    LocalNetwork network({50ms, {}, 0, 0, 0});
+    StreamEnd &client = network.connect(), &server = network.accept();
+    StreamEnd &silent = network.connect(), &silentServer = network.accept();
     Time sent = Clock::now();
     client.send("hello");
-    EXPECT_TRUE(network.await([&server] {
-        server.poll();
-        return server.heard == "hello";
-    }));
+    EXPECT_TRUE(network.await([&] { return server.heard == "hello"; }));
     EXPECT_GE(Clock::now(), sent + 50ms);
     client.send("still under way when the server goes");
-    network.io.poll();
+    network.pass(20ms);
     server.send("goodbye");
-    server.socket.set_option(boost::asio::socket_base::linger(true, 0));
-    server.socket.close();
-    const auto hasEnded = [&client] {
-        client.poll();
-        return client.hasEnded;
-    };
-    EXPECT_TRUE(network.await(hasEnded));
+    for (StreamEnd* end : {&server, &silentServer}) {
+        end->socket.set_option(boost::asio::socket_base::linger(true, 0));
+        end->socket.close();
+    }
+    EXPECT_TRUE(network.awaitLog("connection 1: broken"));
+    EXPECT_TRUE(network.awaitLog("connection 2: broken"));
+    EXPECT_TRUE(network.await([&] { return client.end && silent.end; }));
     EXPECT_EQ(client.heard, "goodbye");
     EXPECT_EQ(client.end, boost::asio::error::connection_reset);
-    EXPECT_TRUE(network.await([&] { return network.hasLogged("connection 1: broken"); }));
 
     const std::uint16_t port = network.server.number();
     network.server.acceptor.close();
-    network.server.udp.close();
-    auto socket = network.datagramSocket();
-    socket.send_to(boost::asio::buffer("?", 1), network.relayAddress());
-    client = network.connect();
-    EXPECT_TRUE(network.await(hasEnded));
-    EXPECT_TRUE(network.await(
-        [&] { return network.hasLogged("connection 2: cannot reach the server: Connection refused"); }));
-    network.await([] { return false; }, 200ms);  // until the datagram is refused, too
+    network.serverDatagrams.socket.close();
+    DatagramEnd& datagrams = network.addDatagrams();
+    datagrams.send("?", Ends::at(network.relay.port()));
+    StreamEnd& late = network.connect();
+    EXPECT_TRUE(network.awaitLog("connection 3: cannot reach the server: Connection refused"));
+    EXPECT_TRUE(network.await([&] { return late.end.failed(); }));
+    network.pass(200ms);  // until the datagram is refused, too
 
     network.server = PortPair(network.io, port);
-    DatagramEnd datagrams{network.server.udp};
+    DatagramEnd& back = network.add(std::move(network.server.udp));
     sent = Clock::now();
-    socket.send_to(boost::asio::buffer("again", 5), network.relayAddress());
-    EXPECT_TRUE(network.await([&datagrams] {
-        datagrams.poll();
-        return datagrams.heard == Heard{"again"};
-    }));
+    datagrams.send("again", Ends::at(network.relay.port()));
+    EXPECT_TRUE(network.await([&] { return back.heard == Heard{"again"}; }));
     EXPECT_GE(Clock::now(), sent + 50ms);
 }

@@ -11,9 +11,7 @@ struct Pixel
     // These two hold also for a lit, textured surface; a pure one is text in its full colour.
     bool isReddish() const { return red > 40 && red > 2 * green && red > 2 * blue; }
     bool isBluish() const { return blue > 40 && blue > 2 * green && blue > 2 * red; }
-    bool isPureRed() const { return red > 220 && green < 40 && blue < 40; }
     bool isPureGreen() const { return green > 220 && red < 40 && blue < 40; }
-    bool isPureBlue() const { return blue > 220 && red < 40 && green < 40; }
     bool isWhite() const { return red > 220 && green > 220 && blue > 220; }
 };
 

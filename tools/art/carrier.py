@@ -10,10 +10,11 @@ import numpy as np
 
 import mesh
 from carrier_fittings import antennas, greebles, parked_fighters, runway_lamps, turrets
+from carrier_lights import lights
 from textures import (CARRIER_BAY, CARRIER_BRIGHT, CARRIER_DARK, CARRIER_DECK, CARRIER_GLOW,
                       CARRIER_HULL, CARRIER_TRENCH, CARRIER_UNITS, CARRIER_WINDOWS)
 
-RELIEF = 0.8          # shorter normals: what faces up is not yet lit to the full
+SHADING = mesh.Shading(relief=0.42, lift=0.47, crown=0.6, reach=(45.0, 150.0))
 DECK = 8.0            # height of the launch deck
 DECK_SIDE = 13.0      # half its width
 DECK_CELL = 32.0      # length of one repeat of the deck's texture
@@ -221,14 +222,14 @@ def engine(half, centre, radius, z, length, sides=14):
              ring(z - length * 0.30, radius), ring(z, radius * 0.80)]
     half.loft(rings, mesh.arc_coords(rings, CARRIER_UNITS, CARRIER_HULL[0] + 0.02, 0.2))
     mouth, throat = rings[0], ring(z - length * 0.80, radius * 0.76)
-    group = half.new_group()
     band = [ring(z - length * 0.60, radius * 1.08), ring(z - length * 0.42, radius * 1.08)]
     feet = [ring(z - length * 0.64, radius), ring(z - length * 0.38, radius)]
     collar = [feet[0], band[0], band[1], feet[1]]
     half.loft(collar, lambda i, j: (0.02 * j, CARRIER_TRENCH[0] + 0.02 + 0.02 * i))
     for j in range(sides):
         k = (j + 1) % sides
-        half.face([mouth[j], throat[j], throat[k], mouth[k]], mesh.constant(*CARRIER_DARK), group)
+        half.face([mouth[j], throat[j], throat[k], mouth[k]], mesh.constant(*CARRIER_BRIGHT),
+                  normal=[np.zeros(3), mesh.GLOWING / 8, mesh.GLOWING / 8, np.zeros(3)])
     spot, size = CARRIER_GLOW
     half.fan(throat[::-1], (*centre, z - length * 0.74),
              mesh.disc_coords(sides, spot, size)[::-1], spot, normal=mesh.GLOWING)
@@ -337,6 +338,7 @@ def build():
     parked_fighters(half, DECK)
     runway_lamps(half, np.arange(44.5, 180.0, 17.0), DECK)
     turrets(half)
+    lights(half, HULL)
     armour(half)
     pod(half)
     greebles(half)
@@ -349,4 +351,4 @@ def build():
 
 
 def make(path):
-    return mesh.write_obj(path, "carrier", build(), (0, 0, 0), RELIEF)
+    return mesh.write_obj(path, "carrier", build(), (0, 0, 0), SHADING)

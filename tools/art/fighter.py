@@ -1,7 +1,9 @@
-"""fighter.obj: nose along +z, up +y, drawn at 0.05; 72 model units long.
+"""fighter.obj: nose along +z, up +y, drawn at 0.05; 77 model units long, 88 wide.
 
 The chase camera sits 100 model units behind and 40 above, so the stern, the upper
 wings and the fins carry the look; the stern stays short to keep it in the picture.
+An enemy 300 units away is a few pixels: wings, fins and engines are wide and thick
+for its sake.
 """
 
 import numpy as np
@@ -11,17 +13,17 @@ from textures import (FIGHTER_BRIGHT, FIGHTER_DARK, FIGHTER_GLASS, FIGHTER_GLOW,
                       FIGHTER_HULL, FIGHTER_UNITS, FIGHTER_VENT, FIGHTER_WINGS)
 
 SCALE = 0.05
-RELIEF = 0.78 # shorter normals: what faces up is not yet lit to the full, so shapes show
+SHADING = mesh.Shading(SCALE, relief=0.45, lift=0.68, crown=0.6, reach=(30.0, 40.0))
 
 # z, half width, height of the side chine, top, bottom
 FUSELAGE = [
-    (-23.0, 4.4, 0.6, 4.0, -2.8),
-    (-14.0, 5.6, 0.6, 5.0, -3.4),
-    (0.0, 6.0, 0.3, 5.0, -3.6),
-    (12.0, 5.2, 0.0, 3.8, -3.2),
-    (26.0, 3.6, -0.4, 2.3, -2.6),
-    (38.0, 2.0, -0.8, 0.8, -1.9),
-    (46.0, 0.5, -1.1, -0.7, -1.4),
+    (-23.0, 4.6, 0.6, 4.4, -3.2),
+    (-14.0, 5.8, 0.6, 5.4, -4.0),
+    (0.0, 6.4, 0.3, 5.4, -4.4),
+    (12.0, 5.8, 0.0, 4.2, -4.0),
+    (26.0, 4.2, -0.4, 2.6, -3.2),
+    (40.0, 2.3, -0.8, 0.9, -2.2),
+    (51.0, 0.5, -1.1, -0.7, -1.4),
 ]
 
 # z, half width, foot, top
@@ -34,8 +36,9 @@ CANOPY = [
 ]
 
 # z, radius
-NACELLE = [(-22.0, 4.3), (-16.0, 5.3), (-4.0, 5.3), (6.0, 4.3)]
-NACELLE_CENTRE = (10.1, 0.8)
+NACELLE = [(-22.0, 5.6), (-16.0, 6.5), (-4.0, 6.5), (7.0, 5.2)]
+NACELLE_CENTRE = (11.6, 0.8)
+POD_CENTRE = (40.6, 1.6)
 NACELLE_SIDES = 10
 
 
@@ -85,24 +88,24 @@ def nacelle(half):
     rings = [ring(z, r) for z, r in NACELLE]
     half.loft(rings, mesh.arc_coords(rings, FIGHTER_UNITS, FIGHTER_HULL[0] + 0.2, 0.4))
 
-    nozzle = [ring(-25.5, 3.6), ring(-22.0, 4.3)]
+    nozzle = [ring(-25.5, 4.9), ring(-22.0, 5.6)]
     half.loft(nozzle, lambda i, j: (0.52 + 0.02 * j, 0.02 + 0.15 * i))
-    throat = ring(-24.0, 3.3)
+    throat = ring(-24.4, 4.5)
     dark = mesh.constant(*FIGHTER_DARK)
-    edge = ring(-25.5, 3.6)
+    edge = ring(-25.5, 4.9)
     for j in range(NACELLE_SIDES):
         k = (j + 1) % NACELLE_SIDES
         half.face([edge[j], throat[j], throat[k], edge[k]], dark)
     (cu, cv), radius = FIGHTER_GLOW
-    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], -24.0)
+    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], -24.4)
     half.fan(throat[::-1], centre, mesh.disc_coords(NACELLE_SIDES, (cu, cv), radius)[::-1],
              (cu, cv), normal=mesh.GLOWING)
 
-    lip, mouth = ring(6.0, 4.3), ring(3.5, 3.4)
+    lip, mouth = ring(7.0, 5.2), ring(4.0, 4.2)
     for j in range(NACELLE_SIDES):
         k = (j + 1) % NACELLE_SIDES
         half.face([lip[j], lip[k], mouth[k], mouth[j]], mesh.constant(*FIGHTER_BRIGHT))
-    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], 4.5)
+    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], 5.0)
     dark_uv = [FIGHTER_DARK] * NACELLE_SIDES
     half.fan(mouth, centre, dark_uv, FIGHTER_DARK, half.new_group())
 
@@ -125,33 +128,37 @@ def skin_wing(half, sections, coords):
 
 
 def wing(half):
-    skin_wing(half, [wing_section(12.6, 0.9, 11.0, -21.0, 1.5),
-                     wing_section(18.0, 0.0, 0.0, -21.5, 1.1),
-                     wing_section(28.5, -2.2, -10.5, -23.0, 0.55)],
+    skin_wing(half, [wing_section(15.0, 0.9, 12.0, -21.0, 2.5),
+                     wing_section(24.0, 0.2, 0.5, -21.5, 2.0),
+                     wing_section(40.0, 1.6, -10.0, -23.0, 1.3)],
               hull_map(v_centre=FIGHTER_WINGS, shift=0.17))
     # the strake from the nose to the engine
-    skin_wing(half, [wing_section(3.4, -0.2, 27.0, -4.0, 0.9),
-                     wing_section(8.0, 0.3, 9.0, -4.0, 0.7)],
+    skin_wing(half, [wing_section(3.8, -0.2, 29.0, -4.0, 1.1),
+                     wing_section(8.6, 0.3, 10.0, -4.0, 0.9)],
               hull_map(v_centre=0.45, shift=0.55))
 
 
 def fin(half):
-    """A tail fin that leans outwards."""
-    low = np.array([(12.4, 4.2, -1.0), (11.4, 4.2, -1.0), (11.6, 4.0, -21.0), (12.2, 4.0, -21.0)])
-    top = np.array([(17.0, 16.6, -17.0), (16.6, 16.6, -17.0), (16.6, 15.2, -26.0),
-                    (17.0, 15.2, -26.0)])
-    half.hexahedron(top[::-1], low[::-1], hull_map(v_centre=0.5, shift=0.3), skip=("far",))
+    """A tail fin that leans outwards, and a smaller one on the pod at the wing's tip."""
+    plates = hull_map(v_centre=0.5, shift=0.3)
+    low = np.array([(14.6, 5.0, 2.0), (12.2, 5.0, 2.0), (12.6, 5.0, -21.0), (14.4, 5.0, -21.0)])
+    top = np.array([(22.6, 22.5, -17.0), (21.6, 22.5, -17.0), (21.6, 20.5, -27.0),
+                    (22.6, 20.5, -27.0)])
+    half.hexahedron(top[::-1], low[::-1], plates, skip=("far",))
+    low = np.array([(41.6, 3.2, -7.0), (39.8, 3.2, -7.0), (39.8, 3.2, -22.0), (41.6, 3.2, -22.0)])
+    top = np.array([(44.0, 11.0, -18.0), (43.2, 11.0, -18.0), (43.2, 10.0, -25.0), (44.0, 10.0, -25.0)])
+    half.hexahedron(top[::-1], low[::-1], plates, skip=("far",))
 
 
-def cannon(half):
-    """A gun at the wing tip."""
+def pod(half):
+    """The pod at the wing's tip: a small engine behind, a gun in front."""
     def ring(z, radius):
-        return mesh.ring_points(6, radius, z, (28.6, -2.2))
-    body = [ring(-24.0, 1.1), ring(-9.0, 1.5), ring(-5.0, 0.7)]
+        return mesh.ring_points(6, radius, z, POD_CENTRE)
+    body = [ring(-25.0, 2.3), ring(-19.0, 3.0), ring(-8.0, 2.7), ring(-2.0, 1.0)]
     half.loft(body, mesh.arc_coords(body, FIGHTER_UNITS, 0.45, 0.2))
-    half.face(body[0][::-1], mesh.constant(*FIGHTER_BRIGHT))
+    half.face(body[0][::-1], mesh.constant(*FIGHTER_BRIGHT), normal=mesh.GLOWING)
     half.face(body[-1], mesh.constant(*FIGHTER_DARK))
-    barrel = [ring(z, r)[::2] for z, r in ((-5.0, 0.55), (8.0, 0.45))]
+    barrel = [ring(z, r)[::2] for z, r in ((-2.0, 0.7), (13.0, 0.55))]
     half.loft(barrel, lambda i, j: FIGHTER_VENT[:2])
     half.face(barrel[1], mesh.constant(*FIGHTER_BRIGHT))
 
@@ -160,7 +167,7 @@ def spine(shape):
     """A dark ridge behind the canopy and the grille between the engines."""
     shape.box((-1.1, 4.0, -20.0), (1.1, 6.0, -5.0), hull_map(0.6, 0.75), skip=("far",),
               taper=(0.6, 0.75))
-    grille = [(3.4, -1.6, -23.2), (-3.4, -1.6, -23.2), (-3.0, 2.6, -23.2), (3.0, 2.6, -23.2)]
+    grille = [(3.6, -2.0, -23.2), (-3.6, -2.0, -23.2), (-3.2, 2.8, -23.2), (3.2, 2.8, -23.2)]
     corners = cell_map(FIGHTER_VENT, grille)
     shape.face([p for p, _ in corners], [c for _, c in corners])
 
@@ -174,10 +181,10 @@ def build():
     nacelle(half)
     wing(half)
     fin(half)
-    cannon(half)
+    pod(half)
     shape.add_both_sides(half)
     return shape
 
 
 def make(path):
-    return mesh.write_obj(path, "fighter", build(), (0, 0, 0), SCALE * RELIEF)
+    return mesh.write_obj(path, "fighter", build(), (0, 0, 0), SHADING)

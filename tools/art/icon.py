@@ -18,9 +18,9 @@ import render
 SIZES = (48, 64, 128, 256)
 DRAWN = 1024             # pixels; each icon is this picture made smaller
 CORNER = 0.20            # radius of the rounded corners, as a share of the side
-EYE = (2.2, 2.3, 3.9)    # seen from the front, a little above
+EYE = (2.6, 3.1, 5.0)    # seen from the front, a little above
 BANK = -0.30             # radians; a ship that lies in a turn looks fast
-BRIGHTER = 1.35          # small pictures look darker than large ones
+BRIGHTER = 1.25          # small pictures look darker than large ones
 
 
 def rounded_square(side):

@@ -214,18 +214,45 @@ def anchor_triangle(centre):
     return [centre, centre + across, centre + along]
 
 
-def write_obj(path, name, mesh, anchor, normal_length=1.0):
-    """Writes triangles with texture coordinates and normals of the given length.
+class Shading:
+    """How a model's normals are stretched and bent before they are written.
+
+    The lights stand at the viewer's left and above, so half of all sides would get no light but
+    the ambient one, and a team colour at half its strength is hardly seen before the sky. `lift`,
+    which is added upwards, lights all sides of a ship that is anywhere near upright; `relief`, the
+    length left to the normals themselves, decides how much light still tells the sides apart.
+    Who looks straight down or up sees neither: for them, what is level bends outwards by up to
+    `crown` towards the borders of an area of half sides `reach` (x, z), as if the ship were domed.
+    """
+
+    STEPS = 8  # of the crown in one unit: finer ones would only make the files larger
+
+    def __init__(self, scale=1.0, relief=1.0, lift=0.0, crown=0.0, reach=(1.0, 1.0)):
+        self.scale = scale
+        self.relief = relief
+        self.lift = lift
+        self.crown = crown
+        self.reach = np.array(reach)
+
+    def apply(self, normal, place):
+        """The normal to write for a face whose middle is at `place`."""
+        outwards = np.clip(place[[0, 2]] / self.reach, -1, 1) * self.crown * abs(normal[1])
+        x, z = np.round(outwards * self.STEPS) / self.STEPS
+        return (normal * self.relief + np.array([x, self.lift, z])) * self.scale
+
+
+def write_obj(path, name, mesh, anchor, shading):
+    """Writes triangles with texture coordinates and shaded normals.
 
     The client scales models with glScalef and never asks OpenGL to normalise, so a
     model drawn at scale s is lit as if its normals were 1/s times as long: its file
-    holds normals of length s (or more, to look brighter).
+    holds normals of about length s.
 
     Explosion quads set no normal of their own, they inherit the last one drawn. The
     last triangle of every file, hidden at `anchor`, leaves one that lights them fully.
     """
     points, coords, normals = Pool("v"), Pool("vt"), Pool("vn")
-    normal_digits = 3 - math.floor(math.log10(normal_length))
+    normal_digits = 3 - math.floor(math.log10(shading.scale))
     body = []
 
     def corner(point, coord, normal):
@@ -233,8 +260,12 @@ def write_obj(path, name, mesh, anchor, normal_length=1.0):
                              normals.number(normal, normal_digits))
 
     for face, face_normals in zip(mesh.faces, corner_normals(mesh)):
-        corners = [corner(p, c, n * normal_length)
-                   for p, c, n in zip(face.points, face.coords, face_normals)]
+        if face.normal is None:
+            middle = face.points.mean(axis=0)
+            face_normals = [shading.apply(n, middle) for n in face_normals]
+        else:
+            face_normals = [n * shading.scale for n in face_normals]
+        corners = [corner(p, c, n) for p, c, n in zip(face.points, face.coords, face_normals)]
         for i in range(1, len(corners) - 1):
             body.append("f %s %s %s" % (corners[0], corners[i], corners[i + 1]))
 

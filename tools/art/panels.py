@@ -132,7 +132,7 @@ def windows(rng, canvas, pitch, lit, dark):
 def machinery(rng, canvas):
     """A dark trench full of pipes and boxes."""
     height, width = canvas.shape
-    canvas[:] = 0.26
+    canvas[:] = 0.32
     for _ in range(width // 3):
         x, y = int(rng.integers(width)), int(rng.integers(height - 4))
         w, h = int(rng.integers(5, 40)), int(rng.integers(3, height // 4))

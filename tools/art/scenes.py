@@ -22,16 +22,18 @@ def carrier(offset, blue=True):
     return set_up
 
 
-def fighters(distance):
-    """Both teams from several sides, in two rows."""
+def fighters(distance, side=0.0):
+    """Both teams from several sides, in two rows, looking `side` degrees from +z to +x."""
     def set_up(studio):
-        eye = np.array([0.0, 3000, 0])
-        studio.look_from(eye, (0, 0, 1))
-        poses = [(180, 0, 0), (0, 0, 0), (90, 0, 0), (0, -90, 0), (0, 90, 0), (215, -20, 20)]
-        for i, pose in enumerate(poses):
+        eye, angle = np.array([0.0, 400, 0]), np.radians(side)
+        ahead = np.array([np.sin(angle), 0, np.cos(angle)])
+        left, up = np.array([ahead[2], 0, -ahead[0]]), np.array([0, 1, 0])
+        studio.look_from(eye, ahead)
+        poses = [(180, 0, 0), (0, 0, 0), (90, 0, 0), (0, -90, 0), (0, 90, 0), (215, -20, 20), (40, 15, 170)]
+        for i, (heading, climb, bank) in enumerate(poses):
             for row, blue in enumerate((False, True)):
-                across, up = (2.5 - i) * 0.26, (0.5 - row) * 0.55
-                studio.ship(eye + distance * np.array([across, up, 1.0]), blue, *pose)
+                place = ahead + left * (3 - i) * 0.22 + up * (0.5 - row) * 0.55
+                studio.ship(eye + distance * place, blue, heading + side, climb, bank)
     return set_up
 
 
@@ -49,7 +51,7 @@ def close_up(blue):
 def shots(studio):
     eye = np.array([0.0, 3000, 0])
     studio.look_from(eye, (0, 0, 1))
-    for i, distance in enumerate((4, 8, 20, 60)):
+    for i, distance in enumerate((5, 30, 100, 300)):
         for row, blue in enumerate((False, True)):
             studio.shot(eye + distance * np.array([(1.5 - i) * 0.3, (0.5 - row) * 0.5, 1.0]), blue)
 
@@ -93,9 +95,13 @@ ALL = {
     "start-red": start(RED_START, False, (0, 0, 1)),
     "start-red-x": start(RED_START, False, (-1, 0, 0)),
     "fight": fight,
-    "fighters-15": fighters(15),
+    "fighters-20": fighters(20),
     "fighters-30": fighters(30),
+    "fighters-100": fighters(100),
     "fighters-300": fighters(300),
+    "fighters-300-px": fighters(300, 90.0),
+    "fighters-300-nz": fighters(300, 180.0),
+    "fighters-300-nx": fighters(300, 270.0),
     "close-red": close_up(False),
     "close-blue": close_up(True),
     "shots": shots,

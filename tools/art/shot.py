@@ -1,7 +1,7 @@
-"""shot.obj: a glint that reads alike from every side, for shots are never turned.
+"""shot.obj: a ball of plasma with a glint, alike from every side, for shots are never turned.
 
-A round core with a long spike on each axis and short ones on the space diagonals. It seems
-to glow: the core is lit to the full wherever one looks from, the spikes fade to their tips.
+The ball is lit nearly to the full, a little less towards its foot, which makes it round. A
+spike on each axis flows out of the ball and fades to its tip, like a glint.
 """
 
 import itertools
@@ -10,26 +10,28 @@ import numpy as np
 
 import mesh
 
-CORE = 21.0        # model units; the client draws at 0.01
-LONG_SPIKE = 64.0
-SHORT_SPIKE = 37.0
-FADED = np.zeros(3)  # a normal that takes only the ambient light
+SCALE = 0.01
+CORE = 28.0  # model units
+CUTS = 2     # of each edge of the icosahedron
+SPIKE = [(0.9 * CORE, 8.0), (1.2 * CORE, 3.2)]  # how far from the middle, half its width there
+REACH = 59.0
+SIDES = 4
+COORDS = [(0, 0), (1, 0), (0.5, 1)]
+DIM = mesh.GLOWING / 10  # takes four fifths of the light from above
 
 
-def spike(shape, direction, length, width, sides):
-    """A thin pyramid from within the core outwards."""
-    direction = np.asarray(direction, float)
-    direction /= np.linalg.norm(direction)
-    helper = np.roll(np.abs(direction), 1) * (1.0, 0.7, 0.4) + (0.1, 0.0, 0.0)
-    right = np.cross(direction, helper)
-    right /= np.linalg.norm(right)
+def spike(shape, direction):
+    """A glint from within the core outwards, wide at its foot so that it flows out of the ball."""
+    right = np.roll(direction, 1)
     up = np.cross(direction, right)
-    angles = [2 * np.pi * i / sides for i in range(sides)]
-    base = [direction * CORE * 0.8 + width * (right * np.cos(a) + up * np.sin(a))
-            for a in angles]
-    for i in range(sides):
-        shape.face([base[i], base[(i + 1) % sides], direction * length],
-                   [(0, 0), (1, 0), (0.5, 1)], normal=[mesh.GLOWING, mesh.GLOWING, FADED])
+    angles = [2 * np.pi * i / SIDES for i in range(SIDES)]
+    foot, neck = ([direction * way + width * (right * np.cos(a) + up * np.sin(a)) for a in angles]
+                  for way, width in SPIKE)
+    for i in range(SIDES):
+        k = (i + 1) % SIDES
+        shape.face([foot[i], foot[k], neck[k], neck[i]], [*COORDS, (0, 1)], normal=mesh.GLOWING)
+        shape.face([neck[i], neck[k], direction * REACH], COORDS,
+                   normal=[mesh.GLOWING, mesh.GLOWING, DIM])
 
 
 def icosahedron():
@@ -45,22 +47,25 @@ def icosahedron():
 
 
 def core(shape):
-    """A ball: the icosahedron with each face cut in four."""
+    """A ball: each face of the icosahedron cut in CUTS x CUTS."""
+    ball = shape.new_group()
     for a, b, c in icosahedron():
-        ab, bc, ca = ((p + q) / np.linalg.norm(p + q) for p, q in ((a, b), (b, c), (c, a)))
-        for triangle in ((a, ab, ca), (ab, b, bc), (ca, bc, c), (ab, bc, ca)):
-            shape.face(np.array(triangle) * CORE, [(0, 0), (1, 0), (0.5, 1)], normal=mesh.GLOWING)
+        def at(i, j):
+            point = a + (b - a) * i / CUTS + (c - a) * j / CUTS
+            return point / np.linalg.norm(point) * CORE
+        for i, j in ((i, j) for i in range(CUTS) for j in range(CUTS - i)):
+            shape.face([at(i, j), at(i + 1, j), at(i, j + 1)], COORDS, ball)
+            if i + j < CUTS - 1:
+                shape.face([at(i + 1, j), at(i + 1, j + 1), at(i, j + 1)], COORDS, ball)
 
 
 def build():
     shape = mesh.Mesh()
     core(shape)
     for axis in np.vstack([np.eye(3), -np.eye(3)]):
-        spike(shape, axis, LONG_SPIKE, 8.0, 4)
-    for signs in itertools.product((-1, 1), repeat=3):
-        spike(shape, signs, SHORT_SPIKE, 8.0, 3)
+        spike(shape, axis)
     return shape
 
 
 def make(path):
-    return mesh.write_obj(path, "shot", build(), (0, 0, 0))
+    return mesh.write_obj(path, "shot", build(), (0, 0, 0), mesh.Shading(SCALE, relief=0.25, lift=0.9))

@@ -1,18 +1,18 @@
 """skybox.png: stars, a galaxy band, nebulae, the sun and a ringed planet.
 
 All but the top face are painted by direction, so they meet without seams. The client
-twists the top face's cell, which no picture can undo; so everything that is not a star
-fades to one plain colour towards the top, and the top has that colour at its borders.
+twists the top face's cell, which no picture can undo: skytop.py paints it, with the colour
+at its borders that the soft gas of the dome has at the upper ends of the side faces.
 """
 
 import numpy as np
 from PIL import Image
 
 import skylayout
+import skytop
 from noise import ValueNoise, smoothstep
 
 WIDTH, HEIGHT = 4096, 2048
-TOP_COLOUR = np.array([0.020, 0.024, 0.040])
 
 
 def unit(*v):
@@ -39,6 +39,23 @@ NEBULAE = [
     (unit(0.25, 0.12, -1.0), 0.62, 0.80, (0.26, 0.14, 0.50), (0.75, 0.55, 1.00)),
     (unit(0.2, -1.0, 0.3), 0.62, 0.70, (0.06, 0.22, 0.42), (0.45, 0.70, 1.00)),
 ]
+
+
+# the light along the horizon, before which ships of both teams are seen: where, and its colour
+HORIZON_HEIGHT = 0.34
+HORIZON = [((-1.0, 0.0, 0.0), (0.150, 0.105, 0.060)), ((1.0, 0.0, 0.0), (0.078, 0.074, 0.062)),
+           ((0.0, 0.0, -1.0), (0.120, 0.085, 0.165)), ((0.0, 0.0, 1.0), (0.085, 0.100, 0.125))]
+
+
+def horizon(d):
+    """Thin gas all around, thick enough that dark blue ships do not drown in black."""
+    noise = ValueNoise(7)
+    wobble = noise.fractal(d * 1.8 + 31, 4) - 0.5
+    thickness = 0.45 + 1.1 * smoothstep(0.25, 0.75, noise.fractal(d * 3.2 + 13 + wobble[..., None], 6, 0.55))
+    thickness = thickness * np.exp(-((d[..., 1] + 0.35 * wobble) / HORIZON_HEIGHT) ** 2)
+    shares = [np.maximum(0, d @ np.array(axis)) ** 2 for axis, _ in HORIZON]
+    colour = sum(share[..., None] * np.array(tint) for share, (_, tint) in zip(shares, HORIZON))
+    return thickness[..., None] * colour
 
 
 def galaxy(d):
@@ -175,7 +192,7 @@ def sky_colour(points):
     d = points / np.linalg.norm(points, axis=-1, keepdims=True)
     rise = points[..., 1] / np.maximum(np.abs(points[..., 0]), np.abs(points[..., 2]))
     fade = smoothstep(0.97, 0.50, rise)[..., None]
-    colour = TOP_COLOUR + fade * (galaxy(d) + nebulae(d) + sun(d))
+    colour = skytop.dome(points) + fade * (horizon(d) + galaxy(d) + nebulae(d) + sun(d))
     planet, cover = planet_light(points)
     return colour * (1 - cover[..., None]) + planet, cover
 
@@ -239,53 +256,6 @@ class Stars:
         return (value * (1 - hidden))[..., None] * self.colour[i]
 
 
-def shear_of_quarter(u, v):
-    """Drivers cut the top quad in two triangles, which shear the cell's upper and lower quarter
-    in opposite ways; what is painted with this shear looks straight. What lies left and right is
-    shown twice or never, by the driver's choice of the cut.
-    """
-    upper, lower = v < np.minimum(u, 1 - u), v > np.maximum(u, 1 - u)
-    return upper * 1 - lower * 1
-
-
-def top_clouds(rows, columns):
-    """Faint gas within each quarter of the twisted face; nothing on a border or a diagonal."""
-    noise = ValueNoise(6)
-    v, u = np.meshgrid((np.arange(rows) + 0.5) / rows, (np.arange(columns) + 0.5) / columns,
-                       indexing="ij")
-    diagonals = np.minimum(np.abs(u - v), np.abs(u + v - 1))
-    borders = np.minimum(np.minimum(u, 1 - u), np.minimum(v, 1 - v))
-    reach = smoothstep(0.0, 0.30, diagonals) * smoothstep(0.0, 0.16, borders)
-    place = np.stack([u - shear_of_quarter(u, v) * v, v, 0 * v], axis=-1) * 3.0
-    warp = noise.fractal(place + 3, 4)[..., None] - 0.5
-    gas = noise.fractal(place + warp + 9, 6, 0.55)
-    veins = noise.ridged(place * 1.3 + warp + 7, 5, 0.55)
-    cloud = smoothstep(0.36, 0.80, gas * 0.72 + 0.36 * veins) * reach
-    return cloud[..., None] * np.array([0.11, 0.16, 0.34]) + (cloud ** 2 * veins)[..., None] * np.array(
-        [0.30, 0.34, 0.55])
-
-
-def top_cell(rng, rows, columns):
-    """The twisted face: gas and stars, no star on a border or a diagonal."""
-    canvas = TOP_COLOUR + top_clouds(rows, columns)
-    y, x = np.mgrid[-8:9, -8:9]
-    y = y * columns / rows
-    for i in range(1700):
-        u, v = rng.random(2)
-        if min(u, v, 1 - u, 1 - v) < 0.015 or min(abs(u - v), abs(u + v - 1)) < 0.012:
-            continue
-        shear = shear_of_quarter(u, v)
-        distance = np.hypot(x - shear * y, y)
-        size = 1.5 if shear else 0.6
-        spot = (0.12 + 0.60 * rng.random() ** 3) * np.exp(-distance ** 2 / size)
-        if shear and i % 20 == 0:  # a bright one
-            spot = rng.uniform(0.9, 1.8) * (np.exp(-distance ** 2 / 1.6) + 0.05 * np.exp(-distance / 2))
-        row, column = int(v * rows), int(u * columns)
-        canvas[row - 8:row + 9, column - 8:column + 9] += (
-            spot[..., None] * Stars.TINTS[rng.integers(0, len(Stars.TINTS))])
-    return canvas
-
-
 def tone(colour):
     """Bright light runs to white softly instead of being cut."""
     bright = 1 - np.exp(-np.maximum(colour - 0.6, 0) / 0.4)
@@ -299,7 +269,7 @@ def make(path):
     for face in skylayout.CELLS:
         rows, columns, points = skylayout.cell_directions(face, WIDTH, HEIGHT)
         if face == skylayout.TOP:
-            canvas = top_cell(rng, *points.shape[:2])
+            canvas = skytop.paint(rng, *points.shape[:2], Stars.TINTS)
         else:
             canvas, hidden = sky_colour(points)
             stars.paint(canvas, points, hidden)

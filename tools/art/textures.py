@@ -12,7 +12,7 @@ import panels
 # texture-white.png: plating above, four square cells below
 FIGHTER_UNITS = 64.0         # model units that the whole texture covers
 FIGHTER_HULL = (0.25, 1.0)   # v range of the plating; it tiles in u
-FIGHTER_WINGS = 0.06         # v of the wings' x = 0; they span x = 12 to 28
+FIGHTER_WINGS = 0.06         # v of the wings' x = 0; they span x = 15 to 42
 FIGHTER_GLASS = (0.01, 0.01, 0.24, 0.24)
 FIGHTER_GLOW = ((0.375, 0.125), 0.118)     # centre and radius
 FIGHTER_VENT = (0.51, 0.01, 0.74, 0.24)
@@ -47,39 +47,40 @@ def wing_band(hull):
     """The squadron's dark band across each wing, between two thin bright lines."""
     def row(x):
         return int(512 * (1.0 - FIGHTER_WINGS - x / FIGHTER_UNITS))
-    hull[row(25.6):row(22.4), :] *= 0.36
-    hull[row(26.2):row(25.9), :] = 1.0
-    hull[row(22.0):row(21.7), :] = 1.0
+    hull[row(36.4):row(33.2), :] *= 0.64
+    hull[row(37.4):row(36.9), :] = 1.0
+    hull[row(32.7):row(32.2), :] = 1.0
 
 
 def fighter_texture(path):
     rng = np.random.default_rng(21042)
     canvas = np.ones((512, 512))
     hull = canvas[:384]
-    panels.Plating(rng, hull, tone=0.86, spread=0.10, smallest=15, section=150).cover()
+    panels.Plating(rng, hull, tone=0.90, spread=0.08, smallest=15, section=150).cover()
     panels.scratches(rng, hull, 260)
     panels.wear(rng, hull, 0.035)
     stripes(hull[40:52, 330:420], 12, 0.45)
     stripes(hull[250:262, 60:150], 12, 0.45)
-
+    # From afar single texels are all one sees of the ship, whichever the pixels happen to hit: no deep black.
+    hull[:] = 0.24 + 0.76 * hull
     wing_band(hull)
 
     canvas[384:, :128] = panels.glass(rng, 128, 128)
     canvas[384:, 128:256] = panels.glow(128, hot=0.80)
     vent = canvas[384:, 256:384]
-    vent[:] = 0.30
-    vent[:, ::8] = 0.10
-    vent[:, 1::8] = 0.16
-    vent[::32, :] = 0.5
+    vent[:] = 0.48
+    vent[:, ::8] = 0.20
+    vent[:, 1::8] = 0.28
+    vent[::32, :] = 0.6
     canvas[384:448, 384:] = 1.0
-    canvas[448:, 384:] = 0.16
+    canvas[448:, 384:] = 0.24
     save_gray_as_rgb(path, canvas)
 
 
 def deck_cell(rng, canvas):
     """32 units of runway: dark plates, side lines, a dash and a chevron, lamps, tyre marks."""
     height, width = canvas.shape
-    panels.Plating(rng, canvas, tone=0.29, spread=0.035, smallest=30, section=180).cover()
+    panels.Plating(rng, canvas, tone=0.41, spread=0.05, smallest=30, section=180).cover()
     panels.wear(rng, canvas, 0.06)
     y, x = np.mgrid[0:height, 0:width]
     across = np.abs(y - height / 2) / height          # 0 on the centre line, 0.5 at the edge
@@ -110,14 +111,14 @@ def carrier_texture(path):
     rng = np.random.default_rng(42)
     canvas = np.ones((1024, 1024))
     hull = canvas[:512]
-    panels.Plating(rng, hull, tone=0.76, spread=0.11, smallest=14, section=190).cover()
+    panels.Plating(rng, hull, tone=0.80, spread=0.17, smallest=14, section=190).cover()
     panels.scratches(rng, hull, 700)
     panels.wear(rng, hull, 0.05)
     for y in (96, 230, 410):
         panels.windows(rng, hull[y:y + 14], 14, lit=1.0, dark=0.25)
 
     decks = canvas[512:640]
-    panels.Plating(rng, decks, tone=0.56, spread=0.05, smallest=26, section=200).cover()
+    panels.Plating(rng, decks, tone=0.62, spread=0.06, smallest=26, section=200).cover()
     panels.windows(rng, decks, 16, lit=1.0, dark=0.22)
     panels.machinery(rng, canvas[640:768])
 
@@ -125,5 +126,5 @@ def carrier_texture(path):
     canvas[768:, 512:768] = panels.glow(256, hot=0.84)
     bay_cell(rng, canvas[768:896, 768:])
     canvas[896:960, 768:] = 1.0
-    canvas[960:, 768:] = 0.13
+    canvas[960:, 768:] = 0.20
     save_gray_as_rgb(path, canvas)

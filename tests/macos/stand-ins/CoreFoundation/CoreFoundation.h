@@ -1,13 +1,14 @@
-// As much of CoreFoundation as the client uses.
+// As much of CoreFoundation as the client uses. Each kind of object has a type of its own, as there.
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 using CFIndex = long;
 using CFTypeRef = const void*;
-using CFBundleRef = struct StandInBundle*;
-using CFURLRef = const struct StandInURL*;
-using CFStringRef = const struct StandInString*;
+using CFBundleRef = char*;
+using CFURLRef = const int*;
+using CFStringRef = const std::string*;
 
 constexpr CFIndex kCFURLPOSIXPathStyle = 0;
 constexpr std::uint32_t kCFStringEncodingASCII = 0x0600;

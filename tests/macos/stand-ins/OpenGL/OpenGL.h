@@ -1,7 +1,7 @@
 // As much of CGL as the client uses.
 #pragma once
 
-using CGLContextObj = struct StandInContext*;
+using CGLContextObj = long*;
 
 enum CGLError
 {
