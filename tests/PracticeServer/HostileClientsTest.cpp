@@ -138,7 +138,12 @@ TEST_F(Server, AFloodOfConnectionsThatHangUpNeitherHoldsUpANewcomerNorFillsTheLo
 {
     open(0);
     const auto flood = [&] {
-        repeat(10, [&] { const TestClient passer(server->port()); });
+        repeat(5, [&] {
+            const TestClient passer(server->port());
+            TestClient talker(server->port());
+            talker.sendStream("x");
+            talker.reset();
+        });
         return false;
     };
     runUntil(flood, 1s);
@@ -161,6 +166,22 @@ TEST_F(Server, SaysOnceThatItIsOutOfDescriptorsAndGoesOnWhenItHasSome)
     setrlimit(RLIMIT_NOFILE, &limit);
     EXPECT_EQ(log, std::vector<std::string>{"cannot accept a connection: Too many open files"});
     EXPECT_TRUE(runUntil([&] { return client.id() != 0; }));
+}
+
+TEST_F(Server, AccountsForEveryLineBeforeItEnds)
+{
+    config.mostClients = 100;
+    open(0);
+    repeat(100, [this] { connect(); });
+    EXPECT_TRUE(runUntil([&] {
+        return std::all_of(clients.begin(), clients.end(), [](const auto& c) { return c->id() != 0; });
+    }));
+    server->stop();
+    int lines = 0;
+    for (const std::string& line : log) {
+        lines += line.find("... and ") == 0 ? std::stoi(line.substr(8)) : 1;
+    }
+    EXPECT_EQ(lines, 100);
 }
 
 TEST(ServerLog, TellsOfSomeLinesAndOnceASecondHowManyItLeftOut)

@@ -56,6 +56,11 @@ public:
         boost::asio::write(tcp, boost::asio::buffer(bytes), hungUp);
     }
     void hangUp() { tcp.close(); }
+    void reset()
+    {
+        tcp.set_option(boost::asio::socket_base::linger(true, 0));
+        tcp.close();
+    }
 
     std::uint64_t id() const { return heard.welcome.id(); }
     std::uint16_t qport() const { return static_cast<std::uint16_t>(heard.welcome.qport()); }

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <thread>
 
 using support::Process;
 using namespace std::chrono_literals;
@@ -60,6 +61,7 @@ TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
         EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 1) << output;
     }
     EXPECT_EQ(run({"--help"}).end(), "status 0");
+    EXPECT_EQ(Process({"sh", "-c", "exec \"$0\" --help >/dev/full", VANTOR_SERVER}).end(), "status 1");
 }
 
 TEST(ServerProgram, EndsInOrderAtASignal)
@@ -86,10 +88,11 @@ TEST(ServerProgram, PrintsTheTableOfEachMatchThatItsOptionsEnd)
 TEST(ServerProgram, SaysOnceThatItsMeasurementsNoLongerFitOnTheDisk)
 {
     const std::string log = freshFile("vantor-full-disk");
-    const Process server(
-        {"sh", "-c", "trap '' XFSZ; ulimit -f 2; exec \"$0\" --port 0 --log \"$1\"", VANTOR_SERVER, log});
+    const Process server({"sh", "-c", "ulimit -f 2; exec \"$0\" --port 0 --log \"$1\"", VANTOR_SERVER, log});
     const std::string line = "cannot write measurements to '" + log + "' any more\n";
-    EXPECT_TRUE(support::eventually([&] { return server.hasPrinted(line); })) << server.output();
+    ASSERT_TRUE(support::eventually([&] { return server.hasPrinted(line); })) << server.output();
+    std::this_thread::sleep_for(1500ms);  // until another row does not fit either
+    EXPECT_EQ(server.output().find(line), server.output().rfind(line));
     EXPECT_EQ(std::filesystem::file_size(log), 1024U);
     std::filesystem::remove(log);
 }
@@ -110,6 +113,7 @@ TEST(ServerProgram, LogsARowOfMeasurementsEachSecondThatCanBeDrawn)
     EXPECT_EQ(plot.end(), "status 0") << plot.output();
     EXPECT_GT(std::filesystem::file_size(picture), 10'000U);
     EXPECT_EQ(Process({VANTOR_TOOLS "/plot-log", "/no/such/log"}).end(), "status 1");
+    EXPECT_EQ(Process({VANTOR_TOOLS "/plot-log", log, log}).end(), "status 2");
     std::filesystem::remove(picture);
     std::filesystem::remove(log);
 }

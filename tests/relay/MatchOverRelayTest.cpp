@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
 #include <csignal>
+#include <filesystem>
 
 using namespace std::chrono_literals;
 using support::Picture;
@@ -74,6 +76,22 @@ TEST(MatchOverRelay, StaysConnectedForAMinuteOfLossAndReorderingAndShowsMovingSh
     EXPECT_EQ(player.client.end(), "status 0") << player.client.output();
     relay.process.signal(SIGTERM);
     EXPECT_EQ(relay.process.end(), "status 0");
+}
+
+TEST(RelayProgram, NamesTheRecordingThatDoesNotFitOrHoldsNothingToReplay)
+{
+    const std::string path = testing::TempDir() + "no-recording-" + std::to_string(getpid());
+    const std::pair<std::string, std::string> cases[] = {
+        {"set -o pipefail; (ulimit -f 0; \"$0\" --to 127.0.0.1:1 --record \"$1\") 2>&1 | cat",
+         "cannot record into " + path + ": File too large\n"},
+        {"printf 'VTRELAY\\001' >\"$1\"; exec \"$0\" --replay \"$1\"",
+         path + ": no server welcomes a client here\n"}};
+    for (const auto& [command, message] : cases) {
+        Process relay({"bash", "-c", command, VANTOR_RELAY, path});
+        EXPECT_EQ(relay.end(), "status 1");
+        EXPECT_EQ(relay.output(), "vantor-relay: " + message);
+    }
+    std::filesystem::remove(path);
 }
 
 TEST(MatchOverRelay, AReplayIsAMatchThatEndsWithStatusZero)

@@ -1,6 +1,7 @@
 #include "tests/relay/Ends.h"
 #include "tools/relay/Relay.h"
 
+#include <sys/resource.h>
 #include <unistd.h>
 #include <filesystem>
 #include <map>
@@ -209,6 +210,41 @@ TEST(Relay, StrangersThatFillTheTableOfFlowsGiveWayToAPlayer)
     }));
     const std::string complaint = "ignoring new senders of datagrams: 64 are active";
     EXPECT_EQ(std::count(network.log.begin(), network.log.end(), complaint), 1) << "and says so once";
+}
+
+TEST(Relay, ComplainsOnceOfATroubleThatLasts)
+{
+    LocalNetwork network({10s, {}, 0, 0, 0});
+    DatagramEnd& client = network.addDatagrams();
+    for (std::size_t i = 0; i < Relay::mostLinks + 3; ++i) {
+        network.connect();
+        client.send(std::string(60'000, 'x'), Ends::at(network.relay.port()));
+        network.poll();
+    }
+    for (const char* complaint :
+         {"turning away connections: 64 are open", "datagrams 1: too many are under way, some are lost"}) {
+        EXPECT_TRUE(network.awaitLog(complaint)) << complaint;
+        EXPECT_EQ(std::count(network.log.begin(), network.log.end(), complaint), 1) << complaint;
+    }
+}
+
+TEST(Relay, SaysOnceThatItIsOutOfDescriptorsEachTimeThatItIs)
+{
+    LocalNetwork network;
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    for (const char* number : {"1", "2"}) {
+        network.connect();
+        const int firstFree = dup(0);
+        close(firstFree);
+        const rlimit none{static_cast<rlim_t>(firstFree), limit.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+        network.pass(700ms);  // for some more tries
+        setrlimit(RLIMIT_NOFILE, &limit);
+        EXPECT_TRUE(network.awaitLog("connection "s + number + ": opened"));
+    }
+    const std::string complaint = "cannot take connections: Too many open files";
+    EXPECT_EQ(network.log, (Heard{complaint, "connection 1: opened", complaint, "connection 2: opened"}));
 }
 
 TEST(Relay, HangsUpOnBothSidesAndFallsSilentWhenTheLineIsCut)
