@@ -58,7 +58,7 @@ std::vector<Ship> parade(const GameSession& game)
         Ship ship;
         ship.id = 20 + i;
         ship.blueTeam = i < 4;
-        ship.position = game.inView(3.6F * column - 5.4F, ship.blueTeam ? 1.2F : -1.2F, 15.0F);
+        ship.position = game.inView(5.0F * column - 7.5F, ship.blueTeam ? 1.3F : -1.7F, 18.0F);
         ship.orientation = aboutY(pi / 2.0F * column + 0.1F);
         ships.push_back(ship);
     }
@@ -70,7 +70,7 @@ std::vector<Ship> parade(const GameSession& game)
 // 314 pixels of the mouse are a quarter turn.
 TEST(Pictures, TheSkyHasItsFaceInEachOfSixDirections)
 {
-    constexpr Region middle = {240, 170, 320, 260};
+    constexpr Region middle = {240, 150, 320, 240};  // above the own ship, when the viewer looks back
     const struct
     {
         CommittedPicture picture;
@@ -100,7 +100,7 @@ TEST(Pictures, TheSkyHasItsFaceInEachOfSixDirections)
 
 TEST(Pictures, FightersOfBothTeamsShowTheirFourSides)
 {
-    const CommittedPicture sides = {"fighters", {130, 220, 540, 160}};
+    const CommittedPicture sides = {"fighters", {90, 190, 620, 190}};
     GameSession game;
     game.join(behindTheViewer(Vector3(0, 0, 3000)));
     std::vector<Ship> ships = parade(game);
