@@ -5,6 +5,8 @@
 
 #include <SDL.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <numeric>
 
 namespace frame_probe {
@@ -39,6 +41,10 @@ void runFrame()
     allFrames.push_back({lastMark, {}});
     running = input;
     drawGL();
+    if (running != stepCount) {
+        std::fprintf(stderr, "frame_probe: the step \"%s\" had no end\n", stepNames[running]);
+        std::abort();
+    }
 }
 
 const std::vector<Frame>& frames()

@@ -35,7 +35,7 @@ struct Frame
     Seconds work() const;
 };
 
-/// Runs one drawGL() and notes it.
+/// Runs one drawGL() and notes it; aborts where one of its steps could not be told from the next.
 void runFrame();
 /// All frames so far.
 const std::vector<Frame>& frames();

@@ -1,4 +1,4 @@
-// Loading a model and a texture, against the importer and the decoder with the same OpenGL work.
+// Loading models and textures, against the importer and the decoder with the same OpenGL work.
 #include "engine/ModelLoader.h"
 #include "engine/SurfacePtr.h"
 #include "engine/TextureLoader.h"
@@ -9,10 +9,10 @@
 #include <benchmark/benchmark.h>
 #include <assimp/Importer.hpp>
 
-namespace {
+#include <string>
+#include <utility>
 
-const std::string modelPath = std::string(VANTOR_RESOURCES) + "fighter.obj";
-const std::string texturePath = std::string(VANTOR_RESOURCES) + "texture-white.png";
+namespace {
 
 void emitTriangle(const aiMesh& mesh, const aiFace& face)
 {
@@ -57,9 +57,9 @@ unsigned int upload(const SDL_Surface& surface)
     return texture;
 }
 
-SurfacePtr decode()
+SurfacePtr decode(const std::string& path)
 {
-    return SurfacePtr(IMG_Load(texturePath.c_str()));
+    return SurfacePtr(IMG_Load(path.c_str()));
 }
 
 // load() returns the name of a new list or texture, or 0; drop(name) deletes it.
@@ -86,57 +86,75 @@ void dropTexture(unsigned int texture)
     glDeleteTextures(1, &texture);
 }
 
-unsigned int importAndCompile()
+unsigned int importAndCompile(const std::string& path)
 {
     Assimp::Importer importer;
-    const aiScene* scene = importer.ReadFile(modelPath, modelImportFlags);
+    const aiScene* scene = importer.ReadFile(path, modelImportFlags);
     return scene == nullptr ? 0 : compile(*scene);
 }
 
-unsigned int decodeAndUpload()
+unsigned int decodeAndUpload(const std::string& path)
 {
-    const SurfacePtr surface = decode();
+    const SurfacePtr surface = decode(path);
     return surface ? upload(*surface) : 0;
 }
 
-void modelOurs(benchmark::State& state)
+void modelOurs(benchmark::State& state, const std::string& path)
 {
     measure(
-        state, [] { return loadModelFile(modelPath); }, dropList);
+        state, [&] { return loadModelFile(path); }, dropList);
 }
-void modelImporter(benchmark::State& state)
+void modelLibrary(benchmark::State& state, const std::string& path)
 {
-    measure(state, importAndCompile, dropList);
+    measure(
+        state, [&] { return importAndCompile(path); }, dropList);
 }
-void modelGL(benchmark::State& state)
+void modelGL(benchmark::State& state, const std::string& path)
 {
     Assimp::Importer importer;
-    const aiScene* scene = importer.ReadFile(modelPath, modelImportFlags);
+    const aiScene* scene = importer.ReadFile(path, modelImportFlags);
     measure(
         state, [scene] { return scene == nullptr ? 0 : compile(*scene); }, dropList);
 }
 
-void textureOurs(benchmark::State& state)
+void textureOurs(benchmark::State& state, const std::string& path)
 {
     measure(
-        state, [] { return loadTextureFile(texturePath); }, dropTexture);
+        state, [&] { return loadTextureFile(path); }, dropTexture);
 }
-void textureDecoder(benchmark::State& state)
+void textureLibrary(benchmark::State& state, const std::string& path)
 {
-    measure(state, decodeAndUpload, dropTexture);
+    measure(
+        state, [&] { return decodeAndUpload(path); }, dropTexture);
 }
-void textureGL(benchmark::State& state)
+void textureGL(benchmark::State& state, const std::string& path)
 {
-    const SurfacePtr surface = decode();
+    const SurfacePtr surface = decode(path);
     measure(
         state, [&surface] { return surface ? upload(*surface) : 0; }, dropTexture);
 }
 
-BENCHMARK(modelOurs)->Name("loading/model/ours")->UseRealTime();
-BENCHMARK(modelImporter)->Name("loading/model/importer")->UseRealTime();
-BENCHMARK(modelGL)->Name("loading/model/gl")->UseRealTime();
-BENCHMARK(textureOurs)->Name("loading/texture/ours")->UseRealTime();
-BENCHMARK(textureDecoder)->Name("loading/texture/decoder")->UseRealTime();
-BENCHMARK(textureGL)->Name("loading/texture/gl")->UseRealTime();
+using Loading = void(benchmark::State&, const std::string& path);
+
+void add(const std::string& file, Loading ours, Loading library, Loading gl)
+{
+    const std::pair<const char*, Loading*> ways[] = {{"ours", ours}, {"library", library}, {"gl", gl}};
+    for (const auto& [way, load] : ways) {
+        benchmark::RegisterBenchmark(("loading/" + file + "/" + way).c_str(), [path = VANTOR_RESOURCES + file,
+                                                                               load = load](
+                                                                                  benchmark::State& state) {
+            load(state, path);
+        })->UseRealTime();
+    }
+}
+
+// Of each kind the one that is loaded in every fight, and the one that makes a start long.
+const bool areAdded = [] {
+    add("fighter.obj", modelOurs, modelLibrary, modelGL);
+    add("carrier.obj", modelOurs, modelLibrary, modelGL);
+    add("texture-white.png", textureOurs, textureLibrary, textureGL);
+    add("skybox.png", textureOurs, textureLibrary, textureGL);
+    return true;
+}();
 
 }  // namespace

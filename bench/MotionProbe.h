@@ -10,8 +10,9 @@
 /// happened, and once more with the same states and frames that come exactly every 17 ms.
 ///
 /// A step from one frame to the next is compared with the way that the ship makes in the time between the
-/// frames at its own velocity, the two newest measured ones. What is amiss in even frames as well comes from
-/// the blending rule of scene/NetworkedMotion, not from the frames.
+/// frames at its own velocity: the two newest measured ones at its beginning and the two at its end, of which
+/// the best counts. What is amiss in even frames as well comes from the blending rule of
+/// scene/NetworkedMotion, not from the frames.
 namespace motion_probe {
 
 /// What a drawn step is the first to show, the first of these that applies.
@@ -28,8 +29,8 @@ constexpr const char* causeNames[causeCount] = {"a full state", "a snap", "a new
 /// How steps are compared.
 enum Measure
 {
-    tooLong,  ///< by how much the step is longer than the way at the faster of the two speeds
-    astray,   ///< how far from its end the way at the nearer of the two velocities would have led; sees jumps
+    tooLong,  ///< by how much the step is longer than the way at the fastest of these speeds
+    astray,   ///< how far from its end the way at the nearest of these velocities would have led; sees jumps
               ///< backwards and sideways as well
     measureCount
 };

@@ -184,7 +184,8 @@ void printShares(const std::vector<Frame>& frames)
 
 void printMotion(const motion_probe::Report& report)
 {
-    std::printf("\n%zu flights of others; of their steps: 99 of 100, largest\n", report.flights);
+    std::printf("\n%zu flights of others; of their steps after the warm-up: 99 of 100, largest\n",
+                report.flights);
     for (std::size_t measure = 0; measure < motion_probe::measureCount; ++measure) {
         std::printf(
             "\n| %s, in a step with | steps | for the time shown | for the time moved | in even frames |\n"

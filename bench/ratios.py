@@ -26,10 +26,10 @@ def over(above, below):
     return lambda t: t[above] / t[below]
 
 
-def beyond_gl(kind, reference):
+def beyond_gl(file):
     """The same of loading, after OpenGL's own share has been taken off both."""
-    gl = f"loading/{kind}/gl"
-    return lambda t: (t[f"loading/{kind}/ours"] - t[gl]) / (t[f"loading/{kind}/{reference}"] - t[gl])
+    gl = f"loading/{file}/gl"
+    return lambda t: (t[f"loading/{file}/ours"] - t[gl]) / (t[f"loading/{file}/library"] - t[gl])
 
 
 def milliseconds(name):
@@ -70,8 +70,10 @@ def rows():
             over(f"drawing/{model}_ours", f"drawing/{model}_calls"), None
         yield f"drawing 1,000 ships ({model}), share of the cache look-ups", \
             over("drawing/lookups", f"drawing/{model}_ours"), None
-    yield "loading a model, beyond OpenGL / importer", beyond_gl("model", "importer"), 1.05
-    yield "loading a texture, beyond OpenGL / decoder", beyond_gl("texture", "decoder"), 1.02
+    for model in "fighter.obj", "carrier.obj":
+        yield f"loading {model}, beyond OpenGL / importer", beyond_gl(model), 1.05
+    for texture in "texture-white.png", "skybox.png":
+        yield f"loading {texture}, beyond OpenGL / decoder", beyond_gl(texture), 1.02
 
 
 def main(paths):
