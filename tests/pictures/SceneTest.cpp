@@ -123,6 +123,7 @@ TEST(Pictures, FightersOfBothTeamsShowTheirFourSides)
     expectFault("one ship is a unit farther", farther);
     expectFault("one ship has the other team's colour", recoloured);
     expectFault("one ship flies the other way", turned);
+    expectPicture(game, sides);  // so each fault was the only one
 }
 
 TEST(Pictures, TheCarriersStandWhereTheTeamsStart)
@@ -132,8 +133,8 @@ TEST(Pictures, TheCarriersStandWhereTheTeamsStart)
         CommittedPicture picture;
         Vector3 viewer;
     } views[] = {{{"carriers-both", {40, 290, 720, 110}}, Vector3(0, 60, -1000)},
-                 {{"carrier-blue", {200, 180, 400, 320}}, Vector3(-460, 40, -420)},
-                 {{"carrier-red", {200, 180, 400, 320}}, Vector3(540, 40, -420)}};
+                 {{"carrier-blue", {200, 180, 440, 320}}, Vector3(-460, 40, -420)},
+                 {{"carrier-red", {200, 180, 440, 320}}, Vector3(540, 40, -420)}};
     GameSession game;
     expectPicture(game, {"carrier-before-the-welcome", {150, 250, 500, 300}});
     for (const auto& view : views) {
@@ -144,6 +145,20 @@ TEST(Pictures, TheCarriersStandWhereTheTeamsStart)
     }
 }
 
+TEST(Pictures, ThePlayerStartsBehindTheOwnShipOnTheOwnDeck)
+{
+    const CommittedPicture start = {"start-red", {80, 300, 640, 300}};
+    GameSession game;
+    support::Ship own;
+    own.id = GameSession::ownId;
+    own.position = Vector3(500, 0, 0);
+    game.join(own);
+    expectPicture(game, start);
+    own.blueTeam = true;
+    game.join(own);
+    expectAnotherPicture(game, start, "the own ship is blue");
+}
+
 TEST(Pictures, ShotsOfBothTeams)
 {
     const CommittedPicture shots = {"shots", {270, 210, 260, 180}};
@@ -152,7 +167,10 @@ TEST(Pictures, ShotsOfBothTeams)
     game.server.sendTcp(support::shotInfo(30, true, game.inView(-1, 0.5F, 8)) +
                         support::shotInfo(31, false, game.inView(1, -0.5F, 8)));
     expectPicture(game, shots);
-    game.server.sendTcp(support::destroy(30) + support::shotInfo(32, false, game.inView(-1, 0.5F, 8)));
+    game.server.sendTcp(support::shotInfo(31, false, game.inView(1, 0.5F, 8)));
+    expectAnotherPicture(game, shots, "one is a unit higher");
+    game.server.sendTcp(support::destroy(30) + support::shotInfo(31, false, game.inView(1, -0.5F, 8)) +
+                        support::shotInfo(32, false, game.inView(-1, 0.5F, 8)));
     expectAnotherPicture(game, shots, "both are red");
 }
 
