@@ -104,11 +104,18 @@ def deck(shape):
         half.face([(w0, y0, z0), (DECK_SIDE, DECK, z0), (DECK_SIDE, DECK, z1), (w1, y1, z1)],
                   hull_map(0.62, 0.4))
     rails(half)
+    dull(half)
     prong(half)
     shape.add_both_sides(half)
     bow = HULL[-1][0]
     shape.face([(DECK_SIDE, DECK, DECK_END), (-DECK_SIDE, DECK, DECK_END),
                 (-DECK_SIDE, DECK, bow), (DECK_SIDE, DECK, bow)], mesh.constant(*CARRIER_BRIGHT))
+
+
+def dull(shape):
+    """Takes all light but the ambient one, so that ships stand out before hull plates as before the runway."""
+    for face in shape.faces:
+        face.normal = np.zeros_like(face.points)
 
 
 def rails(half):

@@ -156,7 +156,8 @@ def pod(half):
         return mesh.ring_points(6, radius, z, POD_CENTRE)
     body = [ring(-25.0, 2.3), ring(-19.0, 3.0), ring(-8.0, 2.7), ring(-2.0, 1.0)]
     half.loft(body, mesh.arc_coords(body, FIGHTER_UNITS, 0.45, 0.2))
-    half.face(body[0][::-1], mesh.constant(*FIGHTER_BRIGHT), normal=mesh.GLOWING)
+    spot, size = FIGHTER_GLOW
+    half.face(body[0][::-1], mesh.disc_coords(6, spot, size)[::-1], normal=mesh.GLOWING)
     half.face(body[-1], mesh.constant(*FIGHTER_DARK))
     barrel = [ring(z, r)[::2] for z, r in ((-2.0, 0.7), (13.0, 0.55))]
     half.loft(barrel, lambda i, j: FIGHTER_VENT[:2])

@@ -149,15 +149,17 @@ def machinery(rng, canvas):
         canvas[y, :] = tone * 1.25
 
 
-def glow(size, hot):
-    """A round engine mouth: white heart, ring of plates, dark rim."""
+def glow(size):
+    """A round engine mouth: white heart, ring of vanes, dark gaps, bright lip."""
     y, x = np.mgrid[0:size, 0:size]
     centre = (size - 1) / 2
     r = np.hypot(x - centre, y - centre) / (size / 2)
     angle = np.arctan2(y - centre, x - centre)
-    spokes = 0.5 + 0.5 * np.cos(angle * 12)
-    body = np.clip(1.18 - r ** 2 * (0.55 + 0.18 * spokes), 0.0, 1.0)
-    return np.where(r < hot, body, np.clip(body - (r - hot) * 1.2, 0.1, 1.0))
+    heart = 0.28 + np.exp(-(r / 0.36) ** 2)
+    slots = np.abs(np.sin(angle * 8)) < 0.22
+    vanes = np.where((r > 0.46) & (r < 0.80), np.where(slots, 0.25, 0.75), 0.0)
+    lip = np.where(r >= 0.86, 0.90, 0.0)
+    return np.clip(np.maximum.reduce([heart, vanes, lip]), 0.0, 1.0)
 
 
 def glass(rng, height, width):

@@ -10,8 +10,8 @@ def start(team_start, blue, look):
 
 
 def sky(look):
-    """The sky alone, from far outside."""
-    return lambda studio: studio.look_from((0, 3000, 0), look)
+    """The sky alone, from so far outside that the carriers are beyond what the client draws."""
+    return lambda studio: studio.look_from((0, 30000, 0), look)
 
 
 def carrier(offset, blue=True):
@@ -48,12 +48,17 @@ def close_up(blue):
     return set_up
 
 
-def shots(studio):
-    eye = np.array([0.0, 3000, 0])
-    studio.look_from(eye, (0, 0, 1))
-    for i, distance in enumerate((5, 30, 100, 300)):
-        for row, blue in enumerate((False, True)):
-            studio.shot(eye + distance * np.array([(1.5 - i) * 0.3, (0.5 - row) * 0.5, 1.0]), blue)
+def shots(look):
+    def set_up(studio):
+        eye, ahead = np.array([0.0, 3000, 0]), np.asarray(look, float) / np.linalg.norm(look)
+        right = np.cross(ahead, (0, 1, 0))
+        right /= np.linalg.norm(right)
+        studio.look_from(eye, ahead)
+        for i, distance in enumerate((5, 12, 30, 100)):
+            for row, blue in enumerate((False, True)):
+                place = ahead + right * (i - 1.5) * 0.3 + np.cross(right, ahead) * (0.25 - row * 0.5)
+                studio.shot(eye + distance * place, blue)
+    return set_up
 
 
 def explosions(studio):
@@ -104,7 +109,9 @@ ALL = {
     "fighters-300-nx": fighters(300, 270.0),
     "close-red": close_up(False),
     "close-blue": close_up(True),
-    "shots": shots,
+    "shots": shots((0, 0, 1)),
+    "shots-corner": shots((1, 0.5, 1)),
+    "shots-below": shots((0, -1, 0.1)),
     "explosions": explosions,
     "carrier-front": carrier((150, 75, 290)),
     "carrier-stern": carrier((-150, 70, -230)),

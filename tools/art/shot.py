@@ -1,7 +1,10 @@
-"""shot.obj: a ball of plasma with a glint, alike from every side, for shots are never turned.
+"""shot.obj: a burst of plasma, alike from every side, for shots are never turned.
 
-The ball is lit nearly to the full, a little less towards its foot, which makes it round. A
-spike on each axis flows out of the ball and fades to its tip, like a glint.
+A small ball in full team colour throws needles in the directions in which an icosahedron has
+corners, faces and edges: long, middling and short ones, as the glare of a light too bright for
+the eye. The longer ones darken towards their tips, to half the colour from wherever one looks;
+the short ones stay bright, so that the middle does. Nothing else can fade, for the client draws
+shots without texture and without transparency.
 """
 
 import itertools
@@ -11,61 +14,62 @@ import numpy as np
 import mesh
 
 SCALE = 0.01
-CORE = 28.0  # model units
-CUTS = 2     # of each edge of the icosahedron
-SPIKE = [(0.9 * CORE, 8.0), (1.2 * CORE, 3.2)]  # how far from the middle, half its width there
-REACH = 59.0
-SIDES = 4
+CORE = 24.0        # model units; the dot that is left of it 100 world units away
+FOOT = 0.8 * CORE  # of the needles: within the ball, so that no gap shows
+SIDES = 3
 COORDS = [(0, 0), (1, 0), (0.5, 1)]
-DIM = mesh.GLOWING / 10  # takes four fifths of the light from above
+BRIGHT = 6 * mesh.GLOWING  # full light also for who looks down on it, but for two degrees
+DIM = np.zeros(3)
 
-
-def spike(shape, direction):
-    """A glint from within the core outwards, wide at its foot so that it flows out of the ball."""
-    right = np.roll(direction, 1)
-    up = np.cross(direction, right)
-    angles = [2 * np.pi * i / SIDES for i in range(SIDES)]
-    foot, neck = ([direction * way + width * (right * np.cos(a) + up * np.sin(a)) for a in angles]
-                  for way, width in SPIKE)
-    for i in range(SIDES):
-        k = (i + 1) % SIDES
-        shape.face([foot[i], foot[k], neck[k], neck[i]], [*COORDS, (0, 1)], normal=mesh.GLOWING)
-        shape.face([neck[i], neck[k], direction * REACH], COORDS,
-                   normal=[mesh.GLOWING, mesh.GLOWING, DIM])
+# half the width at the foot, reach, normal at the tip
+GLARE = (3.6, 59.0, DIM)
+RAY = (3.6, 47.0, DIM)
+SPARK = (4.0, 35.0, BRIGHT)
 
 
 def icosahedron():
-    """Its twenty faces as outward triangles on the unit sphere."""
+    """Its twelve corners on the unit sphere, and its faces as outward triangles."""
     g = (1 + 5 ** 0.5) / 2
     corners = [np.roll(np.array([0.0, a, b * g]), k)
                for k in range(3) for a in (-1, 1) for b in (-1, 1)]
     corners = [c / np.linalg.norm(c) for c in corners]
     edge = min(np.linalg.norm(corners[0] - c) for c in corners[1:])
+    faces = []
     for a, b, c in itertools.combinations(corners, 3):
         if max(np.linalg.norm(p - q) for p, q in ((a, b), (b, c), (c, a))) < edge * 1.01:
-            yield [a, b, c] if np.dot(np.cross(b - a, c - a), a) > 0 else [a, c, b]
+            faces.append([a, b, c] if np.dot(np.cross(b - a, c - a), a) > 0 else [a, c, b])
+    return corners, faces
 
 
-def core(shape):
-    """A ball: each face of the icosahedron cut in CUTS x CUTS."""
-    ball = shape.new_group()
-    for a, b, c in icosahedron():
-        def at(i, j):
-            point = a + (b - a) * i / CUTS + (c - a) * j / CUTS
-            return point / np.linalg.norm(point) * CORE
-        for i, j in ((i, j) for i in range(CUTS) for j in range(CUTS - i)):
-            shape.face([at(i, j), at(i + 1, j), at(i, j + 1)], COORDS, ball)
-            if i + j < CUTS - 1:
-                shape.face([at(i + 1, j), at(i + 1, j + 1), at(i, j + 1)], COORDS, ball)
+def unit(vector):
+    return vector / np.linalg.norm(vector)
+
+
+def needle(shape, direction, width, reach, tip):
+    right = unit(np.cross(direction, (0.3, 0.5, 0.8)))
+    up = np.cross(direction, right)
+    angles = np.arange(SIDES) * 2 * np.pi / SIDES
+    foot = [direction * FOOT + width * (right * np.cos(a) + up * np.sin(a)) for a in angles]
+    for i in range(SIDES):
+        shape.face([foot[i], foot[(i + 1) % SIDES], direction * reach], COORDS,
+                   normal=[BRIGHT, BRIGHT, tip])
 
 
 def build():
     shape = mesh.Mesh()
-    core(shape)
-    for axis in np.vstack([np.eye(3), -np.eye(3)]):
-        spike(shape, axis)
+    corners, faces = icosahedron()
+    for face in faces:
+        shape.face([p * CORE for p in face], COORDS, normal=BRIGHT)
+    for corner in corners:
+        needle(shape, corner, *GLARE)
+    for face in faces:
+        needle(shape, unit(sum(face)), *RAY)
+    edges = {tuple(np.round(unit(p + q), 9) + 0.0) for f in faces for p, q in itertools.combinations(f, 2)}
+    for edge in sorted(edges):
+        if max(np.abs(edge)) < 0.99:  # six of the thirty lie on the axes: left out to save triangles
+            needle(shape, np.array(edge), *SPARK)
     return shape
 
 
 def make(path):
-    return mesh.write_obj(path, "shot", build(), (0, 0, 0), mesh.Shading(SCALE, relief=0.25, lift=0.9))
+    return mesh.write_obj(path, "shot", build(), (0, 0, 0), mesh.Shading(SCALE))

@@ -66,7 +66,7 @@ def fighter_texture(path):
     wing_band(hull)
 
     canvas[384:, :128] = panels.glass(rng, 128, 128)
-    canvas[384:, 128:256] = panels.glow(128, hot=0.80)
+    canvas[384:, 128:256] = panels.glow(128)
     vent = canvas[384:, 256:384]
     vent[:] = 0.48
     vent[:, ::8] = 0.20
@@ -123,7 +123,7 @@ def carrier_texture(path):
     panels.machinery(rng, canvas[640:768])
 
     deck_cell(rng, canvas[768:, :512])
-    canvas[768:, 512:768] = panels.glow(256, hot=0.84)
+    canvas[768:, 512:768] = panels.glow(256)
     bay_cell(rng, canvas[768:896, 768:])
     canvas[896:960, 768:] = 1.0
     canvas[960:, 768:] = 0.20
