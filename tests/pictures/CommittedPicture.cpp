@@ -74,12 +74,18 @@ Picture expectPicture(const GameSession& game, const CommittedPicture& wanted)
         std::this_thread::sleep_for(wanted.settling);
         save(game.display.screenshot().crop(wanted.region), fileOf(wanted));
     }
-    Picture screen = game.display.screenshot();
-    const auto isThere = [&] { return wanted.isLike(screen = game.display.screenshot()); };
+    Picture closest = game.display.screenshot();  // what passes is gone when patience ends
+    const auto isThere = [&] {
+        const Picture screen = game.display.screenshot();
+        if (countDifferent(screen, wanted) < countDifferent(closest, wanted)) {
+            closest = screen;
+        }
+        return wanted.isLike(closest);
+    };
     if (!support::eventually(isThere, patience * wanted.settling)) {
-        reportFailure(screen, wanted);
+        reportFailure(closest, wanted);
     }
-    return screen;
+    return closest;
 }
 
 void expectAnotherPicture(const GameSession& game, const CommittedPicture& wanted, const std::string& fault)

@@ -19,7 +19,7 @@ struct CommittedPicture
 };
 
 /// Waits until the screen is like the picture, and fails where it does not become so: then it leaves the
-/// actual, the expected and the difference picture in the build folder. Returns the last screenshot.
+/// closest, the expected and the difference picture in the build folder. Returns the closest screenshot.
 ///
 /// With VANTOR_REMAKE_PICTURES in the environment it makes the committed picture anew instead.
 support::Picture expectPicture(const GameSession& game, const CommittedPicture& wanted);

@@ -19,6 +19,8 @@ const struct
              {"score", {200, 0, 50, 25}},        {"red-score", {200, 25, 150, 25}},
              {"blue-score", {200, 50, 150, 25}}, {"position", {250, 0, 510, 25}}};
 
+const Vector3 longPosition = {-1234567.0F, 345678.875F, -7654321.0F};
+
 struct Case
 {
     const char* name;
@@ -45,6 +47,7 @@ Case healthy()
     ship.score = 123;
     ship.redScore = 42;
     ship.blueScore = 7;
+    ship.position = longPosition;
     return {"healthy", ship};
 }
 
@@ -55,7 +58,7 @@ Case extreme()
     ship.score = std::numeric_limits<std::int32_t>::min();
     ship.redScore = -987654;
     ship.blueScore = std::numeric_limits<std::int32_t>::max();
-    ship.position = Vector3(-1234567.0F, 345678.875F, -7654321.0F);
+    ship.position = longPosition;  // the score overdraws its beginning
     return {"extreme", ship};
 }
 

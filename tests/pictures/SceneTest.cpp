@@ -157,6 +157,13 @@ TEST(Pictures, ThePlayerStartsBehindTheOwnShipOnTheOwnDeck)
     own.blueTeam = true;
     game.join(own);
     expectAnotherPicture(game, start, "the own ship is blue");
+    own.blueTeam = false;
+    own.position.y += 1.0F;
+    game.join(own);
+    expectAnotherPicture(game, start, "it is a unit higher above the deck");
+    own.position.y -= 1.0F;
+    game.join(own);
+    expectPicture(game, start);
 }
 
 TEST(Pictures, ShotsOfBothTeams)
@@ -169,9 +176,10 @@ TEST(Pictures, ShotsOfBothTeams)
     expectPicture(game, shots);
     game.server.sendTcp(support::shotInfo(31, false, game.inView(1, 0.5F, 8)));
     expectAnotherPicture(game, shots, "one is a unit higher");
-    game.server.sendTcp(support::destroy(30) + support::shotInfo(31, false, game.inView(1, -0.5F, 8)) +
-                        support::shotInfo(32, false, game.inView(-1, 0.5F, 8)));
-    expectAnotherPicture(game, shots, "both are red");
+    game.server.sendTcp(support::shotInfo(31, false, game.inView(1, -0.5F, 8)));
+    expectPicture(game, shots);
+    game.server.sendTcp(support::destroy(30) + support::shotInfo(32, false, game.inView(-1, 0.5F, 8)));
+    expectAnotherPicture(game, shots, "both are red");  // the explosion of the blue one is over by then
 }
 
 TEST(Pictures, AnExplosionWhereAShotWasDestroyed)
@@ -190,4 +198,5 @@ TEST(Pictures, AnExplosionWhereAShotWasDestroyed)
     expectPicture(game, gone);
     explode(41);
     expectAnotherPicture(game, explosion, "it is a unit farther");
+    EXPECT_FALSE(gone.isLike(game.display.screenshot())) << "but it is there";
 }
