@@ -1,4 +1,4 @@
-"""fighter.obj: nose along +z, up +y, drawn at 0.05; 77 model units long, 88 wide.
+"""fighter.obj: nose along +z, up +y, drawn at 0.05; 78 model units long, 88 wide.
 
 The chase camera sits 100 model units behind and 40 above, so the stern, the upper
 wings and the fins carry the look; the stern stays short to keep it in the picture.

@@ -246,7 +246,7 @@ def write_obj(path, name, mesh, anchor, shading):
 
     The client scales models with glScalef and never asks OpenGL to normalise, so a
     model drawn at scale s is lit as if its normals were 1/s times as long: its file
-    holds normals of about length s.
+    holds normals of about length s, but for what should shine: those are many times longer.
 
     Explosion quads set no normal of their own, they inherit the last one drawn. The
     last triangle of every file, hidden at `anchor`, leaves one that lights them fully.

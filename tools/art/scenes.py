@@ -29,10 +29,10 @@ def fighters(distance, side=0.0):
         ahead = np.array([np.sin(angle), 0, np.cos(angle)])
         left, up = np.array([ahead[2], 0, -ahead[0]]), np.array([0, 1, 0])
         studio.look_from(eye, ahead)
-        poses = [(180, 0, 0), (0, 0, 0), (90, 0, 0), (0, -90, 0), (0, 90, 0), (215, -20, 20), (40, 15, 170)]
+        poses = [(180, 0, 0), (90, 0, 0), (0, -90, 0), (0, 90, 0), (215, -20, 20)]
         for i, (heading, climb, bank) in enumerate(poses):
             for row, blue in enumerate((False, True)):
-                place = ahead + left * (3 - i) * 0.22 + up * (0.5 - row) * 0.55
+                place = ahead + left * (2 - i) * 0.27 + up * (0.5 - row) * 0.55
                 studio.ship(eye + distance * place, blue, heading + side, climb, bank)
     return set_up
 
@@ -80,14 +80,14 @@ def fight(studio):
     studio.fly(eye, True, look)
     for place, blue, pose in [((5.5, 4.6, 11), False, (70, 10, -50)), ((9.5, 7.5, 24), False, (100, 20, -35)),
                               ((-5.5, 6.8, 15), True, (128, -8, 35)), ((-2, 6.5, 30), False, (150, -5, 30)),
-                              ((22, 15, 48), True, (110, 10, -20)), ((-12, 19, 46), False, (60, 5, 40)),
+                              ((22, 15, 48), True, (110, 10, -20)), ((-19, 12, 27), False, (13, -9, 40)),
                               ((33, 9, 70), False, (90, 0, -60)), ((2, 22, 75), True, (170, 15, 20))]:
         studio.ship(at(*place), blue, *pose)
-    for step in range(4):
-        studio.shot(at(2.0 + 1.6 * step, 2.4 + 1.0 * step, 7 + 5 * step), True)
-        studio.shot(at(-4.0 + 0.8 * step, 6.6, 19 + 3.2 * step), True)
-        studio.shot(at(20 - 2.5 * step, 13 - 1.5 * step, 44 - 4 * step), False)
-    studio.explosions([at(-19, 9, 62), at(6.5, 2.0, 48)])
+    for step in range(3):
+        studio.shot(at(1.5 + 1.2 * step, 0.9 + 1.25 * step, 4.5 + 2.25 * step), True)
+        studio.shot(at(-4.6 + 0.9 * step, 6.7, 18.8 + 3.7 * step), True)
+        studio.shot(at(-15.4 + 3.0 * step, 10.6 - 1.1 * step, 23.8 - 2.9 * step), False)
+    studio.explosions([at(-19, 9, 62), at(24, 0, 50)])
 
 
 CARRIER_MIDDLE = -40.0  # z of its middle, seen from its team's start point
@@ -116,8 +116,8 @@ ALL = {
     "carrier-front": carrier((150, 75, 290)),
     "carrier-stern": carrier((-150, 70, -230)),
     "carrier-side": carrier((300, 10, 0), False),
-    "carrier-top": carrier((0, 320, 10)),
-    "carrier-below": carrier((120, -180, 160), False),
+    "carrier-top": carrier((0, 480, 10)),
+    "carrier-below": carrier((180, -270, 240), False),
     "carrier-far": carrier((-600, 0, -60), False),
     **{"sky-" + name: sky(look) for name, look in LEVEL_LOOKS.items()},
     "sky-py": sky((0, 1, 0.02)),

@@ -2,9 +2,9 @@
 
 A small ball in full team colour throws needles in the directions in which an icosahedron has
 corners, faces and edges: long, middling and short ones, as the glare of a light too bright for
-the eye. The longer ones darken towards their tips, to half the colour from wherever one looks;
-the short ones stay bright, so that the middle does. Nothing else can fade, for the client draws
-shots without texture and without transparency.
+the eye. The longer ones darken a little towards their tips, not so much that one which points
+at the viewer makes a blot; the short ones stay bright, so that the middle does. Nothing else
+can fade, for the client draws shots without texture and without transparency.
 """
 
 import itertools
@@ -19,12 +19,12 @@ FOOT = 0.8 * CORE  # of the needles: within the ball, so that no gap shows
 SIDES = 3
 COORDS = [(0, 0), (1, 0), (0.5, 1)]
 BRIGHT = 6 * mesh.GLOWING  # full light also for who looks down on it, but for two degrees
-DIM = np.zeros(3)
+FADED = np.array([0.0, 0.5, 0.0])  # short enough that the lights no longer saturate
 
 # half the width at the foot, reach, normal at the tip
-GLARE = (3.6, 59.0, DIM)
-RAY = (3.6, 47.0, DIM)
-SPARK = (4.0, 35.0, BRIGHT)
+GLARE = (5.0, 54.0, FADED)
+RAY = (5.0, 42.0, FADED)
+SPARK = (5.0, 32.0, BRIGHT)
 
 
 def icosahedron():
