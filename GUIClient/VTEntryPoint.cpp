@@ -3,6 +3,7 @@
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "GUIClient/Helpers.h"
 #include "engine/Engine.h"
+#include "network/Messages.h"
 #include "network/PacketSender.h"
 #include "scene/General.h"
 #include "scene/SceneGraph.h"
@@ -109,12 +110,7 @@ void VTEntryPoint::sendInput()
 {
     Vantor::ClientUpdate update;
     update.set_boosterson(sampleControls(VT.inputHandler));
-    const Quaternion view = camera.getOrientation();
-    Vantor::Orientation* orientation = update.mutable_orientation();
-    orientation->set_w(view.w);
-    orientation->set_x(view.x);
-    orientation->set_y(view.y);
-    orientation->set_z(view.z);
+    messages::set(*update.mutable_orientation(), camera.getOrientation());
     PacketSender::getInstance()->send(update);
 }
 

@@ -27,3 +27,31 @@ function(vantor_flags target)
     target_link_options(${target} PUBLIC -fsanitize=${VANTOR_SANITIZERS})
   endif()
 endfunction()
+
+# vantor_sources(<target> <files...>): its sources and its headers, which are included from the root.
+function(vantor_sources target)
+  set(headers ${ARGN})
+  list(FILTER headers INCLUDE REGEX "\\.h$")
+  set(sources ${ARGN})
+  list(FILTER sources EXCLUDE REGEX "\\.h$")
+  target_sources(${target} PRIVATE ${sources}
+    PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
+endfunction()
+
+# vantor_library(<target> FILES <files...> LIBRARIES <targets...>): a static library of one folder.
+function(vantor_library target)
+  cmake_parse_arguments(ARG "" "" "FILES;LIBRARIES" ${ARGN})
+  add_library(${target} STATIC)
+  vantor_sources(${target} ${ARG_FILES})
+  vantor_flags(${target})
+  target_link_libraries(${target} PUBLIC ${ARG_LIBRARIES})
+endfunction()
+
+# vantor_program(<target> FILES <files...> LIBRARIES <targets...>): a program beside the client.
+function(vantor_program target)
+  cmake_parse_arguments(ARG "" "" "FILES;LIBRARIES" ${ARGN})
+  add_executable(${target} ${ARG_FILES})
+  vantor_flags(${target})
+  target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES})
+  set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+endfunction()

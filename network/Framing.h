@@ -3,35 +3,77 @@
 #include "network/MessageTypes.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace google::protobuf {
 class Message;
 }
 
-/// The layout of a frame, little-endian:
+/// The layout of frames, little-endian. From the server:
 ///
 ///     offset  size
 ///     0       2     L, the number of bytes that follow: 1 + the body's size
 ///     2       1     type byte, a MessageTypes::MessageType
 ///     3       L-1   body, a serialised message
 ///
-/// The server sends frames like this; a client puts its two-byte qport in front of each.
+/// From a client the same behind its qport, the two-byte tag that the server's Welcome gave it:
+///
+///     offset  size
+///     0       2     qport
+///     2       2     L
+///     4       1     type byte
+///     5       L-1   body
+///
+/// Stateless; any thread. No function reads beyond the size it is given.
 namespace framing {
 
-constexpr std::size_t lengthSize = 2;  ///< bytes of the length field
+constexpr std::size_t qportSize = 2;
+constexpr std::size_t lengthSize = 2;
 
-/// Appends the low byte, then the high byte.
-void appendUint16(std::string& out, unsigned short value);
+/// The number in the two bytes at `data`, and the bytes of a number.
+std::uint16_t uint16At(const char* data);
+void appendUint16(std::string& out, std::uint16_t value);
 
-/// Appends the frame of `message`. A body of 65,535 bytes or more gets a truncated length: ours have a few
-/// dozen.
+/// Appends a server's frame. A body of 65,535 bytes or more gets a truncated length: ours have a few dozen.
 void appendFrame(std::string& out, MessageTypes::MessageType type, const google::protobuf::Message& message);
+/// The same of a body that is serialised already, or is no message at all.
+void appendFrame(std::string& out, std::uint8_t type, const std::string& body);
+/// Appends a client's frame.
+void appendClientFrame(std::string& out, std::uint16_t qport, MessageTypes::MessageType type,
+                       const google::protobuf::Message& message);
 
-/// L of the frame that `data`, of at least lengthSize bytes, starts with.
-unsigned short frameLength(const char* data);
+/// L where `data` starts with a whole frame of a server, else 0. A frame of length 0 thus never counts as
+/// whole.
+std::uint16_t wholeFrameLength(const char* data, std::size_t size);
 
-/// L where `data` starts with a whole frame, else 0. A frame of length 0 thus never counts as whole.
-unsigned short wholeFrameLength(const char* data, std::size_t size);
+/// A frame of a client; a view into the bytes it was cut from.
+struct ClientFrame
+{
+    std::uint16_t qport = 0;
+    std::uint8_t type = 0;
+    const char* body = nullptr;
+    std::size_t bodySize = 0;
+
+    std::size_t size() const { return headerSize + bodySize; }
+
+    static constexpr std::size_t headerSize = 5;
+    static constexpr std::size_t largest =
+        256;  ///< bytes; a ClientUpdate takes 34, nothing longer makes sense
+};
+
+enum class Cut : std::uint8_t
+{
+    frame,
+    incomplete,
+    broken  ///< a length of 0, or above ClientFrame::largest: nothing behind it can be found either
+};
+
+/// Cuts the frame of a client that `data` starts with. `frame` changes only where the result is Cut::frame.
+Cut cutClientFrame(const char* data, std::size_t size, ClientFrame& frame);
+
+/// Parses a body. False where it is malformed or lacks a required field; prints nothing, while ParseFromArray
+/// would write a line to standard error for each of a hostile peer's frames.
+bool parseBody(google::protobuf::Message& message, const char* body, std::size_t size);
 
 }  // namespace framing

@@ -8,7 +8,6 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
-#include <limits>
 #include <memory>
 #include <utility>
 
@@ -34,14 +33,6 @@ std::unique_ptr<google::protobuf::Message> makeMessage(unsigned char type)
     }
 }
 
-// Partial parsing and an explicit look for missing fields amount to ParseFromArray, without the line that
-// protobuf itself would write to standard error for each of a hostile server's frames.
-bool parseBody(google::protobuf::Message& message, const char* body, std::size_t size)
-{
-    return size <= static_cast<std::size_t>(std::numeric_limits<int>::max()) &&
-           message.ParsePartialFromArray(body, static_cast<int>(size)) && message.IsInitialized();
-}
-
 bool parseFrame(const char* data, std::size_t size, NetworkEvent& event, const char* info)
 {
     const unsigned char type =
@@ -54,7 +45,7 @@ bool parseFrame(const char* data, std::size_t size, NetworkEvent& event, const c
     }
     event.kind = NetworkEvent::MESSAGE;
     event.messageType = type;
-    if (!parseBody(*message, data + 1, size - 1)) {
+    if (!framing::parseBody(*message, data + 1, size - 1)) {
         DebugPrint("Error in parseing message %s\n", info);
         return false;
     }
@@ -92,7 +83,7 @@ std::size_t completeFrame(std::string& tail, const char* data, std::size_t size)
     };
     fillTo(framing::lengthSize);
     if (tail.size() >= framing::lengthSize) {
-        fillTo(framing::lengthSize + framing::frameLength(tail.data()));
+        fillTo(framing::lengthSize + framing::uint16At(tail.data()));
     }
     return used;
 }

@@ -5,6 +5,7 @@
 #include "math/Quaternion.h"
 #include "math/SaturatingTruncation.h"
 #include "math/Vector3.h"
+#include "network/Messages.h"
 #include "network/PacketSender.h"
 #include "network/ProtobufConversion.h"
 #include "network/Timer.h"
@@ -25,16 +26,6 @@
 
 namespace {
 
-Vector3 toVector3(const Vantor::Position& p)
-{
-    return {p.x(), p.y(), p.z()};
-}
-
-Quaternion toQuaternion(const Vantor::Orientation& o)
-{
-    return {o.w(), o.x(), o.y(), o.z()};
-}
-
 // The scene files its objects under signed keys; ids above 2^63 wrap, one to one.
 Transform* find(SceneGraph& graph, std::uint64_t id)
 {
@@ -45,7 +36,7 @@ Transform* makeProjectile(const Vantor::ObjectInfo& msg)
 {
     auto* projectile = new Projectile(msg.id());
     if (msg.has_projectiledata()) {
-        projectile->velocity[0] = toVector3(msg.projectiledata().velocity());
+        projectile->velocity[0] = messages::toVector3(msg.projectiledata().velocity());
         projectile->blueTeam = msg.projectiledata().blueteam();
     }
     return projectile;
@@ -193,8 +184,8 @@ bool PacketReceiver::dispatchObjectInfo(Vantor::ObjectInfo* msg)
     }
     synchroniseClockOnce(msg->timestamp());
 
-    Vector3 position = toVector3(msg->position());
-    Quaternion orientation = toQuaternion(msg->orientation());
+    Vector3 position = messages::toVector3(msg->position());
+    Quaternion orientation = messages::toQuaternion(msg->orientation());
     object->updateInfo(msg->timestamp(), position, orientation, true);
     if (msg->objecttype() != SGT_PLAYER) {
         return true;
@@ -215,8 +206,8 @@ bool PacketReceiver::dispatchObjectUpdate(Vantor::ObjectUpdate* msg)
         return true;
     }
     // An absent position or orientation reads as all zeros; servers send both.
-    Vector3 position = toVector3(msg->position());
-    Quaternion orientation = toQuaternion(msg->orientation());
+    Vector3 position = messages::toVector3(msg->position());
+    Quaternion orientation = messages::toQuaternion(msg->orientation());
     object->updateInfo(msg->timestamp(), position, orientation, false);
     return true;
 }

@@ -52,8 +52,7 @@ void PacketSender::sendMessageTcp(MessageTypes::MessageType type, google::protob
 std::string* PacketSender::getMessageCopy(MessageTypes::MessageType type, google::protobuf::Message& msg)
 {
     auto copy = std::make_unique<std::string>();
-    framing::appendUint16(*copy, qport);
-    framing::appendFrame(*copy, type, msg);
+    framing::appendClientFrame(*copy, qport, type, msg);
     return copy.release();
 }
 

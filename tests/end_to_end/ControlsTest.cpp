@@ -23,7 +23,7 @@ TEST(Controls, EachKeyAndTheButtonIsItsBitWhileItIsHeldAndAllAddUp)
     for (const auto& [press, bits] : cases) {
         SCOPED_TRACE(press);
         const auto awaitBits = [&](std::uint32_t wanted) {
-            return game.awaitUpdate([=](const auto& update) { return update.boosters == wanted; });
+            return game.awaitUpdate([=](const auto& update) { return update.controls == wanted; });
         };
         game.display.xdotool(press);
         std::this_thread::sleep_for(100ms);

@@ -7,9 +7,9 @@
 #include <regex>
 
 using namespace std::chrono_literals;
-using support::Clock;
+using peer::Clock;
+using peer::ScriptedServer;
 using support::Process;
-using support::ScriptedServer;
 
 namespace {
 
@@ -18,7 +18,7 @@ void closeWindow(GameSession& game)
 {
     const std::string display = "DISPLAY=" + game.display.name();
     const Process windowManager({"env", display, "openbox"});
-    support::eventually([&] {
+    peer::eventually([&] {
         Process({"env", display, "wmctrl", "-x", "-c", "vantor"}).end();
         return game.client->end(500ms) != "still running";
     });

@@ -166,13 +166,13 @@ void expectCalls(const Calls& calls, const std::string& script)
 // shot.
 void playTheScene(GameSession& game)
 {
-    support::Ship own = lonelyShip();
+    messages::ShipState own = lonelyShip();
     own.blueTeam = true;
     own.health = 5.0F;
     own.position = Vector3(10, 20, 30);
     own.orientation = Quaternion(std::sqrt(0.5F), 0, std::sqrt(0.5F), 0);
     game.join(own);
-    game.server.sendTcp(support::shotInfo(8, false, Vector3(10, 20, 90)));
+    game.server.sendTcp(messages::infoFrame(messages::ShotState{8, false, Vector3(10, 20, 90)}));
     std::this_thread::sleep_for(1500ms);  // until the ship has turned
     EXPECT_LT((game.server.lastSteering().orientation - Quaternion()).length(), 1e-4F);
     EXPECT_EQ(game.leave(), "status 0");

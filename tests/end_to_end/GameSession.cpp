@@ -12,7 +12,7 @@ GameSession::GameSession(std::vector<std::string> arguments, const std::vector<s
     const std::vector<std::string> address = {"--host", "127.0.0.1", "--port", server.port()};
     arguments.insert(arguments.end(), address.begin(), address.end());
     client.emplace(support::clientCommand(display.name(), arguments, wrapper));
-    if (!support::eventually([this] { return !server.record().datagrams.empty(); }, 40s)) {
+    if (!peer::eventually([this] { return !server.record().datagrams.empty(); }, 40s)) {
         throw std::runtime_error("the client sends no datagram; it printed:\n" + client->output());
     }
 }
@@ -24,17 +24,17 @@ GameSession::~GameSession()
     }
 }
 
-void GameSession::join(const support::Ship& ownShip)
+void GameSession::join(const messages::ShipState& ownShip)
 {
     own = ownShip;
-    server.sendTcp(support::welcome(ownId, 1) + support::shipInfo(own));
-    EXPECT_TRUE(awaitUpdate([](const support::Steering& s) { return s.qport == 1; }));
+    server.sendTcp(messages::welcomeFrame({ownId}, 1) + messages::infoFrame(own));
+    EXPECT_TRUE(awaitUpdate([](const peer::SteeringDatagram& s) { return s.qport == 1; }));
     std::this_thread::sleep_for(300ms);  // the frames in which the first mouse reading turns the view
 }
 
-bool GameSession::awaitUpdate(const std::function<bool(const support::Steering&)>& wanted) const
+bool GameSession::awaitUpdate(const std::function<bool(const peer::SteeringDatagram&)>& wanted) const
 {
-    return support::eventually([&] { return wanted(server.lastSteering()); }, 5s);
+    return peer::eventually([&] { return wanted(server.lastSteering()); }, 5s);
 }
 
 std::string GameSession::leave()
@@ -65,9 +65,9 @@ support::Region GameSession::onScreen(float right, float up, float ahead)
     return {x - 25, y - 25, 50, 50};
 }
 
-support::Ship lonelyShip(std::uint64_t id)
+messages::ShipState lonelyShip(std::uint64_t id)
 {
-    support::Ship ship;
+    messages::ShipState ship;
     ship.id = id;
     ship.position = Vector3(0.0F, 0.0F, 3000.0F);
     return ship;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/ScriptedServer.h"
+#include "peer/ScriptedServer.h"
 #include "tests/support/VirtualDisplay.h"
 
 #include <functional>
@@ -22,9 +22,9 @@ public:
     ~GameSession();
 
     /// Welcomes the client and gives it its ship, then waits until the mouse has come to rest.
-    void join(const support::Ship& ownShip);
+    void join(const messages::ShipState& ownShip);
     /// Waits until the newest update is like this.
-    bool awaitUpdate(const std::function<bool(const support::Steering&)>& wanted) const;
+    bool awaitUpdate(const std::function<bool(const peer::SteeringDatagram&)>& wanted) const;
     /// Presses Escape and tells how the client ended.
     std::string leave();
     /// What the screen shows after some frames.
@@ -36,12 +36,12 @@ public:
     static support::Region onScreen(float right, float up, float ahead);
 
     support::VirtualDisplay display;
-    support::ScriptedServer server;
+    peer::ScriptedServer server;
     std::optional<support::Process> client;
 
 private:
-    support::Ship own;
+    messages::ShipState own;
 };
 
 /// A ship far from the carriers, which thus are nowhere in sight.
-support::Ship lonelyShip(std::uint64_t id = GameSession::ownId);
+messages::ShipState lonelyShip(std::uint64_t id = GameSession::ownId);

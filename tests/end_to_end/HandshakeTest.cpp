@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 namespace {
 
 // The most updates in any second that starts at one of them; 0 until there are three seconds of them.
-long mostPerSecond(const support::ScriptedServer& server)
+long mostPerSecond(const peer::ScriptedServer& server)
 {
     const auto all = server.record().datagrams;
     if (all.back().arrival < all.front().arrival + 3s) {
@@ -28,19 +28,19 @@ long mostPerSecond(const support::ScriptedServer& server)
 TEST(Handshake, TheClientOnlyListensOnTcpAndPutsTheQportBeforeEveryLaterDatagram)
 {
     GameSession game;
-    game.server.sendTcp(support::welcome(GameSession::ownId, 0x1BEEF));  // only 16 bits of it count
+    game.server.sendTcp(messages::welcomeFrame({GameSession::ownId}, 0x1BEEF));  // only 16 bits of it count
     ASSERT_TRUE(game.awaitUpdate([](const auto& update) { return update.qport != 0; }));
     const std::size_t before = game.server.record().datagrams.size();
-    ASSERT_TRUE(support::eventually([&] { return game.server.record().datagrams.size() > before + 20; }));
+    ASSERT_TRUE(peer::eventually([&] { return game.server.record().datagrams.size() > before + 20; }));
 
     int qport = 0;
     const auto record = game.server.record();
     for (const auto& datagram : record.datagrams) {
-        const std::optional<support::Steering> update = support::parseSteering(datagram.bytes);
+        const std::optional<peer::SteeringDatagram> update = peer::parseSteering(datagram.bytes);
         ASSERT_TRUE(update) << "no lone frame of a ClientUpdate";
         qport = update->qport == 0 ? qport : 0xBEEF;
         EXPECT_EQ(update->qport, qport);
-        EXPECT_EQ(update->boosters, 0U);
+        EXPECT_EQ(update->controls, 0U);
         EXPECT_NEAR(update->orientation.length(), 1.0F, 1e-4F);
     }
     EXPECT_EQ(record.tcpBytes, 0U);
@@ -53,7 +53,7 @@ TEST(Handshake, UpdatesOfAViewThatStaysArriveFifteenToTwentyTimesASecond)
     GameSession game;
     game.join(lonelyShip());
     const Quaternion start = game.server.lastSteering().orientation;
-    EXPECT_TRUE(support::eventually([&] { return mostPerSecond(game.server) >= 15; }, 30s));
+    EXPECT_TRUE(peer::eventually([&] { return mostPerSecond(game.server) >= 15; }, 30s));
     EXPECT_LE(mostPerSecond(game.server), 21);  // one may arrive late
     EXPECT_EQ(game.server.lastSteering().orientation, start);
 }
@@ -64,7 +64,7 @@ TEST(Handshake, DiagnosticsAreInTheFileLineByLineWhileTheClientStillRuns)
     const std::string place = "127.0.0.1:" + game.server.port();
     EXPECT_EQ(game.client->output().find("Attempting to connect to " + place + "\nConnected!\n"), 0U);
     game.join(lonelyShip());
-    game.server.sendTcp(support::destroy(GameSession::ownId));
-    EXPECT_TRUE(support::eventually([&] { return game.client->hasPrinted("Player Rosa logged out\n"); }));
+    game.server.sendTcp(messages::destroyFrame(GameSession::ownId));
+    EXPECT_TRUE(peer::eventually([&] { return game.client->hasPrinted("Player Pilot logged out\n"); }));
     EXPECT_TRUE(game.client->isRunning());
 }

@@ -6,16 +6,15 @@
 #include <limits>
 
 using namespace std::chrono_literals;
-using support::destroy;
-using support::frame;
+using messages::ShipState;
 using support::Pixel;
-using support::Ship;
-using support::shipInfo;
-using support::shotInfo;
-using support::update;
-using support::welcome;
 
 namespace {
+
+std::string shotInfo(std::uint64_t id, bool blueTeam, Vector3 position, Vector3 velocity = {})
+{
+    return messages::infoFrame(messages::ShotState{id, blueTeam, position, velocity});
+}
 
 using Limits = std::numeric_limits<float>;
 using Frames = std::vector<std::string>;
@@ -26,9 +25,9 @@ constexpr std::uint64_t hugeId = 0xFFFFFFFFFFFFFFF0U;
 
 std::string named(std::uint64_t id, const std::string& name)
 {
-    Ship ship = lonelyShip(id);
+    ShipState ship = lonelyShip(id);
     ship.name = name;
-    return shipInfo(ship);
+    return messages::infoFrame(ship);
 }
 
 // Cuts of every kind of message, bodies under other type bytes, and noise.
@@ -36,12 +35,13 @@ Frames brokenFrames()
 {
     Frames broken;
     for (const std::string& whole :
-         {shipInfo(lonelyShip()), shotInfo(21, true, {}), update(own, 1, {}), destroy(1), welcome(own, 1)}) {
+         {messages::infoFrame(lonelyShip()), shotInfo(21, true, {}), messages::updateFrame(own, 1, {}),
+          messages::destroyFrame(1), messages::welcomeFrame({own}, 1)}) {
         for (std::size_t cut = 3; cut < whole.size(); ++cut) {
-            broken.push_back(frame(static_cast<unsigned char>(whole[2]), whole.substr(3, cut - 3)));
+            broken.push_back(peer::rawFrame(static_cast<unsigned char>(whole[2]), whole.substr(3, cut - 3)));
         }
         for (const unsigned int type : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 255U}) {
-            broken.push_back(frame(static_cast<unsigned char>(type), whole.substr(3)));
+            broken.push_back(peer::rawFrame(static_cast<unsigned char>(type), whole.substr(3)));
         }
     }
     unsigned int state = 12345;
@@ -51,29 +51,31 @@ Frames brokenFrames()
             state = state * 1664525U + 1013904223U;
             c = static_cast<char>(state >> 24U);
         }
-        broken.push_back(frame(1, noise));
+        broken.push_back(peer::rawFrame(1, noise));
     }
     return broken;
 }
 
 Frames strangeNumbers()
 {
-    Frames frames = {frame(2, "\x08\x07\x10\x01")};  // an update of the own ship without place and turn
+    Frames frames = {
+        peer::rawFrame(2, "\x08\x07\x10\x01")};  // an update of the own ship without place and turn
     for (const float value : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), Limits::max(),
                               Limits::lowest(), 1e30F, Limits::denorm_min()}) {
-        Ship ship = lonelyShip();
+        ShipState ship = lonelyShip();
         ship.health = value;
         ship.position = Vector3(value, -value, value);
-        frames.push_back(shipInfo(ship));
+        frames.push_back(messages::infoFrame(ship));
         frames.push_back(shotInfo(31, true, ship.position, ship.position));
         ship.orientation = Quaternion(value, value, value, value);
-        frames.push_back(update(own, 2000, ship.position, ship.orientation));
+        frames.push_back(messages::updateFrame(own, 2000, ship.position, ship.orientation));
         ship.position = {};
-        frames.push_back(shipInfo(ship) + destroy(31));
+        frames.push_back(messages::infoFrame(ship) + messages::destroyFrame(31));
     }
     for (const std::uint32_t time :
          {5000U, 5000U, 4999U, 0U, 0xFFFFFFFFU, 0U, 1U, 0x80000000U, 0x7FFFFFFFU}) {
-        frames.push_back(update(own, time, Vector3(0, 0, 3000.0F + static_cast<float>(time % 7U))));
+        frames.push_back(
+            messages::updateFrame(own, time, Vector3(0, 0, 3000.0F + static_cast<float>(time % 7U))));
     }
     return frames;
 }
@@ -82,20 +84,22 @@ Frames strangeNumbers()
 // objects that go twice, come back at once or change their type.
 const Frames twistedObjects = {
     named(carriers, "carrier"),
-    update(carriers, 1, {Limits::quiet_NaN(), 0, 0}),
+    messages::updateFrame(carriers, 1, {Limits::quiet_NaN(), 0, 0}),
     shotInfo(carriers, true, {}),
-    destroy(carriers) + destroy(carriers),
-    welcome(carriers, 1) + named(carriers, "me"),
-    welcome(own, 1) + named(41, std::string(60000, 'n')),
+    messages::destroyFrame(carriers) + messages::destroyFrame(carriers),
+    messages::welcomeFrame({carriers}, 1) + named(carriers, "me"),
+    messages::welcomeFrame({own}, 1) + named(41, std::string(60000, 'n')),
     named(42, "%s%s%n%500000d") + named(43, std::string("\0\x07%s%n\xFF\xC0", 8)) + named(own, ""),
-    destroy(41) + destroy(42) + destroy(43),
-    named(hugeId, "huge") + update(hugeId, 1, {}) + welcome(hugeId, 0xFFFFFFFFU),
-    destroy(hugeId) + destroy(hugeId) + welcome(own, 1),
-    shotInfo(51, true, {}) + destroy(51) + destroy(51) + shotInfo(51, false, {}),
-    named(52, "x") + destroy(52) + named(52, "y") + destroy(52),
-    destroy(own) + destroy(own) + shipInfo(lonelyShip()),
+    messages::destroyFrame(41) + messages::destroyFrame(42) + messages::destroyFrame(43),
+    named(hugeId, "huge") + messages::updateFrame(hugeId, 1, {}) +
+        messages::welcomeFrame({hugeId}, 0xFFFFFFFFU),
+    messages::destroyFrame(hugeId) + messages::destroyFrame(hugeId) + messages::welcomeFrame({own}, 1),
+    shotInfo(51, true, {}) + messages::destroyFrame(51) + messages::destroyFrame(51) +
+        shotInfo(51, false, {}),
+    named(52, "x") + messages::destroyFrame(52) + named(52, "y") + messages::destroyFrame(52),
+    messages::destroyFrame(own) + messages::destroyFrame(own) + messages::infoFrame(lonelyShip()),
     shotInfo(61, true, {}) + named(61, "shot") + named(62, "ship") + shotInfo(62, true, {}),
-    destroy(61) + destroy(62)};
+    messages::destroyFrame(61) + messages::destroyFrame(62)};
 
 // The client draws between any two frames, unless they are very many.
 void attack(GameSession& game, const Frames& frames)
@@ -109,7 +113,7 @@ void attack(GameSession& game, const Frames& frames)
     }
     std::this_thread::sleep_for(200ms);
     const std::size_t before = game.server.record().datagrams.size();
-    ASSERT_TRUE(support::eventually([&] { return game.server.record().datagrams.size() > before; }))
+    ASSERT_TRUE(peer::eventually([&] { return game.server.record().datagrams.size() > before; }))
         << game.client->end(1s);
 }
 
@@ -122,15 +126,16 @@ TEST(HostileSession, TheClientLivesThroughEveryAttackDrawsAndLeavesWithStatusZer
     for (const Frames& frames : {twistedObjects, strangeNumbers(), brokenFrames()}) {
         ASSERT_NO_FATAL_FAILURE(attack(game, frames));
     }
-    game.server.sendTcp(std::string(2, '\0') + destroy(own));  // what follows a length of 0 is never read
+    game.server.sendTcp(std::string(2, '\0') +
+                        messages::destroyFrame(own));  // what follows a length of 0 is never read
 
     // A new own ship and a friend ahead of it are on the screen as if nothing had happened.
-    game.server.sendUdp(shipInfo(lonelyShip(71)) + welcome(71, 1));
+    game.server.sendUdp(messages::infoFrame(lonelyShip(71)) + messages::welcomeFrame({71}, 1));
     const support::Picture alone = game.soon();
-    Ship friendly = lonelyShip(72);
+    ShipState friendly = lonelyShip(72);
     friendly.blueTeam = true;
     friendly.position = game.inView(-4, 3, 15);
-    game.server.sendUdp(shipInfo(friendly));
+    game.server.sendUdp(messages::infoFrame(friendly));
     const support::Picture both = game.soon();
     const support::Region place = GameSession::onScreen(-4, 3, 15);
     EXPECT_GT(both.count(place, &Pixel::isBluish), alone.count(place, &Pixel::isBluish) + 60);

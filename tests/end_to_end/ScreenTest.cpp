@@ -3,20 +3,20 @@
 #include <gtest/gtest.h>
 
 using namespace std::chrono_literals;
+using messages::ShipState;
 using support::countChanged;
 using support::Picture;
 using support::Pixel;
 using support::Region;
-using support::Ship;
 
 namespace {
 
 constexpr int enough = 60;  // of the 2,500 pixels of a place show the object there
 
-std::string shipAt(Ship ship, Vector3 position)
+std::string shipAt(ShipState ship, Vector3 position)
 {
     ship.position = position;
-    return support::shipInfo(ship);
+    return messages::infoFrame(ship);
 }
 
 // States as a server sends them to move a ship and let it rest: the client blends to the last within half a
@@ -25,7 +25,7 @@ void fly(GameSession& game, std::uint64_t id, Vector3 from, Vector3 to)
 {
     for (unsigned int i = 1; i <= 14; ++i) {
         const float way = std::min(1.0F, static_cast<float>(i) / 10.0F);
-        game.server.sendUdp(support::update(id, 1000 + 50 * i, from + (to - from) * way));
+        game.server.sendUdp(messages::updateFrame(id, 1000 + 50 * i, from + (to - from) * way));
         std::this_thread::sleep_for(50ms);
     }
     std::this_thread::sleep_for(800ms);
@@ -38,8 +38,8 @@ TEST(Screen, ShipsAppearInTheirColoursMoveAndVanish)
     const Region left = GameSession::onScreen(-4, 3, 15);
     const Region right = GameSession::onScreen(4, 3, 15);
     const Region lower = GameSession::onScreen(-4, 0, 15);
-    Ship red = lonelyShip(11);
-    Ship blue = lonelyShip(12);
+    ShipState red = lonelyShip(11);
+    ShipState blue = lonelyShip(12);
     blue.blueTeam = true;
     GameSession game;
     game.join(lonelyShip());
@@ -61,7 +61,7 @@ TEST(Screen, ShipsAppearInTheirColoursMoveAndVanish)
     EXPECT_TRUE(shows(moved, right, &Pixel::isBluish));
     EXPECT_EQ(countChanged(empty, moved, left), 0);
 
-    game.server.sendTcp(support::destroy(red.id) + support::destroy(blue.id));
+    game.server.sendTcp(messages::destroyFrame(red.id) + messages::destroyFrame(blue.id));
     const Picture gone = game.soon();
     EXPECT_EQ(countChanged(empty, gone, lower) + countChanged(empty, gone, right), 0);
 }

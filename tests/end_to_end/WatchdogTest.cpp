@@ -1,4 +1,4 @@
-#include "tests/support/ScriptedServer.h"
+#include "peer/ScriptedServer.h"
 #include "tests/support/VirtualDisplay.h"
 
 #include <gtest/gtest.h>
@@ -19,12 +19,12 @@ const std::string farewell = "No UDP packet received in 1 - exiting with error";
 // A crowd of ships: announced again and again, it keeps both of the client's threads busy.
 std::string crowd()
 {
-    std::string frames = support::welcome(1, 1);
-    support::Ship ship;
+    std::string frames = messages::welcomeFrame({1}, 1);
+    messages::ShipState ship;
     for (ship.id = 1; ship.id <= 300; ++ship.id) {
         ship.position =
             Vector3(static_cast<float>(ship.id % 20) * 4 - 40, static_cast<float>(ship.id / 20) * 4, 60);
-        frames += support::shipInfo(ship);
+        frames += messages::infoFrame(ship);
     }
     return frames;
 }
@@ -33,14 +33,14 @@ std::string crowd()
 // whether its last words came through, where its output is kept.
 std::string timeOut(const support::VirtualDisplay& display, const std::string& flood, int output = -1)
 {
-    support::ScriptedServer server;
+    peer::ScriptedServer server;
     server.hasHeartbeat = false;
     std::future<void> flooding;  // ends with the client
     Process client(support::clientCommand(display.name(), {"--host", "127.0.0.1", "--port", server.port(),
                                                            "--udp-timeout", "1"}),
                    output);
     if (!flood.empty()) {
-        EXPECT_TRUE(support::eventually([&] { return server.record().connected; }, 20s));
+        EXPECT_TRUE(peer::eventually([&] { return server.record().connected; }, 20s));
         flooding = std::async(std::launch::async, [&] {
             while (server.sendTcp(flood)) {
             }
@@ -83,7 +83,7 @@ TEST(Watchdog, ThatNobodyReadsItsOutputDoesNotKeepTheClientAlive)
 {
     const support::VirtualDisplay display;
     const std::pair<std::size_t, std::string> cases[] = {
-        {0, ""}, {10, ""}, {200, ""}, {4096, ""}, {4096, support::frame(9, "no such type")}};
+        {0, ""}, {10, ""}, {200, ""}, {4096, ""}, {4096, peer::rawFrame(9, "no such type")}};
     for (const auto& [room, flood] : cases) {
         SCOPED_TRACE("room for " + std::to_string(room) + " bytes");
         const auto [readEnd, writeEnd] = nearlyFullPipe(room);

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "network/MessageSerializer.h"
+#include "network/Messages.h"
 #include "network/PacketReceiver.h"
 #include "network/Timer.h"
 #include "scene/Player.h"
 #include "scene/SceneGraph.h"
 #include "scene/SceneObjectFactory.h"
 #include "scene/TestCube.h"
-#include "tests/support/Messages.h"
 
 #include <algorithm>
 #include <set>
@@ -30,16 +30,16 @@ public:
             }
         }
         leftover.clear();
-        support::Ship ship;
+        messages::ShipState ship;
         ship.position = {1, 2, 3};
         for (ship.id = 424242; find(ship.id) != nullptr; ++ship.id) {
         }
-        receive(support::shipInfo(ship), 2);
+        receive(messages::infoFrame(ship), 2);
         const auto* shown = dynamic_cast<Player*>(find(ship.id));
         if (shown == nullptr || !(shown->position == ship.position)) {
             return "an honest ship is not shown";
         }
-        receive(support::destroy(ship.id), 1);
+        receive(messages::destroyFrame(ship.id), 1);
         return find(ship.id) == nullptr && isConsistent() ? "" : "an honest ship does not leave";
     }
 

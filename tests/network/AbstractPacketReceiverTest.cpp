@@ -2,13 +2,14 @@
 
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "instrumentation/Logger.h"
-#include "tests/support/Messages.h"
+#include "network/Messages.h"
+#include "peer/ScriptedServer.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using support::destroy;
+using messages::destroyFrame;
 using tcp = boost::asio::ip::tcp;
 
 // Writes down what is handed over; every handler answers `goOn`.
@@ -61,9 +62,9 @@ protected:
 
 TEST_F(Reception, AFrameSplitOverTwoReceivesArrivesOnceAndInOrder)
 {
-    receiveTcp(destroy(1) + destroy(2).substr(0, 3));
+    receiveTcp(destroyFrame(1) + destroyFrame(2).substr(0, 3));
     EXPECT_EQ(handedOver(), "1 ");
-    receiveTcp(destroy(2).substr(3) + destroy(3));
+    receiveTcp(destroyFrame(2).substr(3) + destroyFrame(3));
     EXPECT_TRUE(receiver.leftovers.empty());
     EXPECT_EQ(handedOver(), "2 3 ");
     EXPECT_EQ(handedOver(), "");
@@ -73,10 +74,10 @@ TEST_F(Reception, AFrameSplitOverTwoReceivesArrivesOnceAndInOrder)
 
 TEST_F(Reception, ADatagramHoldsSeveralFramesAndItsTailIsDiscarded)
 {
-    EXPECT_EQ(printedByUdp(destroy(1) + destroy(2) + destroy(3).substr(0, 2)),
+    EXPECT_EQ(printedByUdp(destroyFrame(1) + destroyFrame(2) + destroyFrame(3).substr(0, 2)),
               "Error has leftovers after UDP 2 of 12 - \x03\n");
-    EXPECT_NE(printedByUdp(destroy(3).substr(2) + destroy(4)), "");
-    EXPECT_EQ(printedByUdp(destroy(5)), "");
+    EXPECT_NE(printedByUdp(destroyFrame(3).substr(2) + destroyFrame(4)), "");
+    EXPECT_EQ(printedByUdp(destroyFrame(5)), "");
     EXPECT_EQ(handedOver(), "1 2 5 ") << "nothing joins two datagrams";
     EXPECT_EQ(logger.bytes[Logger::UDP_RECEIVED], 12U + 8U + 5U);
     EXPECT_EQ(logger.messages[Logger::UDP_RECEIVED], 3U);
@@ -84,8 +85,8 @@ TEST_F(Reception, ADatagramHoldsSeveralFramesAndItsTailIsDiscarded)
 
 TEST_F(Reception, GoesOnAfterEachReceiveUntilAnError)
 {
-    receiveTcp(destroy(1));
-    printedByUdp(destroy(2));
+    receiveTcp(destroyFrame(1));
+    printedByUdp(destroyFrame(2));
     testing::internal::CaptureStdout();
     EXPECT_EQ(service.run(), 2U) << "one more of each, and both fail";
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
@@ -97,8 +98,8 @@ TEST_F(Reception, GoesOnAfterEachReceiveUntilAnError)
 
 TEST_F(Reception, AFalseAnswerDropsTheRestOfItsQueueOnly)
 {
-    receiveTcp(destroy(1) + destroy(2));
-    printedByUdp(destroy(3) + destroy(4));
+    receiveTcp(destroyFrame(1) + destroyFrame(2));
+    printedByUdp(destroyFrame(3) + destroyFrame(4));
     receiver.goOn = false;
     EXPECT_EQ(handedOver(), "1 3 ");
     EXPECT_EQ(handedOver(), "");

@@ -1,9 +1,10 @@
 #include "network/MessageSerializer.h"
 
 #include "Common/Protobuf/Object/Object.pb.h"
+#include "network/Messages.h"
 #include "network/NetworkEvent.h"
+#include "peer/ScriptedServer.h"
 #include "tests/network/Steering.h"
-#include "tests/support/Messages.h"
 
 #include <gtest/gtest.h>
 #include <boost/algorithm/hex.hpp>
@@ -16,27 +17,27 @@ std::string cut(const std::string& data, std::string& leftover)
     std::string frames;
     for (const auto& event :
          MessageSerializer::deserializeMessageArray(data.data(), data.size(), &leftover)) {
-        frames += support::frame(static_cast<unsigned char>(event->messageType),
+        frames += peer::rawFrame(static_cast<unsigned char>(event->messageType),
                                  event->message->SerializeAsString());
     }
     return frames;
 }
 
-const support::Ship ship = {7, true, {1, 2, 3}, {1, 2, 3, 4}, 100, "Rosa", 1, 2, 3, 1000};
+const messages::ShipState ship = {7, true, {1, 2, 3}, {1, 2, 3, 4}, 100, "Rosa", 1, 2, 3, 1000};
 const std::pair<std::string, const char*> everyKind[] = {
-    {support::shipInfo(ship),
+    {messages::infoFrame(ship),
      "4400010807100018E807220F0D0000803F15000000401D000040402A140D0000004015000040401D00008040250000803F"
      "32130D0000C84210011A04526F7361200128023003"},
-    {support::shotInfo(8, true, {1, 2, 3}, {4, 5, 6}),
+    {messages::infoFrame(messages::ShotState{8, true, {1, 2, 3}, {4, 5, 6}}),
      "4400010808100118E807220F0D0000803F15000000401D000040402A140D0000000015000000001D00000000250000803F"
      "3A130A0F0D00008040150000A0401D0000C0401001"},
-    {support::update(3, 4, {5, 6, 7}),
+    {messages::updateFrame(3, 4, {5, 6, 7}),
      "2C0002080310041A0F0D0000A040150000C0401D0000E04022140D0000000015000000001D00000000250000803F"},
-    {support::destroy(8), "0300030808"},
+    {messages::destroyFrame(8), "0300030808"},
     {steering, "1900040A140D0000004015000040401D00008040250000803F1007"},
-    {support::welcome(9, 10), "0C00050809100A1A050D0000C842"}};
+    {messages::welcomeFrame({9}, 10), "1B00050809100A1A140D0000C84210001A0550696C6F74200028003000"}};
 
-const std::string good = support::destroy(8);
+const std::string good = messages::destroyFrame(8);
 
 }  // namespace
 
@@ -45,9 +46,9 @@ TEST(Framing, TheBytesAreThoseThatServersSpeak)
     for (const auto& [frame, bytes] : everyKind) {
         EXPECT_EQ(boost::algorithm::hex(frame), bytes);
     }
-    support::Ship talkative;
+    messages::ShipState talkative;
     talkative.name = std::string(600, 'n');
-    EXPECT_EQ(support::shipInfo(talkative).substr(0, 3), "\x9A\x02\x01") << "the low byte first";
+    EXPECT_EQ(messages::infoFrame(talkative).substr(0, 3), "\x9A\x02\x01") << "the low byte first";
 }
 
 TEST(Framing, ARunSplitAnywhereArrivesOnceAndWholeAndTheNextBeginningIsKept)
@@ -70,11 +71,11 @@ TEST(Framing, ABadFrameIsReportedAndTheNextOneArrives)
     const std::string badType = "Unknown message type received (type byte: 0x";
     const std::string badBody = "Error in parseing message \n";
     const std::pair<std::string, std::string> table[] = {
-        {support::frame(0, "body"), badType + "0) info \n"},
-        {support::frame(255, ""), badType + "ff) info \n"},
-        {support::frame(1, ""), badBody},
-        {support::frame(5, "\x08\x01"), badBody},       // a required field is missing
-        {support::frame(1, "\x22\x7F\x01"), badBody}};  // a field that lies about its length
+        {peer::rawFrame(0, "body"), badType + "0) info \n"},
+        {peer::rawFrame(255, ""), badType + "ff) info \n"},
+        {peer::rawFrame(1, ""), badBody},
+        {peer::rawFrame(5, "\x08\x01"), badBody},       // a required field is missing
+        {peer::rawFrame(1, "\x22\x7F\x01"), badBody}};  // a field that lies about its length
     for (const auto& [frame, diagnostic] : table) {
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
@@ -98,7 +99,7 @@ TEST(Framing, TheLongestFrameArrives)
 {
     // A field that nobody knows is skipped, whatever its size.
     const std::string filler = "\x7A\xF8\xFF\x03" + std::string(65528, 'x');
-    const std::string longest = support::frame(3, good.substr(3) + filler);
+    const std::string longest = peer::rawFrame(3, good.substr(3) + filler);
     ASSERT_EQ(longest.size(), 2U + 65535U);
     std::string leftover;
     EXPECT_EQ(cut(longest.substr(0, 40000), leftover), "");

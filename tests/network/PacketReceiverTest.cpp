@@ -2,14 +2,15 @@
 
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "network/MessageSerializer.h"
+#include "network/Messages.h"
 #include "network/PacketSender.h"
 #include "network/Timer.h"
+#include "peer/ScriptedServer.h"
 #include "scene/General.h"
 #include "scene/Player.h"
 #include "scene/Projectile.h"
 #include "scene/SceneGraph.h"
 #include "scene/TestCube.h"
-#include "tests/support/Messages.h"
 
 #include <google/protobuf/text_format.h>
 #include <gtest/gtest.h>
@@ -62,13 +63,13 @@ protected:
 
 TEST_F(ServerMessages, IdsUseAllSixtyFourBitsAndTheQportSixteen)
 {
-    receive(support::welcome(beyondSigned, 0xABC12345U));
+    receive(messages::welcomeFrame({beyondSigned}, 0xABC12345U));
     EXPECT_EQ(receiver.playerId, beyondSigned);
     EXPECT_EQ(PacketSender::getInstance()->qport, 0x2345);
     EXPECT_TRUE(graph.children.empty()) << "the ship itself is announced separately";
     announce(beyondSigned, SGT_PLAYER, rosa);
     announce(5, SGT_PLAYER, rosa);
-    receive(support::destroy(beyondSigned));
+    receive(messages::destroyFrame(beyondSigned));
     graph.applyRemoveList();
     EXPECT_EQ(find(beyondSigned), nullptr);
     EXPECT_NE(find(5), nullptr);
@@ -141,7 +142,7 @@ TEST_F(ServerMessages, AnUpdateMovesAKnownObjectAndNoOther)
 {
     announce(5, SGT_PLAYER, rosa);
     for (const std::uint64_t id : {4U, 5U}) {
-        receive(support::update(id, 1100, {2, 2, 3}, {0, 0, 1, 0}));
+        receive(messages::updateFrame(id, 1100, {2, 2, 3}, {0, 0, 1, 0}));
     }
     EXPECT_EQ(graph.children.size(), 1U);
     const Transform* ship = find(5);
@@ -149,7 +150,7 @@ TEST_F(ServerMessages, AnUpdateMovesAKnownObjectAndNoOther)
     EXPECT_EQ(ship->serverTime[1], 1000U) << "one state in a row, no fresh start";
     EXPECT_EQ(ship->serverPosition[0], Vector3(2, 2, 3));
     EXPECT_EQ(ship->serverOrientation[0], Quaternion(0, 0, 1, 0));
-    receive(support::frame(2, "\x08\x05\x10\x01"));
+    receive(peer::rawFrame(2, "\x08\x05\x10\x01"));
     EXPECT_EQ(ship->serverPosition[0], Vector3()) << "absent means all zeros";
     EXPECT_EQ(ship->serverOrientation[0], Quaternion(0, 0, 0, 0));
 }
@@ -161,7 +162,7 @@ TEST_F(ServerMessages, ADestroyedShotLeavesAnExplosionAndAPlayerOnlyItsName)
     find(60)->position = {4, 5, 6};
     testing::internal::CaptureStdout();
     for (const std::uint64_t id : {60U, 5U, 6U}) {
-        receive(support::destroy(id));
+        receive(messages::destroyFrame(id));
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Player Rosa %s logged out\n");
     EXPECT_NE(find(60), nullptr) << "removed only with the frame";
@@ -173,8 +174,8 @@ TEST_F(ServerMessages, ADestroyedShotLeavesAnExplosionAndAPlayerOnlyItsName)
 
 TEST_F(ServerMessages, OfOneFrameTheStreamIsAppliedBeforeTheDatagrams)
 {
-    receiver.addUDPNetworkEvent(eventOf(support::update(0, 2000, {9, 9, 9})));
-    receiver.addTCPNetworkEvent(eventOf(support::shipInfo({})));
+    receiver.addUDPNetworkEvent(eventOf(messages::updateFrame(0, 2000, {9, 9, 9})));
+    receiver.addTCPNetworkEvent(eventOf(messages::infoFrame(messages::ShipState())));
     receiver.dispatchPackets();
     ASSERT_NE(find(0), nullptr);
     EXPECT_EQ(find(0)->serverPosition[0], Vector3(9, 9, 9));

@@ -82,7 +82,7 @@ Picture expectPicture(const GameSession& game, const CommittedPicture& wanted)
         }
         return wanted.isLike(closest);
     };
-    if (!support::eventually(isThere, patience * wanted.settling)) {
+    if (!peer::eventually(isThere, patience * wanted.settling)) {
         reportFailure(closest, wanted);
     }
     return closest;

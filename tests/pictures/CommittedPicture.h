@@ -13,7 +13,7 @@ struct CommittedPicture
     std::string name;  ///< of the file, without folder and ending
     support::Region region;
     /// How long after its cause the scene stands still; this long is waited before the picture is made anew.
-    support::Clock::duration settling = std::chrono::milliseconds(1800);
+    peer::Clock::duration settling = std::chrono::milliseconds(1800);
 
     bool isLike(const support::Picture& screen) const;
 };

@@ -4,9 +4,9 @@
 
 #include <limits>
 
+using messages::ShipState;
 using support::Picture;
 using support::Region;
-using support::Ship;
 
 namespace {
 
@@ -24,7 +24,7 @@ const Vector3 longPosition = {-1234567.0F, 345678.875F, -7654321.0F};
 struct Case
 {
     const char* name;
-    Ship ship;
+    ShipState ship;
 };
 
 CommittedPicture pictureOf(const Case& c, std::size_t line)
@@ -33,16 +33,16 @@ CommittedPicture pictureOf(const Case& c, std::size_t line)
 }
 
 // The viewer sits ahead of the own ship and does not see it.
-Ship unseenShip()
+ShipState unseenShip()
 {
-    Ship ship = lonelyShip();
+    ShipState ship = lonelyShip();
     ship.orientation = Quaternion(0, 0, 1, 0);
     return ship;
 }
 
 Case healthy()
 {
-    Ship ship = unseenShip();
+    ShipState ship = unseenShip();
     ship.health = 87.5F;
     ship.score = 123;
     ship.redScore = 42;
@@ -53,7 +53,7 @@ Case healthy()
 
 Case extreme()
 {
-    Ship ship = unseenShip();
+    ShipState ship = unseenShip();
     ship.health = -3.25F;
     ship.score = std::numeric_limits<std::int32_t>::min();
     ship.redScore = -987654;
@@ -82,7 +82,7 @@ TEST(DisplayPictures, EveryLineInItsColourAtItsPlace)
         for (std::size_t i = 0; i < std::size(lines); ++i) {
             screen = expectPicture(game, pictureOf(c, i));
         }
-        game.server.sendTcp(support::destroy(GameSession::ownId));  // the viewer stays
+        game.server.sendTcp(messages::destroyFrame(GameSession::ownId));  // the viewer stays
         expectEveryLineIsMissed(screen, game.soon(), c);
     }
 }
@@ -90,7 +90,7 @@ TEST(DisplayPictures, EveryLineInItsColourAtItsPlace)
 TEST(DisplayPictures, AnotherDigitIsAnotherPicture)
 {
     const Case c = healthy();
-    Ship ship = c.ship;
+    ShipState ship = c.ship;
     ship.health += 1.0F;
     ship.position.x += 1.0F;
     for (std::int32_t* score : {&ship.score, &ship.redScore, &ship.blueScore}) {
@@ -110,7 +110,8 @@ TEST(DisplayPictures, TheSpeedOfAFastShip)
     Case fast = {"fast", unseenShip()};
     GameSession game;
     game.join(fast.ship);
-    game.server.sendTcp(support::update(GameSession::ownId, fast.ship.time + 8,
-                                        fast.ship.position + Vector3(0, 0, 9.5F), fast.ship.orientation));
+    game.server.sendTcp(messages::updateFrame(GameSession::ownId, fast.ship.time + 8,
+                                              fast.ship.position + Vector3(0, 0, 9.5F),
+                                              fast.ship.orientation));
     expectPicture(game, pictureOf(fast, 0));
 }

@@ -6,9 +6,9 @@
 #include <cmath>
 
 using namespace std::chrono_literals;
+using messages::ShipState;
 using support::Picture;
 using support::Region;
-using support::Ship;
 
 namespace {
 
@@ -20,9 +20,9 @@ Quaternion aboutY(float angle)
 }
 
 // A ship that faces the viewer's back: the viewer sits 5 units ahead of it and sees all but it.
-Ship behindTheViewer(Vector3 viewer)
+ShipState behindTheViewer(Vector3 viewer)
 {
-    Ship ship;
+    ShipState ship;
     ship.id = GameSession::ownId;
     ship.orientation = Quaternion(0, 0, 1, 0);
     ship.position = viewer - Vector3(0, 2, 5);
@@ -44,18 +44,18 @@ void turnView(const GameSession& game, int right, int down)
     const std::string place = std::to_string(400 + right) + " " + std::to_string(300 + down);
     for (int attempt = 0; attempt < 5 && turned() < 0.1F; ++attempt) {
         game.display.xdotool("mousemove " + place);
-        support::eventually([&] { return turned() > 0.1F; }, 1s);
+        peer::eventually([&] { return turned() > 0.1F; }, 1s);
     }
     ASSERT_NEAR(turned(), radiansPerPixel * static_cast<float>(std::abs(right + down)), 2e-3F);
 }
 
 // Four sides of a fighter of each team, blue above red.
-std::vector<Ship> parade(const GameSession& game)
+std::vector<ShipState> parade(const GameSession& game)
 {
-    std::vector<Ship> ships;
+    std::vector<ShipState> ships;
     for (unsigned int i = 0; i < 8; ++i) {
         const auto column = static_cast<float>(i % 4);
-        Ship ship;
+        ShipState ship;
         ship.id = 20 + i;
         ship.blueTeam = i < 4;
         ship.position = game.inView(5.0F * column - 7.5F, ship.blueTeam ? 1.3F : -1.7F, 18.0F);
@@ -103,18 +103,18 @@ TEST(Pictures, FightersOfBothTeamsShowTheirFourSides)
     const CommittedPicture sides = {"fighters", {90, 190, 620, 190}};
     GameSession game;
     game.join(behindTheViewer(Vector3(0, 0, 3000)));
-    std::vector<Ship> ships = parade(game);
-    const auto show = [&game](const Ship& ship) { game.server.sendTcp(support::shipInfo(ship)); };
+    std::vector<ShipState> ships = parade(game);
+    const auto show = [&game](const ShipState& ship) { game.server.sendTcp(messages::infoFrame(ship)); };
     std::for_each(ships.begin(), ships.end(), show);
     expectPicture(game, sides);
 
-    const auto expectFault = [&](const char* fault, Ship altered) {
-        const Ship right = ships[altered.id - ships[0].id];
+    const auto expectFault = [&](const char* fault, ShipState altered) {
+        const ShipState right = ships[altered.id - ships[0].id];
         show(altered);
         expectAnotherPicture(game, sides, fault);
         show(right);
     };
-    Ship moved = ships[0], farther = ships[2], recoloured = ships[1], turned = ships[6];
+    ShipState moved = ships[0], farther = ships[2], recoloured = ships[1], turned = ships[6];
     moved.position.y += 1.0F;
     farther.position.z += 1.0F;
     recoloured.blueTeam = false;
@@ -149,7 +149,7 @@ TEST(Pictures, ThePlayerStartsBehindTheOwnShipOnTheOwnDeck)
 {
     const CommittedPicture start = {"start-red", {80, 300, 640, 300}};
     GameSession game;
-    support::Ship own;
+    messages::ShipState own;
     own.id = GameSession::ownId;
     own.position = Vector3(500, 0, 0);
     game.join(own);
@@ -171,14 +171,15 @@ TEST(Pictures, ShotsOfBothTeams)
     const CommittedPicture shots = {"shots", {270, 210, 260, 180}};
     GameSession game;
     game.join(behindTheViewer(Vector3(0, 0, 3000)));
-    game.server.sendTcp(support::shotInfo(30, true, game.inView(-1, 0.5F, 8)) +
-                        support::shotInfo(31, false, game.inView(1, -0.5F, 8)));
+    game.server.sendTcp(messages::infoFrame(messages::ShotState{30, true, game.inView(-1, 0.5F, 8)}) +
+                        messages::infoFrame(messages::ShotState{31, false, game.inView(1, -0.5F, 8)}));
     expectPicture(game, shots);
-    game.server.sendTcp(support::shotInfo(31, false, game.inView(1, 0.5F, 8)));
+    game.server.sendTcp(messages::infoFrame(messages::ShotState{31, false, game.inView(1, 0.5F, 8)}));
     expectAnotherPicture(game, shots, "one is a unit higher");
-    game.server.sendTcp(support::shotInfo(31, false, game.inView(1, -0.5F, 8)));
+    game.server.sendTcp(messages::infoFrame(messages::ShotState{31, false, game.inView(1, -0.5F, 8)}));
     expectPicture(game, shots);
-    game.server.sendTcp(support::destroy(30) + support::shotInfo(32, false, game.inView(-1, 0.5F, 8)));
+    game.server.sendTcp(messages::destroyFrame(30) +
+                        messages::infoFrame(messages::ShotState{32, false, game.inView(-1, 0.5F, 8)}));
     expectAnotherPicture(game, shots, "both are red");  // the explosion of the blue one is over by then
 }
 
@@ -189,9 +190,9 @@ TEST(Pictures, AnExplosionWhereAShotWasDestroyed)
     GameSession game;
     game.join(behindTheViewer(Vector3(0, 0, 3000)));
     const auto explode = [&](float distance) {
-        game.server.sendTcp(support::shotInfo(40, true, game.inView(0, 0, distance)));
+        game.server.sendTcp(messages::infoFrame(messages::ShotState{40, true, game.inView(0, 0, distance)}));
         std::this_thread::sleep_for(300ms);  // a frame at least, in which the shot takes its place
-        game.server.sendTcp(support::destroy(40));
+        game.server.sendTcp(messages::destroyFrame(40));
     };
     explode(40);
     expectPicture(game, explosion);

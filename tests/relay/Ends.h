@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Common/PortPair.h"
-#include "tests/support/Waiting.h"
+#include "peer/Waiting.h"
+#include "service/PortPair.h"
 
 #include <boost/asio/write.hpp>
 
@@ -97,15 +97,15 @@ public:
     }
     /// Whether the condition comes to hold within the time.
     template <class Condition>
-    bool await(Condition condition, support::Clock::duration timeout = std::chrono::seconds(20))
+    bool await(Condition condition, peer::Clock::duration timeout = std::chrono::seconds(20))
     {
         const auto both = [&] {
             poll();
             return condition();
         };
-        return support::eventually(both, timeout);
+        return peer::eventually(both, timeout);
     }
-    void pass(support::Clock::duration time)
+    void pass(peer::Clock::duration time)
     {
         await([] { return false; }, time);
     }

@@ -1,4 +1,4 @@
-#include "tools/relay/DatagramLine.h"
+#include "relay/DelayQueue.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int sent = 20'000;
-constexpr Lane firstLane = {Transport::datagrams, 1, Direction::toClient};
+constexpr Flow firstLane = {Transport::datagrams, 1, Direction::toClient};
 constexpr Time start{std::chrono::hours(1)};
 constexpr Conditions awful = {80ms, 30ms, 0.15, 0.05, 0.1};
 
@@ -20,7 +20,7 @@ constexpr Conditions awful = {80ms, 30ms, 0.15, 0.05, 0.1};
 /// arrived.
 std::vector<int> cross(const Conditions& conditions, std::chrono::milliseconds interval)
 {
-    DatagramLine line(Impairment(conditions, 1, firstLane));
+    DelayQueue line(Impairment(conditions, 1, firstLane));
     std::vector<int> arrivals;
     const auto takeUntil = [&](Time end) {
         for (auto due = line.nextDue(); due && *due < end; due = line.nextDue()) {
@@ -38,9 +38,9 @@ std::vector<int> cross(const Conditions& conditions, std::chrono::milliseconds i
 }
 
 /// Of 40 datagrams, how often each arrives.
-std::string fates(std::uint32_t seed, const Lane& lane)
+std::string fates(std::uint32_t seed, const Flow& flow)
 {
-    Impairment impairment(awful, seed, lane);
+    Impairment impairment(awful, seed, flow);
     std::string copies;
     for (int i = 0; i < 40; ++i) {
         copies += std::to_string(impairment.next().copies);
@@ -102,9 +102,9 @@ TEST(Faults, FollowFromTheSeedAndTheLane)
 
 TEST(Faults, AHeldDatagramThatNobodyOvertakesArrivesAfterTheHoldLimit)
 {
-    DatagramLine line(Impairment({10ms, {}, 0, 0, mostReorder}, 1, firstLane));
+    DelayQueue line(Impairment({10ms, {}, 0, 0, mostReorder}, 1, firstLane));
     line.push(start, "lonely");
-    const Time due = start + 10ms + DatagramLine::holdLimit;
+    const Time due = start + 10ms + DelayQueue::holdLimit;
     EXPECT_EQ(line.nextDue(), due);
     EXPECT_EQ(line.pop(due - Duration(1)), std::nullopt);
     EXPECT_EQ(line.pop(due), "lonely");
@@ -113,15 +113,15 @@ TEST(Faults, AHeldDatagramThatNobodyOvertakesArrivesAfterTheHoldLimit)
 
 TEST(Faults, ALineThatIsFullLosesWhatComesButNotWhatItHas)
 {
-    DatagramLine line(Impairment({10ms, {}, 0, 0, 0}, 1, firstLane));
-    const std::string large(DatagramLine::byteLimit / 2, 'x');
+    DelayQueue line(Impairment({10ms, {}, 0, 0, 0}, 1, firstLane));
+    const std::string large(DelayQueue::byteLimit / 2, 'x');
     EXPECT_TRUE(line.push(start, large));
     EXPECT_FALSE(line.push(start, large));
     std::size_t empty = 0;
-    while (empty < DatagramLine::byteLimit && line.push(start, "")) {
+    while (empty < DelayQueue::byteLimit && line.push(start, "")) {
         ++empty;
     }
-    EXPECT_LT(empty, DatagramLine::byteLimit / 64) << "one without bytes takes memory, too";
+    EXPECT_LT(empty, DelayQueue::byteLimit / 64) << "one without bytes takes memory, too";
     EXPECT_EQ(line.pop(start + 10ms), large);
     EXPECT_TRUE(line.push(start + 10ms, large.substr(1000)));
 }

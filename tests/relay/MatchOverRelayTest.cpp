@@ -24,7 +24,7 @@ struct Service
     }
     bool awaitText(const std::string& text)
     {
-        return support::eventually([&] { return process.hasPrinted(text); }, 40s);
+        return peer::eventually([&] { return process.hasPrinted(text); }, 40s);
     }
 
     Process process;
@@ -57,7 +57,7 @@ TEST(MatchOverRelay, StaysConnectedForAMinuteOfLossAndReorderingAndShowsMovingSh
     EXPECT_TRUE(relay.process.hasPrinted("80±30 ms, loss 5%, reorder 5%"));
     Player player(relay.port);
     ASSERT_TRUE(relay.awaitText("connection 1: opened")) << player.client.output();
-    const auto connected = support::Clock::now();
+    const auto connected = peer::Clock::now();
     int moving = 0;
     for (int shot = 1; shot <= 6; ++shot) {
         std::this_thread::sleep_until(connected + shot * 9s);
@@ -99,7 +99,7 @@ TEST(MatchOverRelay, AReplayIsAMatchThatEndsWithStatusZero)
     Service replay({VANTOR_RELAY, "--replay", VANTOR_RECORDINGS "/short-match.rec"});
     Player player(replay.port);
     ASSERT_TRUE(replay.awaitText("client 1: connected")) << player.client.output();
-    EXPECT_TRUE(support::eventually([&] { return player.isInMatch(); }, 6s));
+    EXPECT_TRUE(peer::eventually([&] { return player.isInMatch(); }, 6s));
     EXPECT_EQ(player.client.end(), "status 0") << player.client.output();
     EXPECT_TRUE(replay.awaitText("client 1: played to the end"));
 }

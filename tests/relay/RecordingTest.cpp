@@ -1,4 +1,4 @@
-#include "tools/relay/Script.h"
+#include "relay/ServerTrack.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,8 @@ using namespace relay;
 
 namespace {
 
-constexpr Lane toClient = {Transport::stream, 1, Direction::toClient};
-constexpr Lane toServer = {Transport::datagrams, 7, Direction::toServer};
+constexpr Flow toClient = {Transport::stream, 1, Direction::toClient};
+constexpr Flow toServer = {Transport::datagrams, 7, Direction::toServer};
 
 class Recording : public testing::Test
 {

@@ -1,4 +1,4 @@
-#include "tools/relay/RelayOptions.h"
+#include "relay/RelayOptions.h"
 
 #include <boost/program_options/parsers.hpp>
 

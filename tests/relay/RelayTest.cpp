@@ -1,5 +1,5 @@
+#include "relay/Relay.h"
 #include "tests/relay/Ends.h"
-#include "tools/relay/Relay.h"
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -97,14 +97,14 @@ std::pair<Heard, Heard> recordedExchange(const Heard& sent, std::uint32_t seed, 
     return {server.heard, client.heard};
 }
 
-/// What was opened, said and closed in each lane.
+/// What was opened, said and closed in each flow.
 std::map<std::pair<Transport, Direction>, std::string> contentOf(const std::string& path)
 {
     std::map<std::pair<Transport, Direction>, std::string> content;
     for (const Chunk& chunk : readRecording(path, {})) {
         const std::array words = {" ", "opened ", "closed "};
-        EXPECT_EQ(chunk.lane.number, 1U);
-        content[{chunk.lane.transport, chunk.lane.direction}] +=
+        EXPECT_EQ(chunk.flow.number, 1U);
+        content[{chunk.flow.transport, chunk.flow.direction}] +=
             chunk.bytes + words.at(static_cast<std::size_t>(chunk.kind));
     }
     return content;

@@ -1,11 +1,11 @@
 #include "network/PacketReceiver.h"
 #include "network/Timer.h"
+#include "relay/Replayer.h"
 #include "scene/General.h"
 #include "scene/Player.h"
 #include "scene/SceneGraph.h"
 #include "scene/SceneObjectFactory.h"
 #include "tests/relay/Ends.h"
-#include "tools/relay/Replayer.h"
 
 #include <fstream>
 #include <iterator>
@@ -20,7 +20,7 @@ namespace {
 
 const std::string recordings = VANTOR_RECORDINGS;
 
-Script shortMatch()
+ServerTrack shortMatch()
 {
     return serverSide(readRecording(recordings + "/short-match.rec", {}));
 }
@@ -96,7 +96,7 @@ TEST(Replay, EndsInTheSameSceneEveryTimeAndAtAnySpeed)
         connection.connect({boost::asio::ip::address_v4::loopback(), replayer.port()});
         spectator.Socket(&connection);
         const std::string steering = bytesOf(shortMatch().qport);
-        EXPECT_TRUE(support::eventually(
+        EXPECT_TRUE(peer::eventually(
             [&] {
                 const bool isQuiet = io.poll() == 0;
                 spectator.dispatchPackets();
@@ -115,10 +115,10 @@ TEST(Replay, EndsInTheSameSceneEveryTimeAndAtAnySpeed)
 
 TEST(Replay, KeepsTheRecordedTimesAndWaitsWithDatagramsForAClientWithTheRightQport)
 {
-    const Script script = shortMatch();
+    const ServerTrack script = shortMatch();
     std::vector<std::string> datagrams;
     Duration first{0};
-    for (const Script::Line& line : script.lines) {
+    for (const ServerTrack::Line& line : script.lines) {
         if (line.transport == Transport::datagrams) {
             first = datagrams.empty() ? line.at : first;
             datagrams.push_back(line.bytes);

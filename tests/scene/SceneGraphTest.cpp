@@ -13,10 +13,10 @@ using Objects = std::list<Transform*>;
 std::string history;
 
 // An object of any type that says when it is updated and when it is gone.
-struct Witness : Transform
+struct ProtocolChecker : Transform
 {
-    Witness(unsigned long long newId, SceneGraphType newType) : Transform(newId) { type = newType; }
-    ~Witness() override { history += 'x'; }
+    ProtocolChecker(unsigned long long newId, SceneGraphType newType) : Transform(newId) { type = newType; }
+    ~ProtocolChecker() override { history += 'x'; }
     void realUpdate(float) override
     {
         history += std::to_string(id) + ' ';
@@ -33,10 +33,10 @@ class Scene : public FreshWorld
 protected:
     Scene() { history.clear(); }
 
-    static Witness* add(unsigned long long id, SceneGraphType type,
-                        Transform* parent = SceneGraph::getInstance())
+    static ProtocolChecker* add(unsigned long long id, SceneGraphType type,
+                                Transform* parent = SceneGraph::getInstance())
     {
-        auto* object = new Witness(id, type);
+        auto* object = new ProtocolChecker(id, type);
         parent->attach(object);
         return object;
     }
@@ -50,7 +50,7 @@ TEST_F(Scene, EveryTypeIsFiledByIdAndListOnlyPlayersByTheirKeysUntilRemoved)
         SCOPED_TRACE(type);
         const auto id = static_cast<long long>(type) - 0xFFFFFFFFLL;
         EXPECT_EQ(graph->getListOfType(type), nullptr);
-        Witness* object = add(static_cast<unsigned long long>(id), type);
+        ProtocolChecker* object = add(static_cast<unsigned long long>(id), type);
         EXPECT_EQ(object->parent, graph);
         EXPECT_EQ(*graph->getListOfType(type), Objects{object});
         EXPECT_EQ(graph->getOBjectById(id), object);
@@ -72,14 +72,14 @@ TEST_F(Scene, EveryTypeIsFiledByIdAndListOnlyPlayersByTheirKeysUntilRemoved)
 
 TEST_F(Scene, UpdatesParentsFirstAndKeepsThoseThatLeaveUntilTheRemovalsAreApplied)
 {
-    Witness* leaver = add(Witness::leaver, SGT_CARRIER);
-    Witness* stayer = add(2, SGT_CARRIER);
+    ProtocolChecker* leaver = add(ProtocolChecker::leaver, SGT_CARRIER);
+    ProtocolChecker* stayer = add(2, SGT_CARRIER);
     add(11, SGT_NONE, leaver);
     add(12, SGT_NONE, leaver);
     graph->update(0.1F);
     EXPECT_EQ(history, "4242 11 12 2 ");
     EXPECT_EQ(graph->children, (Objects{leaver, stayer}));
-    EXPECT_EQ(graph->getOBjectById(Witness::leaver), leaver);
+    EXPECT_EQ(graph->getOBjectById(ProtocolChecker::leaver), leaver);
     graph->applyRemoveList();
     EXPECT_EQ(graph->children, Objects{stayer});
     EXPECT_EQ(history, "4242 11 12 2 xxx");
@@ -87,8 +87,8 @@ TEST_F(Scene, UpdatesParentsFirstAndKeepsThoseThatLeaveUntilTheRemovalsAreApplie
 
 TEST_F(Scene, AnObjectQueuedTwiceIsDestroyedOnceAndLeavesOnlyTheListNamedFirst)
 {
-    Witness* first = add(1, SGT_PLAYER);
-    Witness* second = add(2, SGT_PLAYER);
+    ProtocolChecker* first = add(1, SGT_PLAYER);
+    ProtocolChecker* second = add(2, SGT_PLAYER);
     Objects other = {first, second};
     graph->addToRemoveList(first);
     graph->addToRemoveList(&other, first);
@@ -104,8 +104,8 @@ TEST_F(Scene, AnObjectQueuedTwiceIsDestroyedOnceAndLeavesOnlyTheListNamedFirst)
 TEST_F(Scene, AReusedIdNamesTheLaterObjectUntilEitherIsDestroyed)
 {
     for (const bool destroyTheLater : {false, true}) {
-        Witness* earlier = add(7, SGT_CARRIER);
-        Witness* later = add(7, SGT_CARRIER);
+        ProtocolChecker* earlier = add(7, SGT_CARRIER);
+        ProtocolChecker* later = add(7, SGT_CARRIER);
         EXPECT_EQ(graph->getOBjectById(7), later);
         graph->addToRemoveList(destroyTheLater ? later : earlier);
         graph->applyRemoveList();

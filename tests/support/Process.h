@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/Waiting.h"
+#include "peer/Waiting.h"
 
 #include <sys/types.h>
 
@@ -8,6 +8,10 @@
 #include <vector>
 
 namespace support {
+
+using peer::Clock;
+using peer::eventually;
+using namespace std::chrono_literals;
 
 /// A child process. It is killed, by its pid, when this object goes, and also when the thread that made it
 /// ends.

@@ -1,0 +1,82 @@
+#include "server/net/MeasurementLog.h"
+
+#include "instrumentation/Logger.h"
+
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+
+namespace practice {
+
+namespace {
+
+/// A rate is computed anew only where more than a second, in whole milliseconds, has passed.
+constexpr std::chrono::milliseconds period{1005};
+
+void requireFile(const std::string& name)
+{
+    const auto refuse = [&name](const std::string& reason) {
+        throw std::runtime_error("cannot write measurements to '" + name + "': " + reason);
+    };
+    std::error_code unknown;  // is told by the attempt to open it
+    const auto status = std::filesystem::status(name, unknown);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        refuse("not a regular file");
+    }
+    if (!std::ofstream(name, std::ios::app)) {
+        refuse(std::strerror(errno));
+    }
+}
+
+/// Bytes; 0 where there is no such file.
+std::uintmax_t sizeOf(const std::string& name)
+{
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(name, error);
+    return error ? 0 : size;
+}
+
+}  // namespace
+
+MeasurementLog::MeasurementLog(boost::asio::io_context& io, const std::string& file, Say say_)
+    : timer(io), name(file), say(std::move(say_))
+{
+    requireFile(file);
+    Logger::getInstance()->setFileToWriteTo(file);
+    schedule();
+}
+
+void MeasurementLog::stop()
+{
+    boost::system::error_code ignored;  // there is nothing more to do about it
+    timer.cancel(ignored);
+}
+
+void MeasurementLog::schedule()
+{
+    timer.expires_after(period);
+    timer.async_wait([this](const boost::system::error_code& cancelled) {
+        if (!cancelled) {
+            writeRow();
+            schedule();
+        }
+    });
+}
+
+void MeasurementLog::writeRow()
+{
+    Logger* logger = Logger::getInstance();
+    const std::uintmax_t sizeBefore = sizeOf(name);  // the logger itself does not notice a full disk
+    logger->calcPrS();
+    logger->writeMeasurementToFile();
+    if (sizeOf(name) <= sizeBefore && !std::exchange(failing, true)) {
+        say("cannot write measurements to '" + name + "' any more");
+    }
+}
+
+}  // namespace practice

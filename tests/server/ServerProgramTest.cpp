@@ -1,0 +1,118 @@
+#include "tests/support/Process.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+using support::Process;
+using namespace std::chrono_literals;
+
+namespace {
+
+Process run(std::vector<std::string> options)
+{
+    options.insert(options.begin(), VANTOR_SERVER);
+    return Process(options);
+}
+
+std::string portOf(const Process& server)
+{
+    EXPECT_TRUE(peer::eventually([&] { return server.hasPrinted("ready 127.0.0.1:"); })) << server.output();
+    const std::string line = server.output();
+    return line.substr(line.rfind(':') + 1, line.size() - line.rfind(':') - 2);
+}
+
+/// A name for a file of this test's own, which does not exist yet.
+std::string freshFile(const std::string& name)
+{
+    const auto path = std::filesystem::temp_directory_path() / (name + '.' + std::to_string(getpid()));
+    std::filesystem::remove(path);
+    return path;
+}
+
+}  // namespace
+
+TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
+{
+    const Process other = run({"--port", "0"});
+    const struct
+    {
+        std::vector<std::string> options;
+        std::string end;
+        std::string text;
+    } cases[] = {
+        {{"--bots", "none"}, "status 2", "--bots wants a whole number from 0 to 64, not 'none'"},
+        {{"--port", portOf(other)}, "status 1", "Address already in use"},
+        {{"--port", "0", "--bind", "192.0.2.1"}, "status 1", "Cannot assign requested address"},
+        {{"--port", "0", "--log", "/no/such/folder"}, "status 1", "No such file or directory"},
+        {{"--port", "0", "--log", "/tmp"}, "status 1", "not a regular file"},
+        {{"--port", "0", "--log", "/no/such\nfolder"}, "status 1", "'/no/such?folder'"},
+    };
+    for (const auto& c : cases) {
+        Process server = run(c.options);
+        EXPECT_EQ(server.end(), c.end);
+        EXPECT_TRUE(server.hasPrinted(c.text)) << server.output();
+        const std::string output = server.output();
+        EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 1) << output;
+    }
+    EXPECT_EQ(run({"--help"}).end(), "status 0");
+    EXPECT_EQ(Process({"sh", "-c", "exec \"$0\" --help >/dev/full", VANTOR_SERVER}).end(), "status 1");
+}
+
+TEST(ServerProgram, EndsInOrderAtASignal)
+{
+    for (const int signal : {SIGINT, SIGTERM}) {
+        Process server = run({"--port", "0"});
+        portOf(server);
+        server.signal(signal);
+        EXPECT_EQ(server.end(), "status 0");
+        EXPECT_TRUE(server.hasPrinted(" ms behind")) << server.output();
+    }
+}
+
+TEST(ServerProgram, PrintsTheTableOfEachMatchThatItsOptionsEnd)
+{
+    const Process server = run({"--port", "0", "--bots", "2", "--time-limit", "1"});
+    const std::string table =
+        "match 2 over after 0:01: a draw, blue 0 red 0\n"
+        "  blue Altair             0 kills    0 deaths\n"
+        "  red  Bellatrix          0 kills    0 deaths\n";
+    EXPECT_TRUE(peer::eventually([&] { return server.hasPrinted(table); }, 30s)) << server.output();
+}
+
+TEST(ServerProgram, SaysOnceThatItsMeasurementsNoLongerFitOnTheDisk)
+{
+    const std::string log = freshFile("vantor-full-disk");
+    const Process server({"sh", "-c", "ulimit -f 2; exec \"$0\" --port 0 --log \"$1\"", VANTOR_SERVER, log});
+    const std::string line = "cannot write measurements to '" + log + "' any more\n";
+    ASSERT_TRUE(peer::eventually([&] { return server.hasPrinted(line); })) << server.output();
+    std::this_thread::sleep_for(1500ms);  // until another row does not fit either
+    EXPECT_EQ(server.output().find(line), server.output().rfind(line));
+    EXPECT_EQ(std::filesystem::file_size(log), 1024U);
+    std::filesystem::remove(log);
+}
+
+TEST(ServerProgram, LogsARowOfMeasurementsEachSecondThatCanBeDrawn)
+{
+    const std::string log = freshFile("vantor-measurements");
+    const std::string picture = log + ".png";
+    Process server = run({"--port", "0", "--bots", "12", "--log", log});
+    const auto line = [&log](const char* number) { return support::outputOf({"sed", "-n", number, log}); };
+    ASSERT_TRUE(peer::eventually([&] { return std::filesystem::exists(log) && !line("4p").empty(); }));
+    EXPECT_EQ(line("3p").substr(13 * 16, 16), "             12,") << "players";
+
+    Process plot({VANTOR_TOOLS "/plot-log", log, picture});
+    if (plot.end() != "status 0" && plot.hasPrinted("no gnuplot")) {
+        GTEST_SKIP() << "gnuplot is not installed, so the log was not drawn";
+    }
+    EXPECT_EQ(plot.end(), "status 0") << plot.output();
+    EXPECT_GT(std::filesystem::file_size(picture), 10'000U);
+    EXPECT_EQ(Process({VANTOR_TOOLS "/plot-log", "/no/such/log"}).end(), "status 1");
+    EXPECT_EQ(Process({VANTOR_TOOLS "/plot-log", log, log}).end(), "status 2");
+    std::filesystem::remove(picture);
+    std::filesystem::remove(log);
+}
