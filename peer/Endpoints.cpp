@@ -85,16 +85,16 @@ void DatagramEnd::send(const std::string& bytes, const Address& to)
     socket.send_to(buffer(bytes), to, 0, ignored);
 }
 
-udp::endpoint loopback(std::uint16_t port)
+DatagramEnd::Address loopback(std::uint16_t port)
 {
     return {boost::asio::ip::address_v4::loopback(), port};
 }
 
-StreamEnd& Endpoints::connect(std::uint16_t port)
+tcp::socket connectTo(boost::asio::io_context& io, std::uint16_t port)
 {
     tcp::socket socket(io);
     socket.connect({loopback(port).address(), port});
-    return add(std::move(socket));
+    return socket;
 }
 
 void Endpoints::poll()

@@ -67,7 +67,9 @@ public:
 };
 
 /// A port of 127.0.0.1.
-boost::asio::ip::udp::endpoint loopback(std::uint16_t port);
+DatagramEnd::Address loopback(std::uint16_t port);
+/// Throws boost::system::system_error where it cannot connect to that port of 127.0.0.1.
+boost::asio::ip::tcp::socket connectTo(boost::asio::io_context& io, std::uint16_t port);
 
 /// The ends that a test uses, and the io_context of all that runs on the test's thread: both get on while the
 /// test waits.
@@ -76,13 +78,12 @@ class Endpoints
 public:
     boost::asio::io_context io;
 
-    /// Connects to a port of 127.0.0.1; throws boost::system::system_error where that fails.
-    StreamEnd& connect(std::uint16_t port);
+    StreamEnd& connect(std::uint16_t port) { return add(connectTo(io, port)); }
     StreamEnd& add(boost::asio::ip::tcp::socket connected)
     {
         return streams.emplace_back(std::move(connected));
     }
-    /// A socket on a free port of 127.0.0.1.
+    /// On a free port of 127.0.0.1.
     DatagramEnd& addDatagrams() { return add(boost::asio::ip::udp::socket(io, loopback(0))); }
     DatagramEnd& add(boost::asio::ip::udp::socket bound) { return datagrams.emplace_back(std::move(bound)); }
 

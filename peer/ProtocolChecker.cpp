@@ -35,13 +35,13 @@ void ProtocolChecker::expect(bool holds, const char* fault)
 
 void ProtocolChecker::receiveDatagram(const Datagram& datagram)
 {
-    datagramBytes += datagram.bytes.size();
+    traffic.datagramBytes += datagram.bytes.size();
     expect(datagram.bytes.size() <= largestDatagram, "a datagram of more than 1,200 bytes");
     timestamp.reset();
     expect(receiveFrames(datagram.bytes) == datagram.bytes.size(), "half a frame at the end of a datagram");
     if (timestamp) {
         expect(*timestamp % snapshotSpacing == 0, "a snapshot between two multiples of 50 ms");
-        ++snapshots.try_emplace(*timestamp, Snapshot{datagram.arrival}).first->second.datagrams;
+        ++traffic.snapshots.try_emplace(*timestamp, Snapshot{datagram.arrival}).first->second.datagrams;
     }
 }
 
@@ -50,7 +50,7 @@ void ProtocolChecker::receiveStream(std::string& stream)
     timestamp.reset();
     const std::size_t used = receiveFrames(stream);
     expect(!timestamp, "an update on TCP");
-    streamBytes += used;
+    traffic.streamBytes += used;
     stream.erase(0, used);
 }
 
@@ -96,9 +96,7 @@ void ProtocolChecker::receive(const Vantor::ObjectUpdate& update)
         unannounced.insert(update.id());  // its info may still be on its way: TCP and UDP keep no order
     }
     positions[update.id()] = messages::toVector3(update.position());
-    if (history == History::all) {
-        updates.push_back(update);
-    }
+    received.updates.push_back(update);
 }
 
 void ProtocolChecker::receive(const Vantor::ObjectInfo& info)
@@ -113,31 +111,19 @@ void ProtocolChecker::receive(const Vantor::ObjectInfo& info)
         unannounced.erase(info.id());
     }
     positions[info.id()] = messages::toVector3(info.position());
-    if (history == History::all) {
-        infos.push_back(info);
-    }
+    received.infos.push_back(info);
 }
 
-/// The object may be debris from before this client's time.
 void ProtocolChecker::receive(const Vantor::ObjectDestroy& destroy)
 {
-    positions.erase(destroy.id());
-    if (history == History::all) {
-        destroyed.push_back(destroy.id());
-    }
+    positions.erase(destroy.id());  // unknown ones are debris from before this client's time
+    received.destroyed.push_back(destroy.id());
 }
 
 void ProtocolChecker::receive(const Vantor::Welcome& message)
 {
     expect(welcome.id() == 0, "a second welcome");
     welcome = message;
-}
-
-void ProtocolChecker::startMeasuring()
-{
-    snapshots.clear();
-    datagramBytes = 0;
-    streamBytes = 0;
 }
 
 std::map<std::string, std::uint64_t> ProtocolChecker::faults() const

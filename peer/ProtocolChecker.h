@@ -19,10 +19,12 @@ namespace peer {
 class ProtocolChecker
 {
 public:
-    enum class History : std::uint8_t
+    /// Empty it where messages must not pile up.
+    struct Received
     {
-        all,    ///< for tests: every message
-        newest  ///< for hours of play: no lists of messages
+        std::vector<Vantor::ObjectInfo> infos;
+        std::vector<Vantor::ObjectUpdate> updates;
+        std::vector<std::uint64_t> destroyed;
     };
     /// The datagrams of one timestamp.
     struct Snapshot
@@ -30,30 +32,26 @@ public:
         Clock::time_point arrival;  ///< of the first datagram
         unsigned datagrams = 0;
     };
+    struct Traffic
+    {
+        std::map<std::uint32_t, Snapshot> snapshots;  ///< by timestamp
+        std::uint64_t datagramBytes = 0;
+        std::uint64_t streamBytes = 0;
+    };
 
-    explicit ProtocolChecker(History history_ = History::all) : history(history_) {}
+    Received received;
+    Traffic traffic;
+    Vantor::Welcome welcome;                     ///< id 0 until it has come
+    std::map<std::uint64_t, Vector3> positions;  ///< newest of each object that is not destroyed
 
     void receiveDatagram(const Datagram& datagram);
     /// Takes the whole frames away from the front of a stream.
     void receiveStream(std::string& stream);
-    /// Forgets the traffic so far, but not the objects and the faults.
-    void startMeasuring();
-
-    Vantor::Welcome welcome;                      ///< id 0 until it has come
-    std::map<std::uint64_t, Vector3> positions;   ///< newest of each object that is not destroyed
-    std::map<std::uint32_t, Snapshot> snapshots;  ///< by timestamp
-    std::uint64_t datagramBytes = 0;
-    std::uint64_t streamBytes = 0;
-    // Empty without a history.
-    std::vector<Vantor::ObjectInfo> infos;
-    std::vector<Vantor::ObjectUpdate> updates;
-    std::vector<std::uint64_t> destroyed;
 
     /// Each kind of fault so far, with its count; empty where the server kept to the protocol.
     std::map<std::string, std::uint64_t> faults() const;
 
 private:
-    History history;
     std::set<std::uint64_t> announced;       ///< ships that an info told of
     std::set<std::uint64_t> unannounced;     ///< ships with an update only
     std::optional<std::uint32_t> timestamp;  ///< of the updates in the bytes being received

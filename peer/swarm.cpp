@@ -3,12 +3,11 @@
 #include "peer/HeadlessClient.h"
 #include "service/CommandLine.h"
 
-#include <poll.h>
-
 #include <algorithm>
 #include <iomanip>
 #include <iostream>
 #include <limits>
+#include <list>
 #include <random>
 #include <stdexcept>
 
@@ -16,41 +15,35 @@ namespace {
 
 using namespace std::chrono_literals;
 using peer::Clock;
-using Faults = std::map<std::string, std::uint64_t>;
 
-constexpr Clock::duration warmUp = 3s;
-constexpr Clock::duration steeringPeriod = 50ms;
+constexpr std::chrono::milliseconds warmUp = 3s;
+constexpr std::chrono::milliseconds steeringPeriod = 50ms;
 constexpr float courseChanges = 0.05F;  ///< share of the steering; about one a second
 constexpr double leastSnapshotRate =
     19.5;                             ///< a second; 20 less those that the ends of the measured time cut off
 constexpr std::uint32_t forward = 1;  ///< control bits
 constexpr std::uint32_t fire = 0x40000000;
 
-/// Steers by chance twenty times a second and fires about half of the time.
+/// Steers by chance and fires about half of the time.
 class Pilot
 {
 public:
-    Pilot(boost::asio::io_context& io, std::uint16_t port, unsigned number)
-        : client(io, port, peer::HeadlessClient::History::newest),
-          nextSteering(Clock::now() + steeringPeriod * (number % 16) / 16),  // not all at the same moment
-          random(number)
+    Pilot(boost::asio::io_context& io, std::uint16_t port, unsigned number) : client(io, port), random(number)
     {
         changeCourse();
     }
 
     peer::HeadlessClient client;
-    Clock::time_point nextSteering;
+    const peer::ProtocolChecker::Traffic& traffic = client.checker.traffic;
 
     void steer()
     {
-        nextSteering += steeringPeriod;
-        if (client.id() == 0 || client.serverHungUp()) {
-            return;
-        }
         if (between(0, 1) < courseChanges) {
             changeCourse();
         }
-        client.steer(steering);
+        if (client.id() != 0 && !client.serverHungUp()) {
+            client.steer(steering);
+        }
     }
 
 private:
@@ -62,53 +55,35 @@ private:
     {
         steering.orientation = Quaternion(between(-1, 1), between(-1, 1), between(-1, 1), between(-1, 1));
         steering.orientation.normalise();
-        steering.controls = between(0, 1) < 0.8F ? forward : 0;
-        steering.controls |= between(0, 1) < 0.5F ? fire : 0;
+        steering.controls = (between(0, 1) < 0.8F ? forward : 0) | (between(0, 1) < 0.5F ? fire : 0);
     }
 };
 
-using Pilots = std::vector<std::unique_ptr<Pilot>>;
+using Pilots = std::list<Pilot>;
 
-void play(const Pilots& pilots, Clock::duration time)
+/// Serves every pilot once a millisecond. Their steering is spread over its period.
+void play(Pilots& pilots, std::chrono::milliseconds time)
 {
-    std::vector<pollfd> sockets;
-    for (const auto& pilot : pilots) {
-        sockets.push_back({pilot->client.stream.socket.native_handle(), POLLIN, 0});
-        sockets.push_back({pilot->client.datagrams.socket.native_handle(), POLLIN, 0});
-    }
-    for (const auto end = Clock::now() + time; Clock::now() < end;) {
-        poll(sockets.data(), sockets.size(), 1);  // milliseconds
-        for (std::size_t i = 0; i < pilots.size(); ++i) {
-            if (pilots[i]->nextSteering <= Clock::now()) {
-                pilots[i]->steer();
-            }
-            if (sockets[2 * i].revents != 0 || sockets[2 * i + 1].revents != 0) {
-                pilots[i]->client.poll();
-            }
-            if (pilots[i]->client.serverHungUp()) {
-                sockets[2 * i].fd = -1;  // its end would wake us for ever
+    const Clock::time_point start = Clock::now();
+    for (auto passed = 0ms; passed < time; ++passed) {
+        std::this_thread::sleep_until(start + passed);
+        auto turn = passed;
+        for (Pilot& pilot : pilots) {
+            pilot.client.poll();
+            pilot.client.forgetMessages();
+            if (++turn % steeringPeriod == 0ms) {
+                pilot.steer();
             }
         }
     }
-}
-
-/// Snapshots a second of each client, in ascending order.
-std::vector<double> snapshotRates(const Pilots& pilots, double seconds)
-{
-    std::vector<double> rates;
-    for (const auto& pilot : pilots) {
-        rates.push_back(static_cast<double>(pilot->client.checker.snapshots.size()) / seconds);
-    }
-    std::sort(rates.begin(), rates.end());
-    return rates;
 }
 
 /// The longest time between two snapshots of one client, in milliseconds.
 double longestGap(const Pilots& pilots)
 {
     double longest = 0.0;
-    for (const auto& pilot : pilots) {
-        const auto& snapshots = pilot->client.checker.snapshots;
+    for (const Pilot& pilot : pilots) {
+        const auto& snapshots = pilot.traffic.snapshots;
         for (auto next = snapshots.begin(), last = next; next != snapshots.end(); last = next++) {
             const std::chrono::duration<double, std::milli> gap = next->second.arrival - last->second.arrival;
             longest = std::max(longest, gap.count());
@@ -118,62 +93,64 @@ double longestGap(const Pilots& pilots)
 }
 
 /// Every client is sent the same datagrams, so the most that one of them received of a snapshot were sent.
-/// The first and the last snapshot are left out: the ends of the measured time may cut them.
+/// The first and the last snapshot do not count: the ends of the measured time may cut them.
 std::string describeLoss(const Pilots& pilots)
 {
     std::map<std::uint32_t, unsigned> sent;
-    std::uint32_t first = 0;
-    std::uint32_t last = std::numeric_limits<std::uint32_t>::max();
-    for (const auto& pilot : pilots) {
-        const auto& snapshots = pilot->client.checker.snapshots;
-        for (const auto& [timestamp, snapshot] : snapshots) {
+    for (const Pilot& pilot : pilots) {
+        for (const auto& [timestamp, snapshot] : pilot.traffic.snapshots) {
             sent[timestamp] = std::max(sent[timestamp], snapshot.datagrams);
         }
-        first = std::max(first, snapshots.empty() ? last : snapshots.begin()->first);
-        last = std::min(last, snapshots.empty() ? 0 : snapshots.rbegin()->first);
     }
     std::uint64_t all = 0;
     std::uint64_t lost = 0;
-    for (auto it = sent.upper_bound(first); it != sent.end() && it->first < last; ++it) {
-        for (const auto& pilot : pilots) {
-            const auto& snapshots = pilot->client.checker.snapshots;
-            const auto found = snapshots.find(it->first);
-            all += it->second;
-            lost += it->second - (found == snapshots.end() ? 0 : found->second.datagrams);
+    for (const auto& [timestamp, datagrams] : sent) {
+        if (timestamp == sent.begin()->first || timestamp == sent.rbegin()->first) {
+            continue;
+        }
+        for (const Pilot& pilot : pilots) {
+            const auto found = pilot.traffic.snapshots.find(timestamp);
+            all += datagrams;
+            lost += datagrams - (found == pilot.traffic.snapshots.end() ? 0 : found->second.datagrams);
         }
     }
     return std::to_string(lost) + " of " + std::to_string(all);
 }
 
-Faults faultsOf(const Pilots& pilots)
+/// False if there is a fault.
+bool reportFaults(const Pilots& pilots)
 {
-    Faults faults;
-    for (const auto& pilot : pilots) {
-        const peer::HeadlessClient& client = pilot->client;
-        for (const auto& [fault, count] : client.checker.faults()) {
+    std::map<std::string, std::uint64_t> faults;
+    for (const Pilot& pilot : pilots) {
+        for (const auto& [fault, count] : pilot.client.checker.faults()) {
             faults[fault] += count;
         }
-        if (client.id() == 0) {
+        if (pilot.client.id() == 0) {
             ++faults["no welcome"];
         }
-        if (client.serverHungUp()) {
-            ++faults["connection broken off: " + client.stream.end.message()];
+        if (pilot.client.serverHungUp()) {
+            ++faults["connection broken off: " + pilot.client.stream.end.message()];
         }
     }
-    return faults;
+    for (const auto& [fault, count] : faults) {
+        std::cout << "FAULT: " << fault << " (" << count << " times)\n";
+    }
+    return faults.empty();
 }
 
 /// False if the server broke its promise: 20 snapshots a second for everyone, and no fault.
 bool report(const Pilots& pilots, double seconds)
 {
-    std::uint64_t udp = 0;
-    std::uint64_t tcp = 0;
-    for (const auto& pilot : pilots) {
-        udp += pilot->client.checker.datagramBytes;
-        tcp += pilot->client.checker.streamBytes;
+    double udp = 0;
+    double tcp = 0;
+    std::vector<double> rates;
+    for (const Pilot& pilot : pilots) {
+        udp += static_cast<double>(pilot.traffic.datagramBytes);
+        tcp += static_cast<double>(pilot.traffic.streamBytes);
+        rates.push_back(static_cast<double>(pilot.traffic.snapshots.size()) / seconds);
     }
-    const double perClient = 1.0 / (seconds * 1000.0 * static_cast<double>(pilots.size()));
-    const std::vector<double> rates = snapshotRates(pilots, seconds);
+    std::sort(rates.begin(), rates.end());
+    const double divisor = 1000.0 * seconds * static_cast<double>(pilots.size());
     const auto row = [](const char* name) -> std::ostream& {
         return std::cout << std::left << std::setw(44) << name << std::right;
     };
@@ -181,27 +158,21 @@ bool report(const Pilots& pilots, double seconds)
     row("clients, seconds measured") << pilots.size() << ", " << seconds << '\n';
     row("snapshots a second: least, median") << rates.front() << ", " << rates[rates.size() / 2] << '\n';
     row("longest wait for a snapshot") << longestGap(pilots) << " ms\n";
-    row("to one client: datagrams, TCP")
-        << static_cast<double>(udp) * perClient << ", " << static_cast<double>(tcp) * perClient << " kB/s\n";
+    row("to one client: datagrams, TCP") << udp / divisor << ", " << tcp / divisor << " kB/s\n";
     row("lost datagrams") << describeLoss(pilots) << '\n';
-    bool isGood = rates.front() >= leastSnapshotRate;
-    for (const auto& [fault, count] : faultsOf(pilots)) {
-        std::cout << "FAULT: " << fault << " (" << count << " times)\n";
-        isGood = false;
-    }
-    return isGood;
+    return reportFaults(pilots) && rates.front() >= leastSnapshotRate;
 }
 
 bool run(std::uint16_t port, unsigned clients, std::chrono::seconds measured)
 {
-    boost::asio::io_context io{1};
+    boost::asio::io_context io;
     Pilots pilots;
-    for (unsigned i = 0; i < clients; ++i) {
-        pilots.push_back(std::make_unique<Pilot>(io, port, i));
+    while (pilots.size() < clients) {
+        pilots.emplace_back(io, port, static_cast<unsigned>(pilots.size()));
     }
     play(pilots, warmUp);
-    for (const auto& pilot : pilots) {
-        pilot->client.checker.startMeasuring();
+    for (Pilot& pilot : pilots) {
+        pilot.client.checker.traffic = {};
     }
     const Clock::time_point start = Clock::now();
     play(pilots, measured);
