@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// The team scores, and where something of a team starts.
+/// The team scores, and the teams' starting points.
 ///
 /// A singleton, created on first use and never destroyed; main thread only. Positions in world units.
 class General
