@@ -41,14 +41,18 @@ protected:
 
 TEST_F(Drawing, StartAndFrameMakeTheGoldenCalls)
 {
-    resources->resourceFolder = "/there/";
     resources->models = {{"carrier.obj", 101}, {"fighter.obj", 102}, {"shot.obj", 103}};
     VT.init();
     controller->init();
     EXPECT_EQ(glRecorder.take(), golden("engine/golden/start.txt"));
 
+    controller->hud();
+    timer.getTimeDiff();  // the frame takes no time, for the display and for the scene
     Player* ship = addOwnShip();
     ship->smoothPosition = {10.0F, 20.0F, 30.0F};
+    ship->velocity[0] = {3.0F, -4.0F, 0.0F};
+    ship->score = -7;
+    general->redTeamScore = 12;
     ship->smoothOrientation = Quaternion::FromAxisAngle(quarterTurn, {0.0F, 1.0F, 0.0F});
     graph->attach(new Projectile(8));
     auto* explosion = new Billboard(9, {1.0F, 2.0F, 3.0F});
@@ -59,8 +63,6 @@ TEST_F(Drawing, StartAndFrameMakeTheGoldenCalls)
     explosion->rotate(quarterTurn, {0.0F, 1.0F, 0.0F});
     explosion->rotate(quarterTurn, {1.0F, 0.0F, 0.0F});  // acts first: +y goes to +z and on to +x
     explosion->attach(new Transform(10));
-    resources->getFont("arial.ttf");
-    timer.getTimeDiff();  // the frame takes no time
     glRecorder.take();
     glRecorder.mouseX = 440;
     drawGL();
@@ -78,28 +80,21 @@ TEST_F(Drawing, OnlyTheLastFramesRateIsShownWithoutAShip)
     EXPECT_EQ(display(), "fps: 62.50\n") << "without the frames before";
 }
 
-TEST_F(Drawing, TheShipsLinesShowItsState)
+TEST_F(Drawing, HealthBelowTwentyIsRedAndLongTextsAreCut)
 {
     Player* ship = addOwnShip();
-    ship->velocity[0] = {3.0F, -4.0F, 0.0F};
-    ship->score = -7;
-    ship->position = {1.5F, -2.0F, 0.25F};
-    ship->smoothPosition = {9.0F, 9.0F, 9.0F};
-    general->redTeamScore = 12;
-    display();
-    const std::tuple<float, std::string> cases[] = {{20.0F, "0 1 0\nhealth: 20.00%\n"},
-                                                    {19.99F, "1 0 0\nhealth: 19.99%\n"},
-                                                    {std::nanf(""), "0 1 0\nhealth: nan%\n"}};
-    for (const auto& [health, line] : cases) {
+    const std::tuple<float, std::string> cases[] = {{20.0F, "\n0 1 0\nhealth: 20.00%\n"},
+                                                    {19.99F, "\n1 0 0\nhealth: 19.99%\n"},
+                                                    {std::nanf(""), "\n0 1 0\nhealth: nan%\n"}};
+    for (const auto& [health, lines] : cases) {
         ship->health = health;
-        EXPECT_EQ(display(), "fps: inf\n1 1 1\nspeed: 5.00\n" + line +
-                                 "1 1 1\n-7\n1 0 0\n12\n0 0 1\n0\n1 1 1\n(1.500000,-2.000000,0.250000)\n");
+        EXPECT_NE(display().find(lines), std::string::npos) << lines;
     }
     const float largest = std::numeric_limits<float>::max();
     ship->position = {-largest, largest, -largest};
     const std::string lines = display();
     const std::size_t start = lines.find("(-340282346638528859811704183484516925440.000000,340");
-    EXPECT_EQ(lines.size() - start, 100U) << "cut to 99 characters and the line's end";
+    EXPECT_EQ(lines.size() - start, 100U) << "99 characters and the line's end";
 }
 
 TEST_F(Drawing, TheCameraTurnsAboutItsOwnAxes)

@@ -4,7 +4,6 @@
 #include "tests/engine/FreshWorld.h"
 
 #include <filesystem>
-#include <fstream>
 #include <tuple>
 
 namespace {
@@ -29,20 +28,15 @@ struct Subscriber : VTObject
     Subscriber* newcomer;
 };
 
-class Engines : public FreshWorld
-{
-protected:
-    Engines() { resources->resourceFolder = "/there/"; }
-};
-
-using EnginesDeathTest = Engines;
+using Engines = FreshWorld;
+using EnginesDeathTest = FreshWorld;
 
 }  // namespace
 
 TEST_F(EnginesDeathTest, AFailureEndsTheProcessWithItsStatus)
 {
     EXPECT_EXIT(VT.init(), testing::ExitedWithCode(2),
-                "Couldn't set 800x600 OpenGL video mode: no such luck\n");
+                "Couldn't set 800x600 OpenGL video mode: no such luck\nSDL_Quit");
     glRecorder.sdlInitResult = -1;
     EXPECT_EXIT(VT.init(), testing::ExitedWithCode(1), "Couldn't initialize SDL: no such luck\n");
     glRecorder.deliver(1, 0xFF, 4, 4);

@@ -24,6 +24,7 @@ class FreshWorld : public testing::Test
 protected:
     FreshWorld()
     {
+        resources->resourceFolder = "/there/";
         controller->camera = Camera();
         controller->thisPlayerID = 0;
         VT.window = VT_Window();

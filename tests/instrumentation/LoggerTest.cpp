@@ -46,7 +46,7 @@ TEST(MeasurementLog, RatesNeedMoreThanASecond)
         EXPECT_FLOAT_EQ(logger.packetRate[Logger::TCP_RECEIVED], packets) << after;
         EXPECT_FLOAT_EQ(logger.byteRate[Logger::TCP_RECEIVED], bytes) << after;
         EXPECT_FLOAT_EQ(logger.messageRate[Logger::UDP_RECEIVED], messages) << after;
-        EXPECT_EQ(logger.packetRate[Logger::UDP_RECEIVED], 0.0F) << "each channel has its own";
+        EXPECT_EQ(logger.packetRate[Logger::UDP_RECEIVED], 0.0F);
     }
 }
 
@@ -75,8 +75,7 @@ TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
     logger.writeMeasurementToFile();
     SceneGraph::instance = nullptr;
     usageResult = -1;
-    EXPECT_EQ(ResourceMonitor::getInstance()->GetMemoryUsage(), static_cast<unsigned long>(-74))
-        << "the figure of the last success";
+    EXPECT_EQ(ResourceMonitor::getInstance()->GetMemoryUsage(), static_cast<unsigned long>(-74));
 
     std::ifstream written(path), expected(VANTOR_GOLDEN_LOG);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}),
