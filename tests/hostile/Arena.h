@@ -13,13 +13,13 @@
 #include <set>
 #include <vector>
 
-/// A client without window and network: bytes go in where its TCP connection would deliver them, and frames
-/// run by hand. The scene is the process's one, so one Arena at a time.
+/// A client without a window and a network: the test delivers the bytes of its TCP connection and runs its
+/// frames. It uses the process's only scene, so one Arena at a time.
 class Arena
 {
 public:
-    /// From a scene of the two carriers: receives the pieces of a stream, each followed by so many frames, 60
-    /// a second. Then an honest ship comes, on a new connection, and leaves. What went wrong, or "".
+    /// Starts with the two carriers. Receives the pieces of a stream, each followed by so many frames of 1/60
+    /// second. Then an honest ship comes, on a new connection, and leaves. Returns what went wrong, or "".
     std::string play(const std::vector<std::string>& pieces, int framesBetween = 1)
     {
         reset();
@@ -71,7 +71,7 @@ private:
     {
         return SceneGraph::instance->getOBjectById(static_cast<long long>(id));
     }
-    // Whether the lists of the types hold all that is in the scene's tree, once, and the tables nothing else.
+    // Whether the type lists hold each object of the scene's tree once, and the tables hold no other object.
     static bool isConsistent()
     {
         const SceneGraph& graph = *SceneGraph::instance;
@@ -88,6 +88,5 @@ private:
 
     boost::asio::io_service service;
     std::string leftover;
-    PacketReceiver receiver{&service, nullptr, SceneGraph::getInstance(),
-                            3600};  // an hour: no watchdog in here
+    PacketReceiver receiver{&service, nullptr, SceneGraph::getInstance(), 3600};  // the watchdog never runs
 };
