@@ -6,40 +6,30 @@
 
 #include <vector>
 
-namespace {
-
 using Controller = FreshWorld;
 using boost::asio::ip::udp;
-
-}  // namespace
 
 // tests/end_to_end checks the messages, the carriers, and Escape.
 TEST_F(Controller, SendsOnceFiftyMillisecondsHaveGathered)
 {
     boost::asio::io_service service;
-    udp::socket server(service, udp::endpoint(boost::asio::ip::address_v4::loopback(), 0));
     udp::socket client(service, udp::v4());
-    udp::endpoint endpoint = server.local_endpoint();
+    udp::endpoint nobody(boost::asio::ip::address_v4::loopback(), 9);
     PacketSender::getInstance()->setSocket(&client);
-    PacketSender::getInstance()->setEndpoint(&endpoint);
+    PacketSender::getInstance()->setEndpoint(&nobody);
     const auto messagesWithin = [&](float dt) {
         controller->update(dt);
         service.restart();
-        service.run();
-        int count = 0;
-        for (char first[1]; server.available() > 0; ++count) {
-            server.receive(boost::asio::buffer(first));
-        }
-        return count;
+        return service.run();  // one handler for each message
     };
-    const std::pair<std::vector<float>, std::vector<int>> cases[] = {
+    const std::pair<std::vector<float>, std::vector<std::size_t>> cases[] = {
         {{0.017F, 0.017F, 0.017F, 0.017F, 0.017F, 0.017F}, {0, 0, 1, 0, 0, 1}},
         {{0.05F, 0.0499F, 0.0F, 0.0002F}, {1, 0, 0, 1}},
         {{0.2F, 0.04F, 0.04F}, {1, 0, 1}},  // the time above 50 ms is dropped
     };
     for (const auto& [frames, expected] : cases) {
         messagesWithin(1.0F);  // no time has gathered from here on
-        std::vector<int> sent;
+        std::vector<std::size_t> sent;
         for (const float dt : frames) {
             sent.push_back(messagesWithin(dt));
         }

@@ -18,8 +18,10 @@
 class Arena
 {
 public:
-    /// Starts with the two carriers. Receives the pieces of a stream, each followed by so many frames of 1/60
-    /// second. Then an honest ship comes, on a new connection, and leaves. Returns what went wrong, or "".
+    Arena() { reset(); }
+
+    /// Starts again with the two carriers. Receives the pieces of a stream, each followed by so many frames.
+    /// Then an honest ship comes, on a new connection, and leaves. Returns what went wrong, or "".
     std::string play(const std::vector<std::string>& pieces, int framesBetween = 1)
     {
         reset();
@@ -39,11 +41,10 @@ public:
         if (shown == nullptr || !(shown->position == ship.position)) {
             return "an honest ship is not shown";
         }
-        receive(messages::destroyFrame(ship.id), 1);
+        receive(messages::destroyFrame(ship.id));
         return find(ship.id) == nullptr && isConsistent() ? "" : "an honest ship does not leave";
     }
 
-private:
     void reset()
     {
         delete SceneGraph::instance;
@@ -55,7 +56,9 @@ private:
         Timer::isSynced = false;
         leftover.clear();
     }
-    void receive(const std::string& bytes, int frames)
+
+    /// Each frame takes 1/60 second.
+    void receive(const std::string& bytes, int frames = 1)
     {
         for (const auto& event :
              MessageSerializer::deserializeMessageArray(bytes.data(), bytes.size(), &leftover)) {
@@ -67,6 +70,11 @@ private:
             SceneGraph::instance->applyRemoveList();
         }
     }
+
+    boost::asio::io_service service;
+    PacketReceiver receiver{&service, nullptr, SceneGraph::getInstance(), 3600};  // the watchdog never runs
+
+private:
     static Transform* find(std::uint64_t id)
     {
         return SceneGraph::instance->getOBjectById(static_cast<long long>(id));
@@ -86,7 +94,5 @@ private:
                areInTree(graph.udpTable) && areInTree(graph.tcpTable);
     }
 
-    boost::asio::io_service service;
     std::string leftover;
-    PacketReceiver receiver{&service, nullptr, SceneGraph::getInstance(), 3600};  // the watchdog never runs
 };
