@@ -38,7 +38,7 @@ TEST(DebugPrint, WaitsForTheReaderAndFlushes)
 
 TEST(Printable, ReplacesControlCharactersOnly)
 {
-    EXPECT_EQ(printable("a\x1B[2J\n\t\x7F \xC2\x9B" "1m"), "a?[2J??? ??1m");
+    EXPECT_EQ(printable("a\x1B[2J\n\t\x7F \xC2\x9B"), "a?[2J??? ??");
     EXPECT_EQ(printable(std::string("\0~", 2)), "?~");
     EXPECT_EQ(printable("\xC3\x9F \xC2\xA9 \xC2"), "\xC3\x9F \xC2\xA9 \xC2") << "letters keep their bytes";
 }

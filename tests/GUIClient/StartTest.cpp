@@ -22,7 +22,7 @@ namespace {
     std::string program = "vantor";
     char* arguments[] = {program.data(), argument.data(), nullptr};
     const int status = SDL_main(2, arguments);
-    std::raise(SIGPIPE);  // both are ignored
+    std::raise(SIGPIPE);  // the client ignores both
     std::raise(SIGXFSZ);
     std::_Exit(status);
 }
