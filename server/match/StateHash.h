@@ -59,7 +59,7 @@ inline void StateHash::add(const Ship& ship)
     add(ship.reload);
     add(ship.deaths);
     add(ship.respawnIn);
-    add(ship.shownFor);
+    add(ship.sinceSpawn);
 }
 
 inline void StateHash::add(const Shot& shot)

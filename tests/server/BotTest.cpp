@@ -1,4 +1,4 @@
-#include "server/match/BattleFront.h"
+#include "server/match/Bot.h"
 #include "server/match/Match.h"
 
 #include <gtest/gtest.h>
@@ -30,8 +30,8 @@ Match botMatch(const MatchSettings& settings)
 bool isAtTheFight(const Ship& ship, const Match& match)
 {
     const float time = static_cast<float>(match.stepCount()) * Match::stepTime;
-    return std::min(ship.position.distance(battleFront(Team::blue, time)),
-                    ship.position.distance(battleFront(Team::red, time))) <= 400.0F;
+    return std::min(ship.position.distance(fightCentre(Team::blue, time)),
+                    ship.position.distance(fightCentre(Team::red, time))) <= 400.0F;
 }
 
 /// Whether another living ship is so near that the hulls seem to touch.
@@ -50,7 +50,7 @@ float damageTo(std::uint32_t controls, int seconds, Difficulty difficulty = Diff
     for (std::uint32_t seed = 1; seed <= 10; ++seed) {
         Match match = botMatch({seed, difficulty, General::FIXED, 0, 0});
         Ship& human = *match.editShip(match.addHuman());
-        human.position = battleFront(Team::blue, 0.0F);
+        human.position = fightCentre(Team::blue, 0.0F);
         for (int i = 0; i < seconds * 6; ++i) {
             const float turn = 0.1F * static_cast<float>(i);
             human.input = {Quaternion::FromAxisAngle(turn, Vector3(0, 1, 0)), controls};

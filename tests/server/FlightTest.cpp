@@ -1,6 +1,5 @@
 #include "server/match/Ship.h"
 #include "server/match/Shot.h"
-#include "server/match/Steering.h"
 
 #include <gtest/gtest.h>
 

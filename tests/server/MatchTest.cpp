@@ -1,8 +1,6 @@
 #include "server/match/Match.h"
 
-#include "scene/SceneGraph.h"
-#include "server/match/SceneMirror.h"
-#include "server/match/ScoreTable.h"
+#include "server/match/MatchResult.h"
 #include "server/net/MatchBroadcast.h"
 #include "tests/server/Heard.h"
 
@@ -73,11 +71,9 @@ protected:
 struct BotMatch
 {
     Match match;
-    SceneMirror mirror;
 
     explicit BotMatch(const MatchSettings& settings) : match(settings)
     {
-        match.addObserver(&mirror);
         for (int i = 0; i < 16; ++i) {
             match.addBot();
         }
@@ -268,18 +264,3 @@ TEST(StartPoints, AreEachModesOwnTheSameForTheSameSeedAndNeverOverlap)
     }
 }
 
-TEST(SceneMirror, HoldsOneObjectForEachLivingShipAndShot)
-{
-    BotMatch bots({});
-    const Match& match = bots.match;
-    for (int i = 0; i < 3600; ++i) {
-        bots.match.step();
-        SceneMirror::apply();
-    }
-    ASSERT_GT(match.teamScore(Team::red) + match.teamScore(Team::blue), 0);
-    const auto alive = std::count_if(match.allShips().begin(), match.allShips().end(),
-                                     [](const Ship& ship) { return ship.alive; });
-    SceneGraph& scene = *SceneGraph::getInstance();
-    EXPECT_EQ(scene.getListOfType(SGT_PLAYER)->size(), static_cast<std::size_t>(alive));
-    EXPECT_EQ(scene.getListOfType(SGT_PROJECTILE)->size(), match.allShots().size());
-}

@@ -1,4 +1,4 @@
-#include "server/match/ScoreTable.h"
+#include "server/match/MatchResult.h"
 
 #include <iomanip>
 #include <sstream>
