@@ -164,15 +164,15 @@ Vector3 fightCentre(Team carrier, float time)
 
 ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
 {
-    const Team carrier = (self.team == Team::blue) == (role == Role::defender) ? Team::blue : Team::red;
     const Vector3 centre = fightCentre(carrier, view.time);
     updateTimers(view, random);
     reactToHit(self, random);
     chooseTarget(self, view, centre, random);
     const ShipView* enemy = findView(view.ships, target);
     const bool engaged = enemy != nullptr && self.position.distance(enemy->position) < engageRange;
+    updateReturning(self, centre, engaged);
     ShipInput input;
-    if (mustReturn(self, centre, engaged)) {
+    if (returning) {
         input = flyTowards(centre - self.position);
     } else if (breakAwayLeft > 0.0F || enemy == nullptr) {
         input = flyTowards(breakAwayDirection);
@@ -259,12 +259,11 @@ void Bot::startBreakAway(const Ship& self, Random& random)
 
 /// A bot that has left the fight flies back well inside before it fights again. It fights an enemy on its
 /// way, unless it is very far out.
-bool Bot::mustReturn(const Ship& self, const Vector3& centre, bool engaged)
+void Bot::updateReturning(const Ship& self, const Vector3& centre, bool engaged)
 {
     const float limit = returning ? fightRadius * returnShare : fightRadius;
     const float distance = self.position.distance(centre);
     returning = distance > limit && (!engaged || distance > 2.0F * fightRadius);
-    return returning;
 }
 
 ShipInput Bot::attack(const Ship& self, const ShipView& enemy, const BotView& view, Random& random)

@@ -51,20 +51,15 @@ Vector3 fightCentre(Team carrier, float time);
 
 /// Flies one ship with the same controls as a human.
 ///
-/// A defender stays in the fight near its own carrier, an attacker in the one near the enemy's. It prefers
-/// near enemies that few of its friends chase. It aims ahead of a moving enemy, dodges sideways, breaks away
-/// when it is hit or too close, and keeps clear of other ships. It spares ships that have just appeared,
-/// until they fire.
+/// It stays in the fight near one of the carriers, and prefers near enemies that few of its friends chase. It
+/// aims ahead of a moving enemy, dodges sideways, breaks away when it is hit or too close, and keeps clear of
+/// other ships. It spares ships that have just appeared, until they fire.
 class Bot
 {
 public:
-    enum class Role : std::uint8_t
+    Bot(ObjectId ship_, Team carrier_, const BotSkill& skill_) : ship(ship_), carrier(carrier_), skill(skill_)
     {
-        defender,
-        attacker
-    };
-
-    Bot(ObjectId ship_, Role role_, const BotSkill& skill_) : ship(ship_), role(role_), skill(skill_) {}
+    }
 
     ObjectId shipId() const { return ship; }
 
@@ -73,7 +68,7 @@ public:
 
 private:
     ObjectId ship;
-    Role role;
+    Team carrier;  ///< it fights near this team's carrier
     BotSkill skill;
     ObjectId target = noObject;
     float targetChoiceIn = 0.0F;  ///< seconds until it chooses a target again
@@ -93,7 +88,7 @@ private:
     void reactToHit(const Ship& self, Random& random);
     void chooseTarget(const Ship& self, const BotView& view, const Vector3& centre, Random& random);
     void startBreakAway(const Ship& self, Random& random);
-    bool mustReturn(const Ship& self, const Vector3& centre, bool engaged);
+    void updateReturning(const Ship& self, const Vector3& centre, bool engaged);
     ShipInput attack(const Ship& self, const ShipView& enemy, const BotView& view, Random& random);
     ShipInput flyTowards(const Vector3& direction) const;
 };

@@ -1,7 +1,5 @@
 #include "server/match/Match.h"
 
-#include "server/match/StateHash.h"
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -41,14 +39,15 @@ ObjectId Match::addHuman()
     return addShip(smallerTeam(), true, "Pilot " + std::to_string(humansJoined));
 }
 
-/// Attackers die more often and then have a long way back, so there are more of them.
+/// Three of eight bots defend their own carrier. More attack: they die more often and have a long way back.
 ObjectId Match::addBot()
 {
     const std::size_t index = bots.size();
     const Team team = index % 2 == 0 ? Team::blue : Team::red;
-    const auto role = index / 2 % 8 % 3 == 0 ? Bot::Role::defender : Bot::Role::attacker;
+    const bool isDefender = index / 2 % 8 % 3 == 0;
+    const Team carrier = isDefender == (team == Team::blue) ? Team::blue : Team::red;
     const ObjectId id = addShip(team, false, botName(index));
-    bots.emplace_back(id, role, drawSkill(settings.difficulty, random));
+    bots.emplace_back(id, carrier, drawSkill(settings.difficulty, random));
     return id;
 }
 
@@ -80,7 +79,6 @@ void Match::spawn(Ship& ship)
     // A human's view does not follow the ship, so the ship starts where the human already looks.
     ship.orientation = ship.human ? ship.input.orientation : lookAlong(-ship.position);
     ship.health = rules.fullHealth;
-    ship.reload = 0.0F;
     ship.sinceSpawn = 0.0F;
     ship.firedInLife = false;
     ship.alive = true;
@@ -322,23 +320,6 @@ void Match::startNextMatch()
 std::optional<MatchResult> Match::takeResult()
 {
     return std::exchange(result, std::nullopt);
-}
-
-std::uint64_t Match::stateHash() const
-{
-    StateHash hash;
-    hash.add(steps);
-    hash.add(matchNumber);
-    hash.add(intermissionLeft);
-    hash.add(redScore);
-    hash.add(blueScore);
-    for (const Ship& ship : ships) {
-        hash.add(ship);
-    }
-    for (const Shot& shot : shots) {
-        hash.add(shot);
-    }
-    return hash.value();
 }
 
 }  // namespace practice

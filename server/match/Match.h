@@ -76,8 +76,6 @@ public:
     /// Match time in milliseconds, wrapping like the timestamps of messages.
     std::uint32_t timestamp() const { return static_cast<std::uint32_t>(steps * 1000 / stepsPerSecond); }
 
-    std::uint64_t stateHash() const;
-
     /// For set-ups that place ships by hand; null if the id is unknown.
     Ship* editShip(ObjectId id);
 

@@ -1,13 +1,12 @@
 #include "server/match/MatchResult.h"
 
-#include <iomanip>
-#include <sstream>
+#include <cstdio>
 
 namespace practice {
 
 namespace {
 
-std::string verdict(const MatchResult& result)
+const char* verdict(const MatchResult& result)
 {
     if (result.blueScore == result.redScore) {
         return "a draw";
@@ -15,31 +14,20 @@ std::string verdict(const MatchResult& result)
     return result.blueScore > result.redScore ? "blue wins" : "red wins";
 }
 
-std::string headline(const MatchResult& result)
-{
-    std::ostringstream line;
-    line << "match " << result.number << " over after " << result.seconds / 60 << ':' << std::setw(2)
-         << std::setfill('0') << result.seconds % 60 << ": " << verdict(result) << ", blue "
-         << result.blueScore << " red " << result.redScore;
-    return line.str();
-}
-
-std::string standingLine(const MatchResult::Standing& standing)
-{
-    std::ostringstream line;
-    line << "  " << std::left << std::setw(5) << (standing.team == Team::blue ? "blue" : "red")
-         << std::setw(16) << standing.name << std::right << std::setw(4) << standing.kills << " kills"
-         << std::setw(5) << standing.deaths << " deaths";
-    return line.str();
-}
-
 }  // namespace
 
 std::vector<std::string> scoreTable(const MatchResult& result)
 {
-    std::vector<std::string> lines{headline(result)};
+    char line[128];  // every column is bounded, and names are the match's own
+    std::snprintf(line, sizeof line, "match %u over after %u:%02u: %s, blue %d red %d", result.number,
+                  result.seconds / 60, result.seconds % 60, verdict(result), result.blueScore,
+                  result.redScore);
+    std::vector<std::string> lines{line};
     for (const MatchResult::Standing& standing : result.standings) {
-        lines.push_back(standingLine(standing));
+        std::snprintf(line, sizeof line, "  %-5s%-16s%4d kills%5d deaths",
+                      standing.team == Team::blue ? "blue" : "red", standing.name.c_str(), standing.kills,
+                      standing.deaths);
+        lines.emplace_back(line);
     }
     return lines;
 }

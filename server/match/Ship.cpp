@@ -10,9 +10,7 @@ namespace {
 /// -1, 0 or 1; opposite keys held together cancel.
 float axis(std::uint32_t controls, std::uint32_t positive, std::uint32_t negative)
 {
-    const int plus = (controls & positive) != 0 ? 1 : 0;
-    const int minus = (controls & negative) != 0 ? 1 : 0;
-    return static_cast<float>(plus - minus);
+    return ((controls & positive) != 0 ? 1.0F : 0.0F) - ((controls & negative) != 0 ? 1.0F : 0.0F);
 }
 
 /// The push of the pressed keys in the ship's own frame; zero or unit length.

@@ -4,15 +4,6 @@
 
 namespace practice {
 
-namespace {
-
-bool mayHit(const Shot& shot, const Ship& ship, bool friendlyFire)
-{
-    return ship.alive && ship.id != shot.shooter && (ship.team != shot.team || friendlyFire);
-}
-
-}  // namespace
-
 Shot shotFrom(const Ship& ship, ObjectId id, const Rules& rules)
 {
     const Vector3 nose = noseOf(ship.orientation);
@@ -30,7 +21,8 @@ Ship* firstHit(const Shot& shot, std::vector<Ship>& ships, const Rules& rules, b
     Ship* hit = nullptr;
     float earliest = 2.0F;  // later than any contact
     for (Ship& ship : ships) {
-        if (!mayHit(shot, ship, friendlyFire)) {
+        const bool isEnemy = ship.team != shot.team || friendlyFire;
+        if (!ship.alive || !isEnemy || ship.id == shot.shooter) {
             continue;
         }
         const Vector3 shipBefore = ship.position - ship.velocity * dt;
