@@ -74,10 +74,10 @@ void PendingConnections::handleAccept(const error_code& error, tcp::socket socke
     if (error) {
         accepting = false;
         pause = pauseAfterFailure;
-        shortage.say("cannot accept a connection: " + error.message());
+        shortage.log("cannot accept a connection: " + error.message());
         return;
     }
-    shortage.over();
+    shortage.clear();
     waiting.push_back(std::move(socket));
     accept();
 }
