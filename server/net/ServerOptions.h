@@ -1,26 +1,27 @@
 #pragma once
 
 #include "server/match/MatchSettings.h"
-#include "service/LegacyCommandLine.h"
 
 #include <boost/asio/ip/address_v4.hpp>
 
 #include <cstdint>
+#include <optional>
 #include <string>
-#include <variant>
 
 namespace practice {
 
+/// What the server's command line sets.
 struct ServerOptions
 {
-    boost::asio::ip::address_v4 bind;
-    std::uint16_t port = 0;
-    unsigned bots = 0;
+    boost::asio::ip::address_v4 bind = boost::asio::ip::address_v4::loopback();
+    std::uint16_t port = 21042;  ///< 0: any free port
+    unsigned bots = 16;
     MatchSettings match;
     std::string measurements;  ///< the file to append to; empty: none
 };
 
-/// Reads the command line of the server; takes nothing for granted.
-std::variant<ServerOptions, commandline::End> readServerOptions(int argc, const char* const* argv);
+/// Reads the command line into `options`. Returns the status to end with, if the program should not go on;
+/// see commandline::parse.
+std::optional<int> readServerOptions(int argc, const char* const* argv, ServerOptions& options);
 
 }  // namespace practice
