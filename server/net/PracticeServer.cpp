@@ -122,7 +122,10 @@ void PracticeServer::welcome(tcp::socket socket)
     const Ship& ship = *match.findShip(shipId);
     const std::uint16_t qport = freshQport();
     const std::uint64_t now = match.stepCount();
-    session->send(broadcast.introduction(ship, qport));
+    session->send(welcomeFrame(ship, qport, match));
+    for (const std::string& frame : broadcast.introduction()) {
+        session->send(frame);
+    }
     session->flush();
     session->start([this, shipId](const framing::ClientFrame& frame) {
         Logger::getInstance()->countMessage(Logger::TCP_RECEIVED);

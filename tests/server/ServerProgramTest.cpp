@@ -45,7 +45,7 @@ TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
         std::string end;
         std::string text;
     } cases[] = {
-        {{"--bots", "none"}, "status 2", "--bots wants a whole number from 0 to 64, not 'none'"},
+        {{"--bots", "none"}, "status 2", "--bots: wants a whole number from 0 to 64, not 'none'"},
         {{"--port", portOf(other)}, "status 1", "Address already in use"},
         {{"--port", "0", "--bind", "192.0.2.1"}, "status 1", "Cannot assign requested address"},
         {{"--port", "0", "--log", "/no/such/folder"}, "status 1", "No such file or directory"},
