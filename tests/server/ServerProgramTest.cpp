@@ -26,7 +26,7 @@ std::string portOf(const Process& server)
     return line.substr(line.rfind(':') + 1, line.size() - line.rfind(':') - 2);
 }
 
-/// A name for a file of this test's own, which does not exist yet.
+/// The name of a file that does not exist yet.
 std::string freshFile(const std::string& name)
 {
     const auto path = std::filesystem::temp_directory_path() / (name + '.' + std::to_string(getpid()));
@@ -36,7 +36,7 @@ std::string freshFile(const std::string& name)
 
 }  // namespace
 
-TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
+TEST(ServerProgram, SaysInOneLineWhyItCannotServe)
 {
     const Process other = run({"--port", "0"});
     const struct
@@ -63,7 +63,7 @@ TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
     EXPECT_EQ(Process({"sh", "-c", "exec \"$0\" --help >/dev/full", VANTOR_SERVER}).end(), "status 1");
 }
 
-TEST(ServerProgram, EndsInOrderAtASignal)
+TEST(ServerProgram, EndsAtASignalWithItsTiming)
 {
     for (const int signal : {SIGINT, SIGTERM}) {
         Process server = run({"--port", "0"});
@@ -74,17 +74,17 @@ TEST(ServerProgram, EndsInOrderAtASignal)
     }
 }
 
-TEST(ServerProgram, PrintsTheTableOfEachMatchThatItsOptionsEnd)
+TEST(ServerProgram, PrintsTheTableOfAFinishedMatch)
 {
     const Process server = run({"--port", "0", "--bots", "2", "--time-limit", "1"});
     const std::string table =
-        "match 2 over after 0:01: a draw, blue 0 red 0\n"
+        "match 1 over after 0:01: a draw, blue 0 red 0\n"
         "  blue Altair             0 kills    0 deaths\n"
         "  red  Bellatrix          0 kills    0 deaths\n";
     EXPECT_TRUE(peer::eventually([&] { return server.hasPrinted(table); }, 30s)) << server.output();
 }
 
-TEST(ServerProgram, SaysOnceThatItsMeasurementsNoLongerFitOnTheDisk)
+TEST(ServerProgram, ReportsAFullDiskOnce)
 {
     const std::string log = freshFile("vantor-full-disk");
     const Process server({"sh", "-c", "ulimit -f 2; exec \"$0\" --port 0 --log \"$1\"", VANTOR_SERVER, log});
@@ -96,7 +96,7 @@ TEST(ServerProgram, SaysOnceThatItsMeasurementsNoLongerFitOnTheDisk)
     std::filesystem::remove(log);
 }
 
-TEST(ServerProgram, LogsARowOfMeasurementsEachSecondThatCanBeDrawn)
+TEST(ServerProgram, LogsMeasurementsThatCanBeDrawn)
 {
     const std::string log = freshFile("vantor-measurements");
     const std::string picture = log + ".png";
