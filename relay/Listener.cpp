@@ -53,7 +53,7 @@ void Listener::accept()
             pauseAccepting(error);
             return;
         }
-        shortage.over();
+        shortage.clear();
         onConnection(std::move(socket));
         accept();
     });
@@ -61,7 +61,7 @@ void Listener::accept()
 
 void Listener::pauseAccepting(const error_code& error)
 {
-    shortage.say("cannot take connections: " + error.message());
+    shortage.log("cannot take connections: " + error.message());
     acceptPause.expires_after(acceptRetry);
     acceptPause.async_wait([this](const error_code& cancelled) {
         if (!closed && !cancelled) {

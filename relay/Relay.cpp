@@ -70,10 +70,10 @@ void Relay::stop()
 void Relay::handleConnection(tcp::socket socket)
 {
     if (links.size() < mostLinks) {
-        linksRefused.over();
+        linksRefused.clear();
         addLink(std::move(socket));
     } else {
-        linksRefused.say("turning away connections: " + std::to_string(mostLinks) + " are open");
+        linksRefused.log("turning away connections: " + std::to_string(mostLinks) + " are open");
     }
 }
 
@@ -102,7 +102,7 @@ std::shared_ptr<UdpFlow> Relay::flowOf(const UdpFlow::Endpoint& client)
     if (flows.size() < mostFlows) {
         return addFlow(client);
     }
-    flowsRefused.say("ignoring new senders of datagrams: " + std::to_string(mostFlows) + " are active");
+    flowsRefused.log("ignoring new senders of datagrams: " + std::to_string(mostFlows) + " are active");
     return nullptr;
 }
 
@@ -114,10 +114,10 @@ std::shared_ptr<UdpFlow> Relay::addFlow(const UdpFlow::Endpoint& client)
         ++flowCount;
         flow->start();
         flows[client] = flow;
-        flowsRefused.over();
+        flowsRefused.clear();
         return flow;
     } catch (const boost::system::system_error& error) {
-        flowsRefused.say("ignoring new senders of datagrams: " + error.code().message());
+        flowsRefused.log("ignoring new senders of datagrams: " + error.code().message());
         return nullptr;
     }
 }

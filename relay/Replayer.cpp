@@ -34,10 +34,10 @@ void Replayer::stop()
 void Replayer::handleConnection(tcp::socket socket)
 {
     if (session != nullptr && !session->hasEnded()) {
-        refused.say("turning away clients: another one is watching");
+        refused.log("turning away clients: another one is watching");
         return;
     }
-    refused.over();
+    refused.clear();
     const std::string name = "client " + std::to_string(++sessionCount);
     log(name + ": connected");
     session = std::make_shared<ReplaySession>(std::move(socket), door.udp(), script, speed);

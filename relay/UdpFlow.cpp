@@ -65,7 +65,7 @@ void UdpFlow::receive()
 void UdpFlow::handleReceive(const error_code& error, std::size_t bytes)
 {
     if (!error) {
-        trouble.over();
+        trouble.clear();
         take(down, received.data(), bytes);
     } else if (error != boost::asio::error::connection_refused) {
         say(trouble, error.message());
@@ -77,7 +77,7 @@ void UdpFlow::handleReceive(const error_code& error, std::size_t bytes)
 
 void UdpFlow::say(LogOnce& complaint, const std::string& what)
 {
-    complaint.say("datagrams " + std::to_string(up.flow.number) + ": " + what);
+    complaint.log("datagrams " + std::to_string(up.flow.number) + ": " + what);
 }
 
 void UdpFlow::take(Way& way, const char* data, std::size_t size)
@@ -89,7 +89,7 @@ void UdpFlow::take(Way& way, const char* data, std::size_t size)
     }
     config.record(way.flow, Chunk::Kind::bytes, data, size);
     if (way.line.push(Clock::now(), std::string(data, size))) {
-        way.overfull.over();
+        way.overfull.clear();
     } else {
         say(way.overfull, "too many are under way, some are lost");
     }

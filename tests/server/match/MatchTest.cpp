@@ -215,7 +215,6 @@ TEST(MeasurementLog, CountsLivingShipsAndShots)
     boost::asio::io_context io;
     MeasurementLog log(io, game.match, name, [](const std::string& line) { ADD_FAILURE() << line; });
     io.run_one();
-    log.stop();
     std::ifstream file(name);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
     EXPECT_NE(text.find("              2,              1,"), std::string::npos) << text;
