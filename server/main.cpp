@@ -1,6 +1,5 @@
 #include "Common/PrintableText.h"
 #include "server/net/MeasurementLog.h"
-#include "server/net/PracticeServer.h"
 #include "server/net/ServerOptions.h"
 #include "service/StatusLine.h"
 
@@ -13,17 +12,11 @@
 
 namespace {
 
-void serve(const practice::ServerOptions& options)
+void serve(practice::ServerOptions& options)
 {
-    practice::ServerConfig config;
-    config.bind = options.bind;
-    config.port = options.port;
-    config.bots = options.bots;
-    config.match = options.match;
-    config.log = writeStatusLine;
-
+    options.server.log = writeStatusLine;
     boost::asio::io_context io(1);
-    practice::PracticeServer server(io, config);
+    practice::PracticeServer server(io, options.server);
     std::optional<practice::MeasurementLog> measurements;
     if (!options.measurements.empty()) {
         measurements.emplace(io, options.measurements, writeStatusLine);
@@ -31,12 +24,10 @@ void serve(const practice::ServerOptions& options)
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
     signals.async_wait([&](const boost::system::error_code&, int) {
         server.stop();
-        if (measurements) {
-            measurements->stop();
-        }
+        io.stop();
     });
     server.start();
-    writeStatusLine("ready " + options.bind.to_string() + ":" + std::to_string(server.port()));
+    writeStatusLine("ready " + options.server.bind.to_string() + ":" + std::to_string(server.port()));
     io.run();
     writeStatusLine(server.timing());
 }

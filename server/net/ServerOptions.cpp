@@ -32,6 +32,7 @@ std::string checkAddress(const std::string& text)
 
 std::optional<int> readServerOptions(int argc, const char* const* argv, ServerOptions& options)
 {
+    ServerConfig& config = options.server;
     CLI::App app("Hosts a practice match.", "vantor-server");
     const auto number = [&app](const char* name, auto& value, std::uint32_t largest, const char* text) {
         return app.add_option(name, value, text)
@@ -44,17 +45,17 @@ std::optional<int> readServerOptions(int argc, const char* const* argv, ServerOp
         return app.add_option_function<std::string>(name, set, text)
             ->check(CLI::IsMember(&choices).description(""));
     };
-    const auto setAddress = [&options](const std::string& text) {
-        options.bind = boost::asio::ip::make_address_v4(text);
+    const auto setAddress = [&config](const std::string& text) {
+        config.bind = boost::asio::ip::make_address_v4(text);
     };
-    MatchSettings& match = options.match;
-    number("--port", options.port, 65535, "TCP and UDP port; 0 takes any free one");
+    MatchSettings& match = config.match;
+    number("--port", config.port, 65535, "TCP and UDP port; 0 takes any free one");
     app.add_option_function<std::string>("--bind", setAddress,
                                          "IPv4 address to listen on; 0.0.0.0 lets other machines in")
         ->check(checkAddress)
-        ->default_str(options.bind.to_string())
+        ->default_str(config.bind.to_string())
         ->type_name("ADDRESS");
-    number("--bots", options.bots, mostBots, "computer pilots, 0 to 64, evenly on both teams");
+    number("--bots", config.bots, mostBots, "computer pilots, 0 to 64, evenly on both teams");
     choice("--difficulty", match.difficulty, difficulties, "of the bots: easy, normal or hard")
         ->default_str("normal")
         ->type_name("LEVEL");

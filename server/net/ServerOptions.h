@@ -1,10 +1,7 @@
 #pragma once
 
-#include "server/match/MatchSettings.h"
+#include "server/net/PracticeServer.h"
 
-#include <boost/asio/ip/address_v4.hpp>
-
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -13,10 +10,7 @@ namespace practice {
 /// What the server's command line sets.
 struct ServerOptions
 {
-    boost::asio::ip::address_v4 bind = boost::asio::ip::address_v4::loopback();
-    std::uint16_t port = 21042;  ///< 0: any free port
-    unsigned bots = 16;
-    MatchSettings match;
+    ServerConfig server;
     std::string measurements;  ///< the file to append to; empty: none
 };
 
