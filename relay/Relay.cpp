@@ -1,5 +1,8 @@
 #include "relay/Relay.h"
 
+#include "relay/TcpLink.h"
+#include "relay/UdpFlow.h"
+
 #include <stdexcept>
 #include <string>
 #include <utility>

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "relay/Listener.h"
-#include "relay/TcpLink.h"
-#include "relay/UdpFlow.h"
+#include "relay/RelayConfig.h"
 #include "service/LogOnce.h"
 
 #include <cstdint>
@@ -10,6 +9,9 @@
 #include <memory>
 
 namespace relay {
+
+class TcpLink;
+class UdpFlow;
 
 /// Stands between clients and a server: listens on 127.0.0.1 as the server would, and passes on what both
 /// sides send, spoilt as the config asks.
