@@ -16,7 +16,7 @@ end_daemons() {  # of GNUstep, which stay for some seconds
 
 launch() {  # launch ARGUMENT...: sets output
     local status=0
-    output=$("$bundle/Probe" "$@" 2>"$work/errors") || status=$?
+    output=$(timeout --signal KILL 30 "$bundle/Probe" "$@" 2>"$work/errors") || status=$?
     [ $status -eq 7 ] || fail "status $status: $(cat "$work/errors")"
 }
 
@@ -57,5 +57,5 @@ done
 
 # An open descriptor still starts a program whose folder is gone.
 status=0
-output=$(exec 9<"$bundle/Probe"; rm -r "$beside"; exec /proc/self/fd/9 -psn_0_1234 2>&1) || status=$?
+output=$(exec 9<"$bundle/Probe"; rm -r "$beside"; exec timeout --signal KILL 30 /proc/self/fd/9 -psn_0_1234 2>&1) || status=$?
 [ $status -eq 134 ] && [[ $output == *'chdir (parentdir) == 0'* ]] || fail "no abort: $status $output"
