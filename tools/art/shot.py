@@ -72,4 +72,4 @@ def build():
 
 
 def make(path):
-    return mesh.write_obj(path, "shot", build(), (0, 0, 0), mesh.Shading(SCALE))
+    return mesh.write_obj(path, "shot", build(), mesh.Shading(SCALE))
