@@ -56,7 +56,7 @@ def fighter_texture(path):
     rng = np.random.default_rng(21042)
     canvas = np.ones((512, 512))
     hull = canvas[:384]
-    panels.Plating(rng, hull, tone=0.90, spread=0.08, smallest=15, section=150).cover()
+    panels.plating(rng, hull, tone=0.90, spread=0.08, smallest=15, section=150)
     panels.scratches(rng, hull, 260)
     panels.wear(rng, hull, 0.035)
     stripes(hull[40:52, 330:420], 12, 0.45)
@@ -80,7 +80,7 @@ def fighter_texture(path):
 def deck_cell(rng, canvas):
     """32 units of runway: dark plates, side lines, a dash and a chevron, lamps, tyre marks."""
     height, width = canvas.shape
-    panels.Plating(rng, canvas, tone=0.41, spread=0.05, smallest=30, section=180).cover()
+    panels.plating(rng, canvas, tone=0.41, spread=0.05, smallest=30, section=180)
     panels.wear(rng, canvas, 0.06)
     y, x = np.mgrid[0:height, 0:width]
     across = np.abs(y - height / 2) / height          # 0 on the centre line, 0.5 at the edge
@@ -111,14 +111,14 @@ def carrier_texture(path):
     rng = np.random.default_rng(42)
     canvas = np.ones((1024, 1024))
     hull = canvas[:512]
-    panels.Plating(rng, hull, tone=0.80, spread=0.17, smallest=14, section=190).cover()
+    panels.plating(rng, hull, tone=0.80, spread=0.17, smallest=14, section=190)
     panels.scratches(rng, hull, 700)
     panels.wear(rng, hull, 0.05)
     for y in (96, 230, 410):
         panels.windows(rng, hull[y:y + 14], 14, lit=1.0, dark=0.25)
 
     decks = canvas[512:640]
-    panels.Plating(rng, decks, tone=0.62, spread=0.06, smallest=26, section=200).cover()
+    panels.plating(rng, decks, tone=0.62, spread=0.06, smallest=26, section=200)
     panels.windows(rng, decks, 16, lit=1.0, dark=0.22)
     panels.machinery(rng, canvas[640:768])
 
