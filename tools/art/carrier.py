@@ -8,8 +8,7 @@ AHEAD moves the finished ship to its place.
 import numpy as np
 
 import mesh
-from carrier_fittings import antennas, greebles, parked_fighters, runway_lamps, turrets
-from carrier_lights import lights
+from carrier_fittings import antennas, greebles, lights, parked_fighters, runway_lamps, turrets
 from textures import (CARRIER_BAY, CARRIER_BRIGHT, CARRIER_DARK, CARRIER_DECK, CARRIER_GLOW,
                       CARRIER_HULL, CARRIER_TRENCH, CARRIER_UNITS, CARRIER_WINDOWS)
 

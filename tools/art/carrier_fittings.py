@@ -1,4 +1,4 @@
-"""The small things on the carrier that give it scale: guns, boxes, parked fighters, lamp posts, masts.
+"""The small things on the carrier that show how large it is: guns, boxes, parked fighters, lamps, masts.
 
 Lengths are the carrier's; z counts from amidships.
 """
@@ -15,6 +15,22 @@ TURRETS = [(22.5, 8.0, 88.0, 50.0), (20.5, 8.0, 136.0, 40.0), (33.0, 11.5, -88.0
            (53.0, 5.0, -30.0, 80.0), (53.0, 5.0, 6.0, 60.0), (53.0, 5.0, -66.0, 110.0)]
 # masts on the bridge: x, z, foot, top
 MASTS = [(-6, -40, 60, 82), (6, -42, 60, 76), (0, -58, 41, 58), (15, -44, 57, 68), (-15, -44, 57, 66)]
+# Rows of lamps and lit windows: the first and the last one's centre, their number, and half their sides `right` and
+# `up`. Each faces right x up and shines, so they draw the ship's lines in full team colour from everywhere.
+LIGHTS = [
+    # the band of windows around the head of the tower
+    ((1.7, 53.9, -21.85), (15.3, 53.9, -21.85), 5, (1.25, 0, 0), (0, 0.75, 0.55)),
+    ((-1.7, 53.9, -47.95), (-15.3, 53.9, -47.95), 5, (-1.25, 0, 0), (0, 0.75, -0.55)),
+    ((18.3, 54.0, -25.0), (18.3, 54.0, -44.5), 6, (0, 0, -1.2), (0.4, 0.75, 0)),
+    # windows in the back of the hangar, and beacons along its roof
+    ((-2.0, 11.5, -96.2), (-20.0, 11.5, -96.2), 5, (-0.9, 0, 0), (0, 0.6, 0)),
+    ((-2.0, 15.0, -96.2), (-18.5, 15.0, -96.2), 5, (-0.9, 0, 0), (0, 0.6, 0)),
+    ((-2.0, 18.5, -96.2), (-15.5, 18.5, -96.2), 5, (-0.9, 0, 0), (0, 0.6, 0)),
+    ((19.4, 32.1, -76.0), (19.4, 32.1, 2.0), 9, (0, 0, -1.2), (-0.6, 0.3, 0)),
+    # windows on the outer flanks of the side pods, and lamps along their roofs
+    ((64.2, -4.5, -80.0), (64.2, -4.5, 16.0), 12, (0, 0, -1.5), (0, 0.55, 0)),
+    ((60.2, 5.2, -80.0), (60.2, 5.2, 16.0), 7, (0, 0, -1.0), (-0.5, 0.2, 0)),
+]
 UP = np.array([0.0, 1.0, 0.0])
 
 
@@ -110,7 +126,7 @@ def runway_lamps(half, deck):
 
 
 def parked_fighters(half, deck):
-    """Rows of small craft beside the runway, which tell how large the ship is."""
+    """Rows of small craft beside the runway."""
     for z in np.arange(36.0, 80.0, 5.5):
         parked(half, (22.5, deck + 0.5, z))
     for z in np.arange(34.0, 130.0, 5.5):
@@ -119,7 +135,7 @@ def parked_fighters(half, deck):
 
 
 def parked(half, place):
-    """A fighter of the fleet as far as one sees it from above, 3.6 units long."""
+    """The upper side of a fighter of the fleet, 3.6 units long."""
     left, ahead = heading(-35.0)
 
     def face(points):
@@ -143,3 +159,26 @@ def antennas(shape):
     rim, coords = mesh.round_section(10, 4.2, -38.4, (0.0, 66.0)), [(0.3 + 0.02 * j, 0.6) for j in range(10)]
     shape.fan(rim, (0.0, 66.0, -40.0), coords, (0.3, 0.63), object())
     shape.fan(rim[::-1], (0.0, 66.0, -40.3), coords, (0.3, 0.63), object())
+
+
+def light(half, centre, right, up):
+    centre, right, up = np.array([centre, right, up], float)
+    half.face([centre - right - up, centre + right - up, centre + right + up, centre - right + up],
+              CARRIER_BRIGHT, normal=mesh.GLOWING)
+
+
+def lights(half, hull):
+    """The rows, and lamps that follow the lines of the table `hull`."""
+    z, wide, edge, _, _, keel = np.array(hull).T
+    for at in np.arange(z[0] + 4, z[-1] - 2, 9.5):     # along the edge of the upper deck
+        place = (np.interp(at, z, wide) * 0.885 + 0.2, np.interp(at, z, edge) + 0.3, at)
+        light(half, place, (0, 0, -1.0), (-0.5, 0.16, 0))
+    for first, last, count, right, up in LIGHTS:
+        for place in np.linspace(first, last, count):
+            light(half, place, right, up)
+    for at in np.arange(z[1] + 6, z[-1] - 40, 11.0):   # along the bottom of the trench in the side
+        light(half, (np.interp(at, z, wide) - 3.6, -1.0, at), (0, 0, -1.6), (0, 0.55, 0))
+    for at in np.linspace(-3.0, -21.0, 6):             # across the stern
+        light(half, (at, 8.0, -122.2), (-1.0, 0, 0), (0, 0.5, 0))
+    for at in np.arange(-96.0, 150.0, 20.0):           # below the keel
+        light(half, (6.5, np.interp(at, z, keel) - 0.25, at), (0.7, 0, 0), (0, 0, 1.5))

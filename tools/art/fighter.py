@@ -1,9 +1,8 @@
 """fighter.obj: nose along +z, up +y, drawn at 0.05; 78 model units long, 88 wide.
 
-The chase camera sits 100 model units behind and 40 above, so the stern, the upper
-wings and the fins carry the look; the stern stays short to keep it in the picture.
-An enemy 300 units away is a few pixels: wings, fins and engines are wide and thick
-for its sake.
+The camera sits 100 model units behind and 40 above, so it sees mostly the stern, the upper wings and the fins. The stern
+is short, so that all of it is in the picture. An enemy 300 units away is a few pixels: wings, fins and engines are wide
+and thick so that it can be seen.
 """
 
 import mesh

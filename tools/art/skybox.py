@@ -41,7 +41,7 @@ NEBULAE = [
 ]
 
 
-# the light along the horizon, before which ships of both teams are seen: where, and its colour
+# the light along the horizon, behind most ships: direction and colour
 HORIZON_HEIGHT = 0.34
 HORIZON = [((-1.0, 0.0, 0.0), (0.150, 0.105, 0.060)), ((1.0, 0.0, 0.0), (0.078, 0.074, 0.062)),
            ((0.0, 0.0, -1.0), (0.120, 0.085, 0.165)), ((0.0, 0.0, 1.0), (0.085, 0.100, 0.125))]
@@ -109,7 +109,7 @@ def sun(d):
 
 
 def planet_light(points):
-    """Colour and cover (0..1) of the ringed planet, 3 x 3 samples for each pixel."""
+    """Colour and cover (0..1) of the ringed planet at points of the cube, from 3 x 3 samples for each pixel."""
     colour, cover = np.zeros(points.shape), np.zeros(points.shape[:-1])
     length = np.linalg.norm(points, axis=-1)
     near = points @ PLANET > np.cos(PLANET_RADIUS * RING_OUTER * 1.15) * length
@@ -123,7 +123,7 @@ def planet_light(points):
 
 
 def planet_close(d):
-    """Planet radius 1, its centre at the distance at which it looks PLANET_RADIUS wide."""
+    """Colour and cover in directions near the planet. Lengths are its radii; its distance makes it look PLANET_RADIUS."""
     distance = 1 / np.sin(PLANET_RADIUS)
     centre = PLANET * distance
     along = d @ centre

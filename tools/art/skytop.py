@@ -15,8 +15,8 @@ from skylayout import directions, rise
 GROUND = np.array([0.020, 0.024, 0.040])
 GAS = np.array([0.12, 0.11, 0.21])
 VEINS = np.array([0.22, 0.20, 0.30])
-EVEN = 0.42       # the dome's gas where it must be one and the same, of 0..1
-SOFT = 0.55       # how much of GAS the dome's thickest gas has
+EVEN = 0.42       # the dome's gas, of 0..1, where it must be the same everywhere
+SOFT = 0.55       # the share of GAS in the dome's thickest gas
 CLOSEST = 0.004   # of the cell: a line's colour is kept this far beside it
 
 
@@ -46,13 +46,12 @@ def shear_of_quarter(u, v):
 
 
 def borders(u, v):
-    """For each line that meets a side face: its distance, and its next point's place on the cube."""
+    """For each line that meets a side face: its distance, and the place of its nearest point on the cube."""
     one = np.ones_like(u)
-    falling, rising = (u + v) / 2, (1 - u + v) / 2
     return [(v, np.stack([2 * u - 1, one, -one], -1)),
             (1 - v, np.stack([1 - 2 * u, one, one], -1)),
-            (np.abs(u - v) / 2 ** 0.5, np.stack([-one, one, 2 * falling - 1], -1)),
-            (np.abs(u + v - 1) / 2 ** 0.5, np.stack([one, one, 2 * rising - 1], -1))]
+            (np.abs(u - v) / 2 ** 0.5, np.stack([-one, one, u + v - 1], -1)),
+            (np.abs(u + v - 1) / 2 ** 0.5, np.stack([one, one, v - u], -1))]
 
 
 def ground(u, v):

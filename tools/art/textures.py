@@ -1,7 +1,6 @@
-"""The two hull textures. Both are light gray, for the client multiplies a team colour in.
+"""The two hull textures. Both are light gray, because the client multiplies a team colour in.
 
-The atlas rectangles at the top are what the models' texture maps refer to; coordinates
-are (u, v) with v upwards, as in OBJ files.
+The models' texture maps use the areas at the top. Coordinates are (u, v) with v upwards, as in OBJ files.
 """
 
 import numpy as np
@@ -12,7 +11,7 @@ import panels
 # texture-white.png: plating above, four square cells below
 FIGHTER_UNITS = 64.0         # model units that the whole texture covers
 FIGHTER_HULL = (0.25, 1.0)   # v range of the plating; it tiles in u
-FIGHTER_WINGS = 0.06         # v of the wings' x = 0; they span x = 15 to 42
+FIGHTER_WINGS = 0.06         # v at x = 0 of the wings, which span x = 15 to 42
 FIGHTER_GLASS = (0.01, 0.01, 0.24, 0.24)
 FIGHTER_GLOW = ((0.375, 0.125), 0.118)     # centre and radius
 FIGHTER_VENT = (0.51, 0.01, 0.74, 0.24)
@@ -61,7 +60,7 @@ def fighter_texture(path):
     panels.wear(rng, hull, 0.035)
     stripes(hull[40:52, 330:420], 12, 0.45)
     stripes(hull[250:262, 60:150], 12, 0.45)
-    # From afar single texels are all one sees of the ship, whichever the pixels happen to hit: no deep black.
+    # From afar one sees only single texels of the ship, and any of them: so none is deep black.
     hull[:] = 0.24 + 0.76 * hull
     wing_band(hull)
 
