@@ -1,28 +1,27 @@
 #include "peer/ProtocolChecker.h"
 
 #include "network/Framing.h"
-#include "network/MessageTypes.h"
-#include "server/match/Match.h"
+#include "network/Messages.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace peer {
 
 namespace {
 
-/// Bytes, as promised to every client; deliberately not the server's own constant, which could change unseen.
-constexpr std::size_t largestDatagram = 1200;
+// Promises to every client. They repeat the server's constants on purpose: those could change unseen.
+constexpr std::size_t largestDatagram = 1200;  ///< bytes
 constexpr std::uint32_t snapshotSpacing = 50;  ///< milliseconds of match time
+constexpr std::uint64_t firstId = std::uint64_t(1)
+                                  << 32U;  ///< clients give smaller ids to objects of their own
 
-bool isFinite(const Vantor::Position& p)
+template <class State>
+bool hasPose(const State& state)
 {
-    return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
-}
-
-bool isUnit(const Vantor::Orientation& q)
-{
-    return std::abs(q.x() * q.x() + q.y() * q.y() + q.z() * q.z() + q.w() * q.w() - 1.0F) < 0.001F;
+    const Vector3 p = messages::toVector3(state.position());
+    const Quaternion q = messages::toQuaternion(state.orientation());
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z) &&
+           std::abs(q.dotProduct(q) - 1.0F) < 0.001F;
 }
 
 }  // namespace
@@ -34,103 +33,104 @@ void ProtocolChecker::expect(bool holds, const char* fault)
     }
 }
 
-void ProtocolChecker::hearDatagram(const char* data, std::size_t size)
+void ProtocolChecker::receiveDatagram(const Datagram& datagram)
 {
-    udpBytes += size;
-    expect(size <= largestDatagram, "a datagram of more than 1,200 bytes");
-    std::set<std::uint32_t> timestamps;
-    expect(hearFrames(data, size, timestamps) == size, "half a frame at the end of a datagram");
-    expect(timestamps.size() <= 1, "two times in one datagram");
-    for (const std::uint32_t timestamp : timestamps) {
-        expect(timestamp % snapshotSpacing == 0, "a snapshot between two multiples of 50 ms");
-        Snapshot& snapshot = times[timestamp];
-        snapshot.at = snapshot.datagrams == 0 ? Clock::now() : snapshot.at;
-        ++snapshot.datagrams;
+    traffic.datagramBytes += datagram.bytes.size();
+    expect(datagram.bytes.size() <= largestDatagram, "a datagram of more than 1,200 bytes");
+    timestamp.reset();
+    expect(receiveFrames(datagram.bytes) == datagram.bytes.size(), "half a frame at the end of a datagram");
+    if (timestamp) {
+        expect(*timestamp % snapshotSpacing == 0, "a snapshot between two multiples of 50 ms");
+        ++traffic.snapshots.try_emplace(*timestamp, Snapshot{datagram.arrival}).first->second.datagrams;
     }
 }
 
-void ProtocolChecker::hearStream(const char* data, std::size_t size)
+void ProtocolChecker::receiveStream(std::string& stream)
 {
-    tcpBytes += size;
-    pending.append(data, size);
-    std::set<std::uint32_t> timestamps;
-    pending.erase(0, hearFrames(pending.data(), pending.size(), timestamps));
-    expect(timestamps.empty(), "an update on TCP");
+    timestamp.reset();
+    const std::size_t used = receiveFrames(stream);
+    expect(!timestamp, "an update on TCP");
+    traffic.streamBytes += used;
+    stream.erase(0, used);
 }
 
-std::size_t ProtocolChecker::hearFrames(const char* data, std::size_t size,
-                                        std::set<std::uint32_t>& timestamps)
+std::size_t ProtocolChecker::receiveFrames(const std::string& bytes)
 {
     std::size_t used = 0;
-    while (const std::size_t length = framing::wholeFrameLength(data + used, size - used)) {
-        const char* frame = data + used + framing::lengthSize;
-        hearFrame(static_cast<unsigned char>(frame[0]), frame + 1, static_cast<int>(length) - 1, timestamps);
+    while (const std::size_t length = framing::wholeFrameLength(bytes.data() + used, bytes.size() - used)) {
+        receiveFrame(bytes.data() + used + framing::lengthSize, length);
         used += framing::lengthSize + length;
     }
     return used;
 }
 
-void ProtocolChecker::hearFrame(unsigned char type, const char* body, int size,
-                                std::set<std::uint32_t>& timestamps)
+void ProtocolChecker::receiveFrame(const char* frame, std::size_t size)
 {
-    Vantor::ObjectUpdate update;
-    Vantor::ObjectInfo info;
-    Vantor::ObjectDestroy destroy;
-    bool parsed = false;
-    switch (type) {
-        case MessageTypes::OBJECT_UPDATE:
-            parsed = update.ParseFromArray(body, size);
-            hearUpdate(update, timestamps);
-            break;
+    const auto parse = [&](auto message) {
+        const bool isValid = framing::parseBody(message, frame + 1, size - 1);
+        expect(isValid, "a body that is no message of its type");
+        if (isValid) {
+            receive(message);
+        }
+    };
+    switch (static_cast<unsigned char>(frame[0])) {
         case MessageTypes::OBJECT_INFO:
-            parsed = info.ParseFromArray(body, size);
-            hearInfo(info);
-            break;
+            return parse(Vantor::ObjectInfo());
+        case MessageTypes::OBJECT_UPDATE:
+            return parse(Vantor::ObjectUpdate());
         case MessageTypes::OBJECT_DESTROY:
-            parsed = destroy.ParseFromArray(body, size);  // perhaps of debris from before our time
-            break;
+            return parse(Vantor::ObjectDestroy());
         case MessageTypes::WELCOME:
-            parsed = greeting.id() == 0 && greeting.ParseFromArray(body, size);
-            break;
+            return parse(Vantor::Welcome());
         default:
-            break;
+            return expect(false, "a type byte that no server sends");
     }
-    expect(parsed, "a frame that is no message, or a second welcome");
 }
 
-void ProtocolChecker::hearUpdate(const Vantor::ObjectUpdate& update, std::set<std::uint32_t>& timestamps)
+void ProtocolChecker::receive(const Vantor::ObjectUpdate& update)
 {
-    timestamps.insert(update.timestamp());
-    updated.insert(update.id());
-    expect(isFinite(update.position()) && isUnit(update.orientation()), "an update without a pose");
+    expect(update.has_position() && update.has_orientation() && hasPose(update), "an update without a pose");
+    expect(!timestamp || timestamp == update.timestamp(), "two times in one datagram");
+    timestamp = update.timestamp();
+    if (announced.count(update.id()) == 0) {
+        unannounced.insert(update.id());  // its info may still be on its way: TCP and UDP keep no order
+    }
+    positions[update.id()] = messages::toVector3(update.position());
+    received.updates.push_back(update);
 }
 
-void ProtocolChecker::hearInfo(const Vantor::ObjectInfo& info)
+void ProtocolChecker::receive(const Vantor::ObjectInfo& info)
 {
-    announced.insert(info.id());
-    expect(info.id() >= practice::Match::firstId, "an id among those of the clients");
-    expect(isFinite(info.position()) && isUnit(info.orientation()), "an object without a pose");
-    expect(info.objecttype() == 0 ? info.has_playerdata() : info.has_projectiledata(),
-           "an object without its data");
+    const bool isShip = info.objecttype() == 0;
+    expect(welcome.id() != 0, "an object before the welcome");
+    expect(info.id() >= firstId, "an id among those of the clients");
+    expect(hasPose(info), "an object without a pose");
+    expect(isShip ? info.has_playerdata() : info.has_projectiledata(), "an object without its data");
+    if (isShip) {
+        announced.insert(info.id());
+        unannounced.erase(info.id());
+    }
+    positions[info.id()] = messages::toVector3(info.position());
+    received.infos.push_back(info);
 }
 
-void ProtocolChecker::beginMeasuring()
+void ProtocolChecker::receive(const Vantor::ObjectDestroy& destroy)
 {
-    times.clear();
-    udpBytes = 0;
-    tcpBytes = 0;
+    positions.erase(destroy.id());  // unknown ones are debris from before this client's time
+    received.destroyed.push_back(destroy.id());
+}
+
+void ProtocolChecker::receive(const Vantor::Welcome& message)
+{
+    expect(welcome.id() == 0, "a second welcome");
+    welcome = message;
 }
 
 std::map<std::string, std::uint64_t> ProtocolChecker::faults() const
 {
     auto result = found;
-    const auto strangers = std::count_if(updated.begin(), updated.end(),
-                                         [this](std::uint64_t id) { return announced.count(id) == 0; });
-    if (strangers > 0) {
-        result["a ship that moves but was never announced"] = static_cast<std::uint64_t>(strangers);
-    }
-    if (greeting.id() == 0) {
-        result["no welcome"] = 1;
+    if (!unannounced.empty()) {
+        result["a ship that moves but was never announced"] = unannounced.size();
     }
     return result;
 }

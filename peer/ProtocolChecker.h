@@ -1,59 +1,68 @@
 #pragma once
 
 #include "Common/Protobuf/Object/Object.pb.h"
+#include "math/Vector3.h"
+#include "peer/Endpoints.h"
 
-#include <chrono>
-#include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace peer {
 
-using Clock = std::chrono::steady_clock;
-
-/// Hears what a server sends to one client, checks all of it, and remembers when the snapshots came.
+/// Decodes, checks and records what a server sends to one client. Not thread-safe.
 ///
-/// A snapshot is all datagrams of one timestamp.
+/// Nothing received is trusted: what breaks the protocol is counted as a fault and skipped.
 class ProtocolChecker
 {
 public:
+    /// Empty it where messages must not pile up.
+    struct Received
+    {
+        std::vector<Vantor::ObjectInfo> infos;
+        std::vector<Vantor::ObjectUpdate> updates;
+        std::vector<std::uint64_t> destroyed;
+    };
+    /// The datagrams of one timestamp.
     struct Snapshot
     {
-        Clock::time_point at;  ///< of its first datagram
+        Clock::time_point arrival;  ///< of the first datagram
         unsigned datagrams = 0;
     };
+    struct Traffic
+    {
+        std::map<std::uint32_t, Snapshot> snapshots;  ///< by timestamp
+        std::uint64_t datagramBytes = 0;
+        std::uint64_t streamBytes = 0;
+    };
 
-    void hearDatagram(const char* data, std::size_t size);
-    void hearStream(const char* data, std::size_t size);
+    Received received;
+    Traffic traffic;
+    Vantor::Welcome welcome;                     ///< id 0 until it has come
+    std::map<std::uint64_t, Vector3> positions;  ///< newest of each object that is not destroyed
 
-    /// Forgets the traffic so far, but not the objects and the faults.
-    void beginMeasuring();
+    void receiveDatagram(const Datagram& datagram);
+    /// Takes the whole frames away from the front of a stream.
+    void receiveStream(std::string& stream);
 
-    const Vantor::Welcome& welcome() const { return greeting; }
-    const std::map<std::uint32_t, Snapshot>& snapshots() const { return times; }
-    std::uint64_t datagramBytes() const { return udpBytes; }
-    std::uint64_t streamBytes() const { return tcpBytes; }
-
-    /// What was wrong with what came, each kind once with its count; to be asked at the end.
+    /// Each kind of fault so far, with its count; empty where the server kept to the protocol.
     std::map<std::string, std::uint64_t> faults() const;
 
 private:
-    Vantor::Welcome greeting;
-    std::string pending;                      ///< of the stream
-    std::set<std::uint64_t> announced;        ///< objects that an info told of
-    std::set<std::uint64_t> updated;          ///< objects that an update told of
-    std::map<std::uint32_t, Snapshot> times;  ///< by timestamp
+    std::set<std::uint64_t> announced;       ///< ships that an info told of
+    std::set<std::uint64_t> unannounced;     ///< ships with an update only
+    std::optional<std::uint32_t> timestamp;  ///< of the updates in the bytes being received
     std::map<std::string, std::uint64_t> found;
-    std::uint64_t udpBytes = 0;
-    std::uint64_t tcpBytes = 0;
 
-    std::size_t hearFrames(const char* data, std::size_t size, std::set<std::uint32_t>& timestamps);
-    void hearFrame(unsigned char type, const char* body, int size, std::set<std::uint32_t>& timestamps);
-    void hearUpdate(const Vantor::ObjectUpdate& update, std::set<std::uint32_t>& timestamps);
-    void hearInfo(const Vantor::ObjectInfo& info);
+    std::size_t receiveFrames(const std::string& bytes);
+    void receiveFrame(const char* frame, std::size_t size);
+    void receive(const Vantor::ObjectUpdate& update);
+    void receive(const Vantor::ObjectInfo& info);
+    void receive(const Vantor::ObjectDestroy& destroy);
+    void receive(const Vantor::Welcome& message);
     void expect(bool holds, const char* fault);
 };
 

@@ -2,12 +2,9 @@
 
 #include "network/Framing.h"
 
-#include <boost/asio/buffer.hpp>
-#include <boost/asio/write.hpp>
-
-#include <array>
-
 namespace peer {
+
+using Lock = std::unique_lock<std::mutex>;
 
 std::string rawFrame(unsigned char type, const std::string& body)
 {
@@ -29,76 +26,77 @@ std::optional<SteeringDatagram> parseSteering(const std::string& datagram)
     return SteeringDatagram{*steering, frame.qport};
 }
 
-using Lock = std::lock_guard<std::mutex>;
-using boost::asio::buffer;
-
 ScriptedServer::~ScriptedServer()
 {
     stopped = true;
     thread.join();
 }
 
-void ScriptedServer::work()
+void ScriptedServer::run()
 {
-    constexpr std::uint64_t unknownObject = 999999999;
-    for (; !stopped; std::this_thread::sleep_for(1ms)) {
+    const std::string heartbeat = messages::updateFrame(999999999, 1, {});
+    for (Clock::time_point next; !stopped; std::this_thread::sleep_for(1ms)) {
         const Lock lock(mutex);
         receive();
-        if (hasHeartbeat && client.port() != 0 && Clock::now() >= nextBeat) {
-            nextBeat = Clock::now() + 100ms;
-            boost::system::error_code gone;
-            ports.udp.send_to(buffer(messages::updateFrame(unknownObject, 1, {})), client, 0, gone);
+        if (hasHeartbeat && !datagrams.received.empty() && Clock::now() >= next) {
+            next = Clock::now() + 100ms;
+            datagrams.send(heartbeat, datagrams.received.back().sender);
         }
     }
 }
 
-// Takes what is there, without waiting.
 void ScriptedServer::receive()
 {
     boost::system::error_code error;
-    std::array<char, 4096> bytes{};
-    if (!tcp.is_open()) {
+    if (stream) {
+        stream->poll();
+    } else {
         ports.acceptor.non_blocking(true);
-        ports.acceptor.accept(tcp, error);
-        received.connected = received.connected || !error;
-    } else if (tcp.available(error) > 0) {
-        received.tcpBytes += tcp.read_some(buffer(bytes), error);
-    }
-    for (boost::asio::ip::udp::endpoint sender;;) {
-        const std::size_t size = ports.udp.receive_from(buffer(bytes), sender, 0, error);
-        if (error) {
-            return;
+        boost::asio::ip::tcp::socket accepted = ports.acceptor.accept(error);
+        if (!error) {
+            stream.emplace(std::move(accepted));
         }
-        client = sender;
-        received.datagrams.push_back({Clock::now(), std::string(bytes.data(), size)});
     }
+    datagrams.poll();
 }
 
 ScriptedServer::Record ScriptedServer::record() const
 {
     const Lock lock(mutex);
-    return received;
+    return {stream.has_value(), stream ? stream->received.size() : 0, datagrams.received};
+}
+
+SteeringDatagram ScriptedServer::lastSteering() const
+{
+    const Lock lock(mutex);
+    return parseSteering(datagrams.received.at(datagrams.received.size() - 1).bytes).value();
 }
 
 bool ScriptedServer::sendTcp(const std::string& bytes)
 {
-    const Lock lock(mutex);
-    boost::system::error_code gone;
-    boost::asio::write(tcp, buffer(bytes), gone);
-    return !gone;
+    Lock lock(mutex);
+    if (stream) {
+        stream->send(bytes);
+    }
+    while (stream && !stream->isSent()) {
+        lock.unlock();
+        std::this_thread::sleep_for(1ms);
+        lock.lock();
+        stream->poll();
+    }
+    return stream && !stream->end;
 }
 
 void ScriptedServer::sendUdp(const std::string& bytes)
 {
     const Lock lock(mutex);
-    boost::system::error_code gone;
-    ports.udp.send_to(buffer(bytes), client, 0, gone);
+    datagrams.send(bytes, datagrams.received.at(datagrams.received.size() - 1).sender);
 }
 
 void ScriptedServer::closeTcp()
 {
     const Lock lock(mutex);
-    tcp.close();
+    stream->close();
 }
 
 }  // namespace peer

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "network/Messages.h"
-#include "peer/Waiting.h"
+#include "peer/Endpoints.h"
 #include "service/PortPair.h"
 
 #include <atomic>
@@ -13,30 +13,25 @@
 
 namespace peer {
 
-/// A server's frame of whatever type and body; the length is right.
+/// A server's frame of any type and body. The length field is right.
 std::string rawFrame(unsigned char type, const std::string& body);
 
-/// A client's datagram, taken apart.
+/// What a client's datagram says.
 struct SteeringDatagram : messages::Steering
 {
     std::uint16_t qport = 0;
 };
 
-/// Nothing where the datagram is not exactly one frame that holds a ClientUpdate and no byte more.
+/// Nothing unless the datagram is exactly one frame of a ClientUpdate.
 std::optional<SteeringDatagram> parseSteering(const std::string& datagram);
 
-/// A server for one client on 127.0.0.1, TCP and UDP on one port number, that says only what the test tells
-/// it to, and writes down what the client sends.
+/// A server for one client on 127.0.0.1, TCP and UDP on one port number. It sends only what the test tells it
+/// to, and records what the client sends.
 ///
-/// A thread of its own receives; every operation may be called from any thread.
+/// A thread of its own receives. Every function may be called from any thread.
 class ScriptedServer
 {
 public:
-    struct Datagram
-    {
-        Clock::time_point arrival;
-        std::string bytes;
-    };
     struct Record
     {
         bool connected = false;
@@ -51,32 +46,30 @@ public:
 
     /// What the client has done so far.
     Record record() const;
-    /// The newest update, of which there must be one; throws where it is malformed.
-    SteeringDatagram lastSteering() const { return parseSteering(record().datagrams.back().bytes).value(); }
+    /// Of the newest datagram, of which there must be one; throws where it is malformed.
+    SteeringDatagram lastSteering() const;
 
-    /// False where the client is gone.
+    /// Waits until the client's system has taken all. False if there is no client any more.
     bool sendTcp(const std::string& bytes);
-    /// To where the client's last datagram came from.
+    /// To the sender of the newest datagram.
     void sendUdp(const std::string& bytes);
     void closeTcp();
 
-    /// From the client's first datagram on, the state of an object that nobody knows keeps its watchdog
-    /// quiet.
+    /// Ten times a second, from the client's first datagram on: an update of an unknown object, which keeps
+    /// the client's watchdog quiet.
     std::atomic<bool> hasHeartbeat = true;
 
 private:
-    void work();
+    void run();
     void receive();
 
     boost::asio::io_context io;
     PortPair ports{io, 0};
-    boost::asio::ip::tcp::socket tcp{io};
-    boost::asio::ip::udp::endpoint client;  ///< port 0 until the first datagram
-    Clock::time_point nextBeat;
-    Record received;
+    DatagramEnd datagrams{std::move(ports.udp)};
+    std::optional<StreamEnd> stream;
     mutable std::mutex mutex;  ///< guards the fields from `io` to here
     std::atomic<bool> stopped = false;
-    std::thread thread{[this] { work(); }};
+    std::thread thread{[this] { run(); }};
 };
 
 }  // namespace peer

@@ -8,7 +8,7 @@ namespace peer {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-/// Asks every few milliseconds until `condition` holds (true) or the time is over (its last answer).
+/// Asks every few milliseconds until the condition holds. False if it does not hold when the time is over.
 template <class Condition>
 bool eventually(Condition condition, Clock::duration timeout = 10s)
 {

@@ -1,84 +1,211 @@
-#include "peer/Swarm.h"
+// Plays many clients against a server and measures what they receive.
 #include "Common/PrintableText.h"
-#include "service/LegacyCommandLine.h"
+#include "peer/HeadlessClient.h"
+#include "service/CommandLine.h"
 
-#include <boost/program_options/value_semantic.hpp>
-
-#include <cstdio>
-#include <exception>
+#include <algorithm>
+#include <iomanip>
 #include <iostream>
 #include <limits>
+#include <list>
+#include <random>
 #include <stdexcept>
-#include <variant>
 
 namespace {
 
-namespace po = boost::program_options;
+using namespace std::chrono_literals;
+using peer::Clock;
 
-constexpr const char* program = "vantor-swarm";
-constexpr std::chrono::seconds warmUp{3};
-constexpr std::uint32_t mostClients = 1000;
-constexpr std::uint32_t longest = 86'400;  ///< seconds
+constexpr std::chrono::milliseconds warmUp = 3s;
+constexpr std::chrono::milliseconds steeringPeriod = 50ms;
+constexpr float courseChanges = 0.05F;  ///< share of the steering; about one a second
+constexpr double leastSnapshotRate =
+    19.5;                             ///< a second; 20 less those that the ends of the measured time cut off
+constexpr std::uint32_t forward = 1;  ///< control bits
+constexpr std::uint32_t fire = 0x40000000;
 
-struct Options
+/// Steers by chance and fires about half of the time.
+class Pilot
 {
-    std::uint16_t port;
-    unsigned clients;
-    std::chrono::seconds seconds;
+public:
+    Pilot(boost::asio::io_context& io, std::uint16_t port, unsigned number) : client(io, port), random(number)
+    {
+        changeCourse();
+    }
+
+    peer::HeadlessClient client;
+    const peer::ProtocolChecker::Traffic& traffic = client.checker.traffic;
+
+    void steer()
+    {
+        if (between(0, 1) < courseChanges) {
+            changeCourse();
+        }
+        if (client.id() != 0 && !client.serverHungUp()) {
+            client.steer(steering);
+        }
+    }
+
+private:
+    std::mt19937 random;
+    messages::Steering steering;
+
+    float between(float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); }
+    void changeCourse()
+    {
+        steering.orientation = Quaternion(between(-1, 1), between(-1, 1), between(-1, 1), between(-1, 1));
+        steering.orientation.normalise();
+        steering.controls = (between(0, 1) < 0.8F ? forward : 0) | (between(0, 1) < 0.5F ? fire : 0);
+    }
 };
 
-po::options_description description()
-{
-    po::options_description options("vantor-swarm: plays many clients against a server on 127.0.0.1");
-    const auto number = [](const char* standard) {
-        return po::value<std::string>()->default_value(standard)->value_name("N");
-    };
-    commandline::addInformation(options);
-    options.add_options()("port", number("21042"), "of the server");
-    options.add_options()("clients", number("64"), "how many, 1 to 1000");
-    options.add_options()("seconds", number("60"), "to measure, after 3 to warm up");
-    return options;
-}
+using Pilots = std::list<Pilot>;
 
-std::uint32_t positive(const po::variables_map& values, const char* option, std::uint32_t largest)
+/// Serves every pilot once a millisecond. Their steering is spread over its period.
+void play(Pilots& pilots, std::chrono::milliseconds time)
 {
-    const std::uint32_t value = commandline::wholeNumber(option, values[option].as<std::string>(), largest);
-    if (value == 0) {
-        throw std::invalid_argument("--" + std::string(option) + " wants at least 1");
+    const Clock::time_point start = Clock::now();
+    for (auto passed = 0ms; passed < time; ++passed) {
+        std::this_thread::sleep_until(start + passed);
+        auto turn = passed;
+        for (Pilot& pilot : pilots) {
+            pilot.client.poll();
+            pilot.client.forgetMessages();
+            if (++turn % steeringPeriod == 0ms) {
+                pilot.steer();
+            }
+        }
     }
-    return value;
 }
 
-Options optionsOf(const po::variables_map& values)
+/// The longest time between two snapshots of one client, in milliseconds.
+double longestGap(const Pilots& pilots)
 {
-    return {static_cast<std::uint16_t>(positive(values, "port", std::numeric_limits<std::uint16_t>::max())),
-            positive(values, "clients", mostClients),
-            std::chrono::seconds(positive(values, "seconds", longest))};
+    double longest = 0.0;
+    for (const Pilot& pilot : pilots) {
+        const auto& snapshots = pilot.traffic.snapshots;
+        for (auto next = snapshots.begin(), last = next; next != snapshots.end(); last = next++) {
+            const std::chrono::duration<double, std::milli> gap = next->second.arrival - last->second.arrival;
+            longest = std::max(longest, gap.count());
+        }
+    }
+    return longest;
 }
 
-bool run(const Options& options)
+/// Every client is sent the same datagrams, so the most that one of them received of a snapshot were sent.
+/// The first and the last snapshot do not count: the ends of the measured time may cut them.
+std::string describeLoss(const Pilots& pilots)
 {
-    peer::Swarm swarm({boost::asio::ip::address_v4::loopback(), options.port}, options.clients);
-    swarm.play(warmUp, options.seconds);
-    const bool isContent = swarm.report(std::cout);
+    std::map<std::uint32_t, unsigned> sent;
+    for (const Pilot& pilot : pilots) {
+        for (const auto& [timestamp, snapshot] : pilot.traffic.snapshots) {
+            sent[timestamp] = std::max(sent[timestamp], snapshot.datagrams);
+        }
+    }
+    std::uint64_t all = 0;
+    std::uint64_t lost = 0;
+    for (const auto& [timestamp, datagrams] : sent) {
+        if (timestamp == sent.begin()->first || timestamp == sent.rbegin()->first) {
+            continue;
+        }
+        for (const Pilot& pilot : pilots) {
+            const auto found = pilot.traffic.snapshots.find(timestamp);
+            all += datagrams;
+            lost += datagrams - (found == pilot.traffic.snapshots.end() ? 0 : found->second.datagrams);
+        }
+    }
+    return std::to_string(lost) + " of " + std::to_string(all);
+}
+
+/// False if there is a fault.
+bool reportFaults(const Pilots& pilots)
+{
+    std::map<std::string, std::uint64_t> faults;
+    for (const Pilot& pilot : pilots) {
+        for (const auto& [fault, count] : pilot.client.checker.faults()) {
+            faults[fault] += count;
+        }
+        if (pilot.client.id() == 0) {
+            ++faults["no welcome"];
+        }
+        if (pilot.client.serverHungUp()) {
+            ++faults["connection broken off: " + pilot.client.stream.end.message()];
+        }
+    }
+    for (const auto& [fault, count] : faults) {
+        std::cout << "FAULT: " << fault << " (" << count << " times)\n";
+    }
+    return faults.empty();
+}
+
+/// False if the server broke its promise: 20 snapshots a second for everyone, and no fault.
+bool report(const Pilots& pilots, double seconds)
+{
+    double udp = 0;
+    double tcp = 0;
+    std::vector<double> rates;
+    for (const Pilot& pilot : pilots) {
+        udp += static_cast<double>(pilot.traffic.datagramBytes);
+        tcp += static_cast<double>(pilot.traffic.streamBytes);
+        rates.push_back(static_cast<double>(pilot.traffic.snapshots.size()) / seconds);
+    }
+    std::sort(rates.begin(), rates.end());
+    const double divisor = 1000.0 * seconds * static_cast<double>(pilots.size());
+    const auto row = [](const char* name) -> std::ostream& {
+        return std::cout << std::left << std::setw(44) << name << std::right;
+    };
+    std::cout << std::fixed << std::setprecision(1);
+    row("clients, seconds measured") << pilots.size() << ", " << seconds << '\n';
+    row("snapshots a second: least, median") << rates.front() << ", " << rates[rates.size() / 2] << '\n';
+    row("longest wait for a snapshot") << longestGap(pilots) << " ms\n";
+    row("to one client: datagrams, TCP") << udp / divisor << ", " << tcp / divisor << " kB/s\n";
+    row("lost datagrams") << describeLoss(pilots) << '\n';
+    return reportFaults(pilots) && rates.front() >= leastSnapshotRate;
+}
+
+bool run(std::uint16_t port, unsigned clients, std::chrono::seconds measured)
+{
+    boost::asio::io_context io;
+    Pilots pilots;
+    while (pilots.size() < clients) {
+        pilots.emplace_back(io, port, static_cast<unsigned>(pilots.size()));
+    }
+    play(pilots, warmUp);
+    for (Pilot& pilot : pilots) {
+        pilot.client.checker.traffic = {};
+    }
+    const Clock::time_point start = Clock::now();
+    play(pilots, measured);
+    const bool isGood = report(pilots, std::chrono::duration<double>(Clock::now() - start).count());
     if (!std::cout.flush()) {
         throw std::runtime_error("cannot write the report");
     }
-    return isContent;
+    return isGood;
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
+    CLI::App app("plays many clients against a server on 127.0.0.1", "vantor-swarm");
+    unsigned port = 21042;
+    unsigned clients = 64;
+    unsigned seconds = 60;
+    const auto add = [&app](const char* name, unsigned& value, unsigned largest, const char* description) {
+        app.add_option(name, value, description)
+            ->capture_default_str()
+            ->check(commandline::wholeNumber() & CLI::Range(1U, largest));
+    };
+    add("--port", port, std::numeric_limits<std::uint16_t>::max(), "of the server");
+    add("--clients", clients, 1000, "how many");
+    add("--seconds", seconds, 86'400, "to measure, after 3 to warm up");
+    if (const auto status = commandline::parse(app, argc, argv)) {
+        return *status;
+    }
     try {
-        const auto parsed = commandline::read<Options>(program, argc, argv, description(), optionsOf);
-        if (const auto* end = std::get_if<commandline::End>(&parsed)) {
-            return commandline::show(*end);
-        }
-        return run(std::get<Options>(parsed)) ? 0 : 1;
+        return run(static_cast<std::uint16_t>(port), clients, std::chrono::seconds(seconds)) ? 0 : 1;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s: %s\n", program, printable(error.what()).c_str());
+        std::cerr << "vantor-swarm: " << printable(error.what()) << '\n';
         return 1;
     }
 }

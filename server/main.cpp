@@ -27,7 +27,7 @@ int serve(const practice::ServerOptions& options)
     practice::PracticeServer server(io, config);
     std::optional<practice::MeasurementLog> measurements;
     if (!options.measurements.empty()) {
-        measurements.emplace(io, options.measurements, writeStatusLine);
+        measurements.emplace(io, server.currentMatch(), options.measurements, writeStatusLine);
     }
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
     signals.async_wait([&](const boost::system::error_code&, int) {

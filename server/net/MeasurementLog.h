@@ -1,5 +1,7 @@
 #pragma once
 
+#include "server/match/Match.h"
+
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
 
@@ -18,12 +20,13 @@ public:
 
     /// Throws std::runtime_error unless `file` is, or can be made, a regular file that we may append to.
     /// `say` hears of the first row that did not make the file longer, as on a full disk, and of no other.
-    MeasurementLog(boost::asio::io_context& io, const std::string& file, Say say);
+    MeasurementLog(boost::asio::io_context& io, const Match& match, const std::string& file, Say say);
 
     /// Leaves the io_context without work of ours.
     void stop();
 
 private:
+    const Match& match;
     boost::asio::steady_timer timer;
     std::string name;
     Say say;

@@ -1,7 +1,6 @@
 #include "server/net/PracticeServer.h"
 
 #include "instrumentation/Logger.h"
-#include "server/match/ScoreTable.h"
 #include "server/net/StateFrames.h"
 
 #include <algorithm>
@@ -41,7 +40,6 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
       broadcast(match, [this](const std::string& frame) { sendToAll(frame); })
 {
     match.addObserver(&broadcast);
-    match.addObserver(&mirror);
     for (unsigned i = 0; i < config.bots; ++i) {
         match.addBot();
     }
@@ -283,7 +281,6 @@ void PracticeServer::runDueSteps()
 void PracticeServer::step()
 {
     match.step();
-    SceneMirror::apply();
     broadcast.afterStep();
     tellResult();
     dropOffenders();

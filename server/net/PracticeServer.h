@@ -1,7 +1,6 @@
 #pragma once
 
 #include "server/match/Match.h"
-#include "server/match/SceneMirror.h"
 #include "server/net/ClientLimits.h"
 #include "server/net/ClientSession.h"
 #include "server/net/MatchBroadcast.h"
@@ -53,6 +52,7 @@ public:
     std::uint16_t port() const { return portNumber; }
     /// How well the steps kept their time.
     std::string timing() const { return clock.report(); }
+    const Match& currentMatch() const { return match; }
 
     /// Starts the match's clock and lets clients in.
     void start();
@@ -81,7 +81,6 @@ private:
     StepClock clock;
     Match match;
     MatchBroadcast broadcast;
-    SceneMirror mirror;
     std::vector<Client> clients;
     std::random_device qportSource;
     std::array<char, 2048> datagram{};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/match/MatchSettings.h"
+#include "server/match/Rules.h"
 #include "service/LegacyCommandLine.h"
 
 #include <boost/asio/ip/address_v4.hpp>
