@@ -1,7 +1,6 @@
 #pragma once
 
 #include "server/match/Match.h"
-#include "server/match/MatchObserver.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,7 +1,6 @@
 #include "server/net/PracticeServer.h"
 
 #include "instrumentation/Logger.h"
-#include "server/match/ScoreTable.h"
 
 #include <algorithm>
 #include <utility>
@@ -58,7 +57,6 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
 {
     ports.acceptor.non_blocking(true);
     match.addObserver(&broadcast);
-    match.addObserver(&mirror);
     for (unsigned i = 0; i < config.bots; ++i) {
         match.addBot();
     }
@@ -284,7 +282,6 @@ void PracticeServer::scheduleSteps()
 void PracticeServer::step()
 {
     match.step();
-    SceneMirror::apply();
     broadcast.afterStep();
     logResult();
     removeLeavers();
