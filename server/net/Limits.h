@@ -21,9 +21,9 @@ public:
 
 private:
     std::uint64_t perSecond;
-    std::uint64_t
-        capacity;        ///< in units per step times steps per second, so that all shares are whole numbers
-    std::uint64_t left;  ///< likewise
+    // Units times steps per second, so that the share of one step is a whole number.
+    std::uint64_t capacity;
+    std::uint64_t left;
     std::uint64_t filledAt;  ///< step
 };
 
