@@ -1,159 +1,68 @@
-// Loading models and textures, against the importer and the decoder with the same OpenGL work.
+// Loading models and textures, against the library that reads them. The difference is OpenGL's work.
 #include "engine/ModelLoader.h"
+#include "engine/OpenGL.h"
 #include "engine/SurfacePtr.h"
 #include "engine/TextureLoader.h"
 
 #include <SDL_image.h>
-#include <SDL_opengl.h>
-#include <assimp/scene.h>
 #include <benchmark/benchmark.h>
 #include <assimp/Importer.hpp>
 
+#include <functional>
 #include <string>
-#include <utility>
 
 namespace {
 
-void emitTriangle(const aiMesh& mesh, const aiFace& face)
+bool loadModel(const std::string& path)
 {
-    glBegin(GL_TRIANGLES);
-    for (unsigned int k = 0; k < face.mNumIndices; ++k) {
-        const unsigned int i = face.mIndices[k];
-        if (mesh.HasNormals()) {
-            glNormal3f(mesh.mNormals[i].x, mesh.mNormals[i].y, mesh.mNormals[i].z);
-        }
-        if (mesh.HasTextureCoords(0)) {
-            const aiVector3D& at = mesh.mTextureCoords[0][i];
-            glTexCoord2d(static_cast<double>(at.x), 1.0 - static_cast<double>(at.y));
-        }
-        glVertex3f(mesh.mVertices[i].x, mesh.mVertices[i].y, mesh.mVertices[i].z);
-    }
-    glEnd();
-}
-
-unsigned int compile(const aiScene& scene)
-{
-    const unsigned int list = glGenLists(1);
-    glNewList(list, GL_COMPILE);
-    for (unsigned int m = 0; m < scene.mNumMeshes; ++m) {
-        for (unsigned int f = 0; f < scene.mMeshes[m]->mNumFaces; ++f) {
-            emitTriangle(*scene.mMeshes[m], scene.mMeshes[m]->mFaces[f]);
-        }
-    }
-    glEndList();
-    return list;
-}
-
-unsigned int upload(const SDL_Surface& surface)
-{
-    unsigned int texture = 0;
-    glGenTextures(1, &texture);
-    glBindTexture(GL_TEXTURE_2D, texture);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    const GLenum format = surface.format->BytesPerPixel == 3 ? GL_RGB : GL_RGBA;
-    gluBuild2DMipmaps(GL_TEXTURE_2D, surface.format->BytesPerPixel, surface.w, surface.h, format,
-                      GL_UNSIGNED_BYTE, surface.pixels);
-    return texture;
-}
-
-SurfacePtr decode(const std::string& path)
-{
-    return SurfacePtr(IMG_Load(path.c_str()));
-}
-
-// load() returns the name of a new list or texture, or 0; drop(name) deletes it.
-template <class Load, class Drop>
-void measure(benchmark::State& state, Load load, Drop drop)
-{
-    while (state.KeepRunning()) {
-        const unsigned int name = load();
-        if (name == 0) {
-            state.SkipWithError("nothing to load");
-            break;
-        }
-        drop(name);
-        glFinish();
-    }
-}
-
-void dropList(unsigned int list)
-{
+    const unsigned int list = loadModelFile(path);
     glDeleteLists(list, 1);
+    glFinish();
+    return list != 0;
 }
-void dropTexture(unsigned int texture)
+
+bool importModel(const std::string& path)
 {
+    Assimp::Importer importer;
+    return importer.ReadFile(path, modelImportFlags) != nullptr;
+}
+
+bool loadTexture(const std::string& path)
+{
+    const unsigned int texture = loadTextureFile(path);
     glDeleteTextures(1, &texture);
+    glFinish();
+    return texture != 0;
 }
 
-unsigned int importAndCompile(const std::string& path)
+bool decodeImage(const std::string& path)
 {
-    Assimp::Importer importer;
-    const aiScene* scene = importer.ReadFile(path, modelImportFlags);
-    return scene == nullptr ? 0 : compile(*scene);
+    return SurfacePtr(IMG_Load(path.c_str())) != nullptr;
 }
 
-unsigned int decodeAndUpload(const std::string& path)
+void add(const std::string& file, const char* how, const std::function<bool(const std::string&)>& load)
 {
-    const SurfacePtr surface = decode(path);
-    return surface ? upload(*surface) : 0;
+    const auto measure = [path = VANTOR_RESOURCES + file, load](benchmark::State& state) {
+        while (state.KeepRunning()) {
+            if (!load(path)) {
+                state.SkipWithError("nothing to load");
+                return;
+            }
+        }
+    };
+    benchmark::RegisterBenchmark(("loading/" + file + "/" + how).c_str(), measure)->UseRealTime();
 }
 
-void modelOurs(benchmark::State& state, const std::string& path)
-{
-    measure(
-        state, [&] { return loadModelFile(path); }, dropList);
-}
-void modelLibrary(benchmark::State& state, const std::string& path)
-{
-    measure(
-        state, [&] { return importAndCompile(path); }, dropList);
-}
-void modelGL(benchmark::State& state, const std::string& path)
-{
-    Assimp::Importer importer;
-    const aiScene* scene = importer.ReadFile(path, modelImportFlags);
-    measure(
-        state, [scene] { return scene == nullptr ? 0 : compile(*scene); }, dropList);
-}
-
-void textureOurs(benchmark::State& state, const std::string& path)
-{
-    measure(
-        state, [&] { return loadTextureFile(path); }, dropTexture);
-}
-void textureLibrary(benchmark::State& state, const std::string& path)
-{
-    measure(
-        state, [&] { return decodeAndUpload(path); }, dropTexture);
-}
-void textureGL(benchmark::State& state, const std::string& path)
-{
-    const SurfacePtr surface = decode(path);
-    measure(
-        state, [&surface] { return surface ? upload(*surface) : 0; }, dropTexture);
-}
-
-using Loading = void(benchmark::State&, const std::string& path);
-
-void add(const std::string& file, Loading ours, Loading library, Loading gl)
-{
-    const std::pair<const char*, Loading*> ways[] = {{"ours", ours}, {"library", library}, {"gl", gl}};
-    for (const auto& [way, load] : ways) {
-        benchmark::RegisterBenchmark(("loading/" + file + "/" + way).c_str(), [path = VANTOR_RESOURCES + file,
-                                                                               load = load](
-                                                                                  benchmark::State& state) {
-            load(state, path);
-        })->UseRealTime();
-    }
-}
-
-// Of each kind the one that is loaded in every fight, and the one that makes a start long.
+// Of each kind the one that every fight loads, and the one that takes longest.
 const bool areAdded = [] {
-    add("fighter.obj", modelOurs, modelLibrary, modelGL);
-    add("carrier.obj", modelOurs, modelLibrary, modelGL);
-    add("texture-white.png", textureOurs, textureLibrary, textureGL);
-    add("skybox.png", textureOurs, textureLibrary, textureGL);
+    for (const char* model : {"fighter.obj", "carrier.obj"}) {
+        add(model, "ours", loadModel);
+        add(model, "library", importModel);
+    }
+    for (const char* texture : {"texture-white.png", "skybox.png"}) {
+        add(texture, "ours", loadTexture);
+        add(texture, "library", decodeImage);
+    }
     return true;
 }();
 

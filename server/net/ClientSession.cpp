@@ -22,18 +22,18 @@ void ClientSession::start(FrameHandler onFrame_)
     receive();
 }
 
-void ClientSession::send(const std::string& frames)
+void ClientSession::send(const std::string& frame)
 {
     if (current != State::open) {
         return;
     }
     const std::size_t waiting = queued.size() + inFlight.size();
-    if (waiting + frames.size() > queueLimit) {
+    if (waiting + frame.size() > queueLimit) {
         reason = "does not read what it is sent, " + std::to_string(waiting) + " bytes wait";
         end(State::cutOff);
         return;
     }
-    queued += frames;
+    queued += frame;
 }
 
 void ClientSession::flush()

@@ -36,8 +36,8 @@ public:
 
     /// The handler gets each frame received, until the session ends; it must not close the session.
     void start(FrameHandler onFrame);
-    /// Queues whole frames for the next flush.
-    void send(const std::string& frames);
+    /// Queues a frame for the next flush.
+    void send(const std::string& frame);
     /// Starts to write what is queued, unless a write is under way: one write for many frames.
     void flush();
     void close() { end(State::closed); }

@@ -1,5 +1,7 @@
 #include "server/net/MatchBroadcast.h"
 
+#include "network/Messages.h"
+
 #include <algorithm>
 #include <array>
 #include <cassert>
@@ -42,14 +44,7 @@ void pack(std::vector<std::string>& datagrams, const std::string& frame)
     datagrams.back() += frame;
 }
 
-}  // namespace
-
-MatchBroadcast::MatchBroadcast(const Match& match_, ReliableSink sink_)
-    : match(match_), sink(std::move(sink_)), nextDebris(firstDebris)
-{
-}
-
-messages::ShipState MatchBroadcast::stateOf(const Ship& ship) const
+messages::ShipState stateOf(const Ship& ship, const Match& match)
 {
     return {ship.id,
             ship.team == Team::blue,
@@ -63,22 +58,39 @@ messages::ShipState MatchBroadcast::stateOf(const Ship& ship) const
             match.timestamp()};
 }
 
-std::string MatchBroadcast::infoFrame(const Shot& shot) const
+}  // namespace
+
+std::string welcomeFrame(const Ship& ship, std::uint16_t qport, const Match& match)
 {
-    return messages::infoFrame(messages::ShotState{shot.id, shot.team == Team::blue, shot.position,
-                                                   shot.velocity, match.timestamp()});
+    return messages::welcomeFrame(stateOf(ship, match), qport);
 }
 
-std::string MatchBroadcast::introduction(const Ship& ship, std::uint16_t qport) const
+std::string shipInfoFrame(const Ship& ship, const Match& match)
 {
-    std::string frames = messages::welcomeFrame(stateOf(ship), qport);
-    for (const Ship& other : match.allShips()) {
-        if (other.alive) {
-            frames += messages::infoFrame(stateOf(other));
+    return messages::infoFrame(stateOf(ship, match));
+}
+
+std::string shotInfoFrame(const Shot& shot, std::uint32_t timestamp)
+{
+    return messages::infoFrame(
+        messages::ShotState{shot.id, shot.team == Team::blue, shot.position, shot.velocity, timestamp});
+}
+
+MatchBroadcast::MatchBroadcast(const Match& match_, ReliableSink sink_)
+    : match(match_), sink(std::move(sink_)), nextDebris(firstDebris)
+{
+}
+
+std::vector<std::string> MatchBroadcast::introduction() const
+{
+    std::vector<std::string> frames;
+    for (const Ship& ship : match.allShips()) {
+        if (ship.alive) {
+            frames.push_back(shipInfoFrame(ship, match));
         }
     }
     for (const Shot& shot : match.allShots()) {
-        frames += infoFrame(shot);
+        frames.push_back(shotInfoFrame(shot, match.timestamp()));
     }
     return frames;
 }
@@ -114,7 +126,7 @@ void MatchBroadcast::announce(const Ship& ship)
 {
     announcedAt[ship.id] = match.stepCount();
     changed.erase(ship.id);
-    sink(messages::infoFrame(stateOf(ship)));
+    sink(shipInfoFrame(ship, match));
 }
 
 void MatchBroadcast::shipVanished(const Ship& ship)
@@ -142,7 +154,7 @@ void MatchBroadcast::shipExploded(const Ship& ship)
         debris.team = ship.team;
         debris.position = ship.position + piece.offset;
         debris.velocity = ship.velocity;
-        sink(infoFrame(debris));
+        sink(shotInfoFrame(debris, match.timestamp()));
         destroyAfter(debris.id, piece.steps);
     }
 }

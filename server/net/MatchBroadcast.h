@@ -1,8 +1,6 @@
 #pragma once
 
-#include "network/Messages.h"
 #include "server/match/Match.h"
-#include "server/match/MatchObserver.h"
 
 #include <cstdint>
 #include <functional>
@@ -12,6 +10,11 @@
 #include <vector>
 
 namespace practice {
+
+// The state of a match as frames. Timestamps are match time, so clients measure true velocities.
+std::string welcomeFrame(const Ship& ship, std::uint16_t qport, const Match& match);
+std::string shipInfoFrame(const Ship& ship, const Match& match);
+std::string shotInfoFrame(const Shot& shot, std::uint32_t timestamp);
 
 /// Turns what happens in a match into frames for the clients. Knows nothing of sockets.
 ///
@@ -31,8 +34,8 @@ public:
     /// Keeps a reference to the match, which may still be under construction.
     MatchBroadcast(const Match& match, ReliableSink sink);
 
-    /// The frames that a new client gets first: its welcome, then every ship and shot.
-    std::string introduction(const Ship& ship, std::uint16_t qport) const;
+    /// The frames that a new client gets after its welcome: one for each ship and shot.
+    std::vector<std::string> introduction() const;
 
     /// To be called after every step of the match: sends what has become due.
     void afterStep();
@@ -44,7 +47,7 @@ public:
     void shipAppeared(const Ship& ship) override { announce(ship); }
     void shipVanished(const Ship& ship) override;
     void shipDataChanged(const Ship& ship) override { changed.insert(ship.id); }
-    void shotFired(const Shot& shot) override { sink(infoFrame(shot)); }
+    void shotFired(const Shot& shot) override { sink(shotInfoFrame(shot, match.timestamp())); }
     void shotEnded(const Shot& shot) override;
     void shipExploded(const Ship& ship) override;
 
@@ -56,8 +59,6 @@ private:
     std::multimap<std::uint64_t, ObjectId> destroyAt;  ///< what explodes later, by the step
     ObjectId nextDebris;
 
-    messages::ShipState stateOf(const Ship& ship) const;
-    std::string infoFrame(const Shot& shot) const;
     void announce(const Ship& ship);
     void destroyAfter(ObjectId id, std::uint64_t steps) { destroyAt.emplace(match.stepCount() + steps, id); }
 };

@@ -1,7 +1,9 @@
 #include "server/net/MeasurementLog.h"
 
 #include "instrumentation/Logger.h"
+#include "scene/SceneGraph.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -41,10 +43,21 @@ std::uintmax_t sizeOf(const std::string& name)
     return error ? 0 : size;
 }
 
+/// The logger counts the objects of the process's scene. A server draws nothing, so null entries will do.
+void fillScene(const Match& match)
+{
+    const auto& ships = match.allShips();
+    const auto alive = std::count_if(ships.begin(), ships.end(), [](const Ship& s) { return s.alive; });
+    using Objects = std::list<Transform*>;
+    SceneGraph::getInstance()->typeLists = {{SGT_PLAYER, Objects(static_cast<std::size_t>(alive))},
+                                            {SGT_PROJECTILE, Objects(match.allShots().size())}};
+}
+
 }  // namespace
 
-MeasurementLog::MeasurementLog(boost::asio::io_context& io, const std::string& file, LogOnce::Log log)
-    : timer(io), name(file), errors(std::move(log))
+MeasurementLog::MeasurementLog(boost::asio::io_context& io, const Match& match_, const std::string& file,
+                               LogOnce::Log log)
+    : match(match_), timer(io), name(file), errors(std::move(log))
 {
     requireFile(file);
     Logger::getInstance()->setFileToWriteTo(file);
@@ -62,6 +75,7 @@ void MeasurementLog::schedule()
 
 void MeasurementLog::writeRow()
 {
+    fillScene(match);
     Logger* logger = Logger::getInstance();
     const std::uintmax_t sizeBefore = sizeOf(name);  // the logger does not report a full disk
     logger->calcPrS();

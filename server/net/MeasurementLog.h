@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/match/Match.h"
 #include "service/LogOnce.h"
 
 #include <boost/asio/io_context.hpp>
@@ -16,10 +17,11 @@ class MeasurementLog
 {
 public:
     /// Throws std::runtime_error unless `file` is, or can become, a regular file that we may append to. Logs
-    /// once that a row did not make the file longer, as on a full disk.
-    MeasurementLog(boost::asio::io_context& io, const std::string& file, LogOnce::Log log);
+    /// once that a row did not make the file longer, as on a full disk. `match` must outlive the log.
+    MeasurementLog(boost::asio::io_context& io, const Match& match, const std::string& file, LogOnce::Log log);
 
 private:
+    const Match& match;
     boost::asio::steady_timer timer;
     std::string name;
     LogOnce errors;

@@ -1,7 +1,6 @@
 #include "server/net/PracticeServer.h"
 
 #include "instrumentation/Logger.h"
-#include "server/match/ScoreTable.h"
 
 #include <algorithm>
 #include <utility>
@@ -58,7 +57,6 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
 {
     ports.acceptor.non_blocking(true);
     match.addObserver(&broadcast);
-    match.addObserver(&mirror);
     for (unsigned i = 0; i < config.bots; ++i) {
         match.addBot();
     }
@@ -122,7 +120,10 @@ void PracticeServer::welcome(tcp::socket socket)
     const Ship& ship = *match.findShip(shipId);
     const std::uint16_t qport = freshQport();
     const std::uint64_t now = match.stepCount();
-    session->send(broadcast.introduction(ship, qport));
+    session->send(welcomeFrame(ship, qport, match));
+    for (const std::string& frame : broadcast.introduction()) {
+        session->send(frame);
+    }
     session->flush();
     session->start([this, shipId](const framing::ClientFrame& frame) {
         Logger::getInstance()->countMessage(Logger::TCP_RECEIVED);
@@ -281,7 +282,6 @@ void PracticeServer::scheduleSteps()
 void PracticeServer::step()
 {
     match.step();
-    SceneMirror::apply();
     broadcast.afterStep();
     logResult();
     removeLeavers();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "server/match/Match.h"
-#include "server/match/SceneMirror.h"
 #include "server/net/ClientInput.h"
 #include "server/net/ClientSession.h"
 #include "server/net/Limits.h"
@@ -52,6 +51,7 @@ public:
     std::uint16_t port() const { return ports.number(); }
     /// How many steps were played, and how late the latest was.
     std::string timing() const { return clock.report(); }
+    const Match& currentMatch() const { return match; }
 
     /// Starts the match's clock and admits clients.
     void start();
@@ -79,7 +79,6 @@ private:
     StepClock clock;
     Match match;
     MatchBroadcast broadcast;
-    SceneMirror mirror;
     std::vector<Client> clients;
     std::random_device qportSource;
     std::array<char, 2048> datagram{};

@@ -6,7 +6,7 @@
 
 using namespace std::chrono_literals;
 
-TEST(Controls, EachKeyAndTheButtonIsItsBitWhileItIsHeldAndAllAddUp)
+TEST(Controls, EachKeyIsABitWhileItIsHeld)
 {
     const std::pair<std::string, std::uint32_t> cases[] = {
         {"keydown w", 1},
@@ -36,7 +36,7 @@ TEST(Controls, EachKeyAndTheButtonIsItsBitWhileItIsHeldAndAllAddUp)
 // The turn in the viewer's own axes, x to its left, y up, z ahead, as the sine of half the angle. A step of
 // the pointer is lost when it falls into the instant in which the client sets it back: so there are many
 // steps.
-TEST(Controls, TheViewTurnsToWhereTheMouseMovesAndRollsWithEAndQ)
+TEST(Controls, TheMouseTurnsTheViewAndEAndQRollIt)
 {
     std::string right, down;
     for (int step = 0; step < 20; ++step) {  // of 8 pixels at 0.005 radians: the sine is 0.389 at most

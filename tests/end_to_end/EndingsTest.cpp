@@ -3,12 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <functional>
 #include <regex>
 
 using namespace std::chrono_literals;
 using peer::Clock;
-using peer::ScriptedServer;
 using support::Process;
 
 namespace {
@@ -24,11 +22,10 @@ void closeWindow(GameSession& game)
     });
 }
 
-std::string endOf(Process& client, const std::string& lastWords)
+void expectEnd(Process& client, const std::string& end, const std::string& lastWords)
 {
-    const std::string end = client.end();
-    EXPECT_TRUE(client.hasPrinted(lastWords)) << client.output();
-    return end;
+    EXPECT_EQ(client.end(), end);
+    EXPECT_TRUE(std::regex_search(client.output(), std::regex(lastWords))) << client.output();
 }
 
 }  // namespace
@@ -52,27 +49,28 @@ TEST(Endings, InPeaceHaveStatusZero)
         GameSession game;
         game.join(lonelyShip());
         c.happens(game);
-        EXPECT_EQ(endOf(*game.client, c.lastWords), "status 0");
+        expectEnd(*game.client, "status 0", c.lastWords);
     }
 }
 
-TEST(Endings, UdpSilenceEndsTheClientWithStatusOneOnlyAfterTheTimeout)
+TEST(Endings, UdpSilenceEndsWithStatusOne)
 {
     GameSession game({"--udp-timeout", "2"});
     game.join(lonelyShip());
     EXPECT_EQ(game.client->end(4s), "still running") << "the heartbeat keeps it alive";
     game.server.hasHeartbeat = false;
     const Clock::time_point silent = Clock::now();
-    EXPECT_EQ(endOf(*game.client, "No UDP packet received in 2 - exiting with error Success\n"), "status 1");
+    expectEnd(*game.client, "status 1", "No UDP packet received in 2 - exiting with error Success\n");
     EXPECT_GT(Clock::now() - silent, 1700ms);  // the last beat may lie 100 ms back
     EXPECT_LT(Clock::now() - silent, 5s);
 }
 
-TEST(Endings, WithoutAConnectionHaveStatusOneAndSayWhereAndAfterABadOptionAreAbnormal)
+TEST(Endings, WithoutAGameSayWhy)
 {
-    const std::string closedPort = ScriptedServer().port();  // free a moment ago
-    const std::string nobody(70, 'x');                       // too long for a name: the resolver asks nobody
+    const std::string closedPort = peer::ScriptedServer().port();  // free a moment ago
+    const std::string nobody(70, 'x');  // too long for a name: the resolver asks nobody
     const std::string aborted = "signal " + std::to_string(SIGABRT);
+    const peer::ScriptedServer server;
     const struct
     {
         std::vector<std::string> arguments;
@@ -86,23 +84,16 @@ TEST(Endings, WithoutAConnectionHaveStatusOneAndSayWhereAndAfterABadOptionAreAbn
         {{"--no-such-option"}, aborted, ""},
         {{"--udp-timeout", "soon"}, aborted, ""},
         {{"--port"}, aborted, ""},
+        {{"--port", server.port(), "--help"},
+         "status 1",
+         "Allowed options:[^]*--help[^]*produce help message[^]*--host[^]*set game server "
+         "host[^]*--port[^]*=21042"
+         "[^]*set game server port[^]*--udp-timeout[^]*=10[^]*exit if no packets received"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.arguments.back());
         Process client(support::clientCommand("", c.arguments));
-        EXPECT_EQ(endOf(client, c.lastWords), c.end);
+        expectEnd(client, c.end, c.lastWords);
     }
-}
-
-TEST(Endings, HelpListsTheOptionsInOrderConnectsToNobodyAndEndsWithStatusOne)
-{
-    const ScriptedServer server;
-    Process client(support::clientCommand("", {"--port", server.port(), "--help"}));
-    EXPECT_EQ(client.end(), "status 1");
-    EXPECT_FALSE(server.record().connected);
-    const std::regex options(
-        "Allowed options:[^]*--help[^]*produce help message[^]*--host[^]*set game server host"
-        "[^]*--port[^]*=21042[^]*set game server port[^]*--udp-timeout[^]*=10[^]*exit if no"
-        " packets received");
-    EXPECT_TRUE(std::regex_search(client.output(), options)) << client.output();
+    EXPECT_FALSE(server.record().connected) << "help connects to nobody";
 }

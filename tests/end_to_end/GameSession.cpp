@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <iostream>
 
 using namespace std::chrono_literals;
+using messages::ShipState;
 
 GameSession::GameSession(std::vector<std::string> arguments, const std::vector<std::string>& wrapper)
 {
@@ -24,10 +24,9 @@ GameSession::~GameSession()
     }
 }
 
-void GameSession::join(const messages::ShipState& ownShip)
+void GameSession::join(const ShipState& ownShip)
 {
-    own = ownShip;
-    server.sendTcp(messages::welcomeFrame({ownId}, 1) + messages::infoFrame(own));
+    server.sendTcp(messages::welcomeFrame({ownId}, 1) + messages::infoFrame(ownShip));
     EXPECT_TRUE(awaitUpdate([](const peer::SteeringDatagram& s) { return s.qport == 1; }));
     std::this_thread::sleep_for(300ms);  // the frames in which the first mouse reading turns the view
 }
@@ -43,32 +42,35 @@ std::string GameSession::leave()
     return client->end();
 }
 
-support::Picture GameSession::soon() const
+ShipState lonelyShip(std::uint64_t id)
 {
-    std::this_thread::sleep_for(250ms);
-    return display.screenshot();
-}
-
-Vector3 GameSession::inView(float right, float up, float ahead) const
-{
-    // The viewer looks along +z with +y up, so its right is -x.
-    const Vector3 camera = own.position + own.orientation.rotate(Vector3(0.0F, 2.0F, -5.0F));
-    return camera + server.lastSteering().orientation.rotate(Vector3(-right, up, ahead));
-}
-
-support::Region GameSession::onScreen(float right, float up, float ahead)
-{
-    // Half the height, over the tangent of half of 60 degrees.
-    const float pixelsPerSlope = 300.0F * std::sqrt(3.0F);
-    const int x = static_cast<int>(400.0F + right / ahead * pixelsPerSlope);
-    const int y = static_cast<int>(300.0F - up / ahead * pixelsPerSlope);
-    return {x - 25, y - 25, 50, 50};
-}
-
-messages::ShipState lonelyShip(std::uint64_t id)
-{
-    messages::ShipState ship;
+    ShipState ship;
     ship.id = id;
     ship.position = Vector3(0.0F, 0.0F, 3000.0F);
     return ship;
+}
+
+ShipState shipBehind(Vector3 viewer, std::uint64_t id)
+{
+    ShipState ship;
+    ship.id = id;
+    ship.orientation = Quaternion(0, 0, 1, 0);
+    ship.position = viewer - Vector3(0, 2, 5);
+    return ship;
+}
+
+// The viewer looks along +z with +y up, so its right is -x.
+std::vector<ShipState> parade(Vector3 viewer)
+{
+    std::vector<ShipState> ships;
+    for (unsigned int i = 0; i < 8; ++i) {
+        const auto column = static_cast<float>(i % 4);
+        ShipState ship;
+        ship.id = 20 + i;
+        ship.blueTeam = i < 4;
+        ship.position = viewer + Vector3(7.5F - 5.0F * column, ship.blueTeam ? 1.3F : -1.7F, 18.0F);
+        ship.orientation = Quaternion::FromAxisAngle(1.5707963F * column + 0.1F, Vector3(0, 1, 0));
+        ships.push_back(ship);
+    }
+    return ships;
 }

@@ -25,23 +25,19 @@ public:
     void join(const messages::ShipState& ownShip);
     /// Waits until the newest update is like this.
     bool awaitUpdate(const std::function<bool(const peer::SteeringDatagram&)>& wanted) const;
-    /// Presses Escape and tells how the client ended.
+    /// Presses Escape; returns how the client ended.
     std::string leave();
-    /// What the screen shows after some frames.
-    support::Picture soon() const;
-
-    /// The point so far to the right, up and ahead of the viewer, in world units, as the client shows it now.
-    Vector3 inView(float right, float up, float ahead) const;
-    /// The square of 50 window pixels around where that point is on the screen.
-    static support::Region onScreen(float right, float up, float ahead);
 
     support::VirtualDisplay display;
     peer::ScriptedServer server;
     std::optional<support::Process> client;
-
-private:
-    messages::ShipState own;
 };
 
 /// A ship far from the carriers, which thus are nowhere in sight.
 messages::ShipState lonelyShip(std::uint64_t id = GameSession::ownId);
+
+/// A ship that faces the viewer's back: the viewer sits 5 units ahead of it and sees all but it.
+messages::ShipState shipBehind(Vector3 viewer, std::uint64_t id = GameSession::ownId);
+
+/// Eight ships seen by a viewer at the place: four sides of a fighter of each team, blue above red.
+std::vector<messages::ShipState> parade(Vector3 viewer);

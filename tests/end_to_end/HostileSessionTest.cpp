@@ -1,5 +1,7 @@
-// What a server may send that no honest one would: the client lives, goes on drawing and leaves as it should.
+// A real client among lies over both transports: it lives, goes on drawing and leaves as it should. What each
+// lie does to the scene is tested in tests/hostile.
 #include "tests/end_to_end/GameSession.h"
+#include "tests/support/GoldenImage.h"
 
 #include <gtest/gtest.h>
 
@@ -7,20 +9,14 @@
 
 using namespace std::chrono_literals;
 using messages::ShipState;
-using support::Pixel;
+using messages::ShotState;
 
 namespace {
-
-std::string shotInfo(std::uint64_t id, bool blueTeam, Vector3 position, Vector3 velocity = {})
-{
-    return messages::infoFrame(messages::ShotState{id, blueTeam, position, velocity});
-}
 
 using Limits = std::numeric_limits<float>;
 using Frames = std::vector<std::string>;
 
 constexpr std::uint64_t own = GameSession::ownId;
-constexpr std::uint64_t carriers = 0;
 constexpr std::uint64_t hugeId = 0xFFFFFFFFFFFFFFF0U;
 
 std::string named(std::uint64_t id, const std::string& name)
@@ -30,78 +26,40 @@ std::string named(std::uint64_t id, const std::string& name)
     return messages::infoFrame(ship);
 }
 
-// Cuts of every kind of message, bodies under other type bytes, and noise.
-Frames brokenFrames()
-{
-    Frames broken;
-    for (const std::string& whole :
-         {messages::infoFrame(lonelyShip()), shotInfo(21, true, {}), messages::updateFrame(own, 1, {}),
-          messages::destroyFrame(1), messages::welcomeFrame({own}, 1)}) {
-        for (std::size_t cut = 3; cut < whole.size(); ++cut) {
-            broken.push_back(peer::rawFrame(static_cast<unsigned char>(whole[2]), whole.substr(3, cut - 3)));
-        }
-        for (const unsigned int type : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 255U}) {
-            broken.push_back(peer::rawFrame(static_cast<unsigned char>(type), whole.substr(3)));
-        }
-    }
-    unsigned int state = 12345;
-    for (const std::size_t size : {1U, 64U, 1400U, 60000U}) {
-        std::string noise(size, '\0');
-        for (char& c : noise) {
-            state = state * 1664525U + 1013904223U;
-            c = static_cast<char>(state >> 24U);
-        }
-        broken.push_back(peer::rawFrame(1, noise));
-    }
-    return broken;
-}
-
+// Numbers that reach the drawing and the texts.
 Frames strangeNumbers()
 {
-    Frames frames = {
-        peer::rawFrame(2, "\x08\x07\x10\x01")};  // an update of the own ship without place and turn
+    Frames frames = {peer::rawFrame(2, "\x08\x07\x10\x01")};  // an update of the own ship without a pose
     for (const float value : {Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(), Limits::max(),
                               Limits::lowest(), 1e30F, Limits::denorm_min()}) {
         ShipState ship = lonelyShip();
         ship.health = value;
         ship.position = Vector3(value, -value, value);
         frames.push_back(messages::infoFrame(ship));
-        frames.push_back(shotInfo(31, true, ship.position, ship.position));
+        frames.push_back(messages::infoFrame(ShotState{31, true, ship.position, ship.position}));
         ship.orientation = Quaternion(value, value, value, value);
         frames.push_back(messages::updateFrame(own, 2000, ship.position, ship.orientation));
         ship.position = {};
         frames.push_back(messages::infoFrame(ship) + messages::destroyFrame(31));
     }
-    for (const std::uint32_t time :
-         {5000U, 5000U, 4999U, 0U, 0xFFFFFFFFU, 0U, 1U, 0x80000000U, 0x7FFFFFFFU}) {
-        frames.push_back(
-            messages::updateFrame(own, time, Vector3(0, 0, 3000.0F + static_cast<float>(time % 7U))));
-    }
     return frames;
 }
 
-// The carriers as players, as a shot, as the own ship; names that are long, formats or none; ids over 2^63;
-// objects that go twice, come back at once or change their type.
+// The carriers as players and as the own ship; names that are long, formats or none; ids over 2^63; types
+// that are none; the own ship gone and back.
 const Frames twistedObjects = {
-    named(carriers, "carrier"),
-    messages::updateFrame(carriers, 1, {Limits::quiet_NaN(), 0, 0}),
-    shotInfo(carriers, true, {}),
-    messages::destroyFrame(carriers) + messages::destroyFrame(carriers),
-    messages::welcomeFrame({carriers}, 1) + named(carriers, "me"),
+    named(0, "carrier") + messages::destroyFrame(0) + messages::destroyFrame(0),
+    messages::welcomeFrame({0}, 1) + named(0, "me"),
     messages::welcomeFrame({own}, 1) + named(41, std::string(60000, 'n')),
     named(42, "%s%s%n%500000d") + named(43, std::string("\0\x07%s%n\xFF\xC0", 8)) + named(own, ""),
     messages::destroyFrame(41) + messages::destroyFrame(42) + messages::destroyFrame(43),
     named(hugeId, "huge") + messages::updateFrame(hugeId, 1, {}) +
         messages::welcomeFrame({hugeId}, 0xFFFFFFFFU),
     messages::destroyFrame(hugeId) + messages::destroyFrame(hugeId) + messages::welcomeFrame({own}, 1),
-    shotInfo(51, true, {}) + messages::destroyFrame(51) + messages::destroyFrame(51) +
-        shotInfo(51, false, {}),
-    named(52, "x") + messages::destroyFrame(52) + named(52, "y") + messages::destroyFrame(52),
-    messages::destroyFrame(own) + messages::destroyFrame(own) + messages::infoFrame(lonelyShip()),
-    shotInfo(61, true, {}) + named(61, "shot") + named(62, "ship") + shotInfo(62, true, {}),
-    messages::destroyFrame(61) + messages::destroyFrame(62)};
+    peer::rawFrame(1, std::string(60000, '\xEE')) + peer::rawFrame(0, "body") + peer::rawFrame(255, ""),
+    messages::destroyFrame(own) + messages::destroyFrame(own) + messages::infoFrame(lonelyShip())};
 
-// The client draws between any two frames, unless they are very many.
+// The client draws between any two frames.
 void attack(GameSession& game, const Frames& frames)
 {
     for (const std::string& bytes : frames) {
@@ -109,7 +67,7 @@ void attack(GameSession& game, const Frames& frames)
         game.server.sendUdp(bytes);
         game.server.sendUdp(bytes.substr(0, bytes.size() / 2));  // a stream would wait for the rest
         game.server.sendUdp(bytes.substr(2));
-        std::this_thread::sleep_for(frames.size() > 100 ? 1ms : 20ms);
+        std::this_thread::sleep_for(20ms);
     }
     std::this_thread::sleep_for(200ms);
     const std::size_t before = game.server.record().datagrams.size();
@@ -119,27 +77,21 @@ void attack(GameSession& game, const Frames& frames)
 
 }  // namespace
 
-TEST(HostileSession, TheClientLivesThroughEveryAttackDrawsAndLeavesWithStatusZero)
+TEST(HostileSession, TheClientLivesAndDrawsOn)
 {
     GameSession game;
     game.join(lonelyShip());
-    for (const Frames& frames : {twistedObjects, strangeNumbers(), brokenFrames()}) {
-        ASSERT_NO_FATAL_FAILURE(attack(game, frames));
-    }
+    ASSERT_NO_FATAL_FAILURE(attack(game, twistedObjects));
+    ASSERT_NO_FATAL_FAILURE(attack(game, strangeNumbers()));
     game.server.sendTcp(std::string(2, '\0') +
-                        messages::destroyFrame(own));  // what follows a length of 0 is never read
+                        messages::destroyFrame(own));  // nothing behind a length of 0 is read
 
-    // A new own ship and a friend ahead of it are on the screen as if nothing had happened.
-    game.server.sendUdp(messages::infoFrame(lonelyShip(71)) + messages::welcomeFrame({71}, 1));
-    const support::Picture alone = game.soon();
-    ShipState friendly = lonelyShip(72);
-    friendly.blueTeam = true;
-    friendly.position = game.inView(-4, 3, 15);
-    game.server.sendUdp(messages::infoFrame(friendly));
-    const support::Picture both = game.soon();
-    const support::Region place = GameSession::onScreen(-4, 3, 15);
-    EXPECT_GT(both.count(place, &Pixel::isBluish), alone.count(place, &Pixel::isBluish) + 60);
-    EXPECT_GT(both.count({0, 50, 150, 24}, &Pixel::isPureGreen), 40) << "the health line";
+    const Vector3 viewer = {0, 500, 3000};  // away from what the lies left behind
+    game.server.sendUdp(messages::infoFrame(shipBehind(viewer, 71)) + messages::welcomeFrame({71}, 1));
+    for (const ShipState& ship : parade(viewer)) {
+        game.server.sendUdp(messages::infoFrame(ship));
+    }
+    expectImage(game.display, {"fighters", "620x190+90+190"});
 
     EXPECT_EQ(game.leave(), "status 0");
     for (const char* report : {"AddressSanitizer", "runtime error"}) {

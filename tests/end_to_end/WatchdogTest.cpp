@@ -14,9 +14,7 @@ using support::Process;
 
 namespace {
 
-const std::string farewell = "No UDP packet received in 1 - exiting with error";
-
-// A crowd of ships: announced again and again, it keeps both of the client's threads busy.
+// Many ships: announced again and again, they keep both of the client's threads busy.
 std::string crowd()
 {
     std::string frames = messages::welcomeFrame({1}, 1);
@@ -29,8 +27,8 @@ std::string crowd()
     return frames;
 }
 
-// One client that gets the same bytes over TCP as fast as it takes them and no datagram: how it ended, and
-// whether its last words came through, where its output is kept.
+// Sends a client the same bytes over TCP as fast as it takes them, and no datagram. Returns how it ended and
+// whether it said why.
 std::string timeOut(const support::VirtualDisplay& display, const std::string& flood, int output = -1)
 {
     peer::ScriptedServer server;
@@ -47,48 +45,42 @@ std::string timeOut(const support::VirtualDisplay& display, const std::string& f
         });
     }
     const std::string end = client.end();
-    return end + (client.hasPrinted(farewell) ? ", said why" : "");
-}
-
-// A pipe that nobody reads, with room for so many bytes more: its two ends.
-std::pair<int, int> nearlyFullPipe(std::size_t room)
-{
-    int ends[2];
-    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    const std::string filling(static_cast<std::size_t>(fcntl(ends[1], F_GETPIPE_SZ)) - room, '.');
-    EXPECT_EQ(write(ends[1], filling.data(), filling.size()), static_cast<ssize_t>(filling.size()));
-    return {ends[0], ends[1]};
+    return end + (client.hasPrinted("No UDP packet received in 1 - exiting with error") ? ", said why" : "");
 }
 
 }  // namespace
 
 // VANTOR_TIMEOUT_RUNS asks for more runs than a test suite can wait for.
-TEST(Watchdog, UnderLoadEveryTimeoutEndsWithStatusOneAndItsMessage)
+TEST(Watchdog, EndsTheClientUnderLoad)
 {
     const char* wanted = std::getenv("VANTOR_TIMEOUT_RUNS");
     const int runs = wanted == nullptr ? 6 : std::atoi(wanted);
-    const auto lane = [runs](int first) {
+    const auto everyThirdRun = [runs](int first) {
         const support::VirtualDisplay display;
         for (int run = first; run < runs; run += 3) {
             EXPECT_EQ(timeOut(display, crowd()), "status 1, said why") << "run " << run;
         }
     };
-    const auto second = std::async(std::launch::async, lane, 1),
-               third = std::async(std::launch::async, lane, 2);
-    lane(0);
+    const auto second = std::async(std::launch::async, everyThirdRun, 1);
+    const auto third = std::async(std::launch::async, everyThirdRun, 2);
+    everyThirdRun(0);
 }
 
-// The main thread hangs in a write (the room decides in which), or the network thread itself, in a complaint.
-TEST(Watchdog, ThatNobodyReadsItsOutputDoesNotKeepTheClientAlive)
+// The room in the pipe decides where the main thread hangs. In the last case the network thread hangs in a
+// report.
+TEST(Watchdog, EndsTheClientWhoseOutputNobodyReads)
 {
     const support::VirtualDisplay display;
     const std::pair<std::size_t, std::string> cases[] = {
         {0, ""}, {10, ""}, {200, ""}, {4096, ""}, {4096, peer::rawFrame(9, "no such type")}};
     for (const auto& [room, flood] : cases) {
         SCOPED_TRACE("room for " + std::to_string(room) + " bytes");
-        const auto [readEnd, writeEnd] = nearlyFullPipe(room);
-        EXPECT_EQ(timeOut(display, flood, writeEnd), "status 1");
-        close(readEnd);
-        close(writeEnd);
+        int pipe[2];
+        ASSERT_EQ(pipe2(pipe, O_CLOEXEC), 0);
+        const std::string filling(static_cast<std::size_t>(fcntl(pipe[1], F_GETPIPE_SZ)) - room, '.');
+        EXPECT_EQ(write(pipe[1], filling.data(), filling.size()), static_cast<ssize_t>(filling.size()));
+        EXPECT_EQ(timeOut(display, flood, pipe[1]), "status 1");
+        close(pipe[0]);
+        close(pipe[1]);
     }
 }

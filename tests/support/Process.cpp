@@ -14,18 +14,6 @@ namespace support {
 
 namespace {
 
-// Between fork and exec of a program with threads nothing may allocate or lock.
-[[noreturn]] void becomeChild(char** command, int output)
-{
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    constexpr rlimit noCoreFile = {0, 0};
-    setrlimit(RLIMIT_CORE, &noCoreFile);
-    dup2(output, STDOUT_FILENO);
-    dup2(output, STDERR_FILENO);
-    execvp(command[0], command);
-    _exit(127);
-}
-
 pid_t start(std::vector<std::string>& command, int output)
 {
     std::vector<char*> words;
@@ -37,8 +25,14 @@ pid_t start(std::vector<std::string>& command, int output)
     if (child < 0) {
         throw std::runtime_error("cannot fork for " + command.front());
     }
-    if (child == 0) {
-        becomeChild(words.data(), output);
+    if (child == 0) {  // the child of a program with threads must neither allocate nor lock
+        constexpr rlimit noCoreFile = {0, 0};
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        setrlimit(RLIMIT_CORE, &noCoreFile);
+        dup2(output, STDOUT_FILENO);
+        dup2(output, STDERR_FILENO);
+        execvp(words[0], words.data());
+        _exit(127);
     }
     return child;
 }
@@ -93,11 +87,10 @@ std::string outputOf(const std::vector<std::string>& command)
     return process.output();
 }
 
-// The sanitizer's setting means something only where the client was built with it. Its singletons live for
-// ever on purpose, so leaks are not looked for.
 std::vector<std::string> clientCommand(const std::string& display, const std::vector<std::string>& arguments,
                                        const std::vector<std::string>& wrapper)
 {
+    // A sanitized client looks for no leaks: its singletons live for ever on purpose.
     std::vector<std::string> command = {"env",
                                         "-u",
                                         "WAYLAND_DISPLAY",

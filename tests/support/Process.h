@@ -13,8 +13,7 @@ using peer::Clock;
 using peer::eventually;
 using namespace std::chrono_literals;
 
-/// A child process. It is killed, by its pid, when this object goes, and also when the thread that made it
-/// ends.
+/// A child process. It is killed when this object goes, or when the thread that made it ends.
 class Process
 {
 public:
@@ -24,12 +23,12 @@ public:
     Process& operator=(const Process&) = delete;
     ~Process();
 
-    /// How the child ended: "status N" or "signal N"; "still running" when it has not within the time.
+    /// "status N" or "signal N"; "still running" if the child has not ended in time.
     std::string end(Clock::duration timeout = 20s);
     bool isRunning() { return end(0s) == "still running"; }
     void signal(int number) const;
 
-    /// Everything printed so far, unless it went elsewhere.
+    /// All that was printed and kept so far.
     std::string output() const;
     bool hasPrinted(const std::string& text) const { return output().find(text) != std::string::npos; }
 

@@ -6,7 +6,7 @@
 
 namespace support {
 
-// Xvfb chooses a free number and tells it, with a line end, once it accepts connections.
+// Xvfb chooses a free number and prints it, with a line end, once it accepts connections.
 VirtualDisplay::VirtualDisplay()
     : server({"sh", "-c", "exec Xvfb -displayfd 1 -noreset -nolisten tcp -screen 0 800x600x24 2>/dev/null"})
 {
@@ -17,12 +17,22 @@ VirtualDisplay::VirtualDisplay()
     displayName.pop_back();
 }
 
-std::string VirtualDisplay::run(const std::string& command) const
+void VirtualDisplay::run(const std::string& command) const
 {
     std::istringstream words(command);
     std::vector<std::string> all = {"env", "DISPLAY=" + displayName};
     all.insert(all.end(), std::istream_iterator<std::string>(words), {});
-    return outputOf(all);
+    outputOf(all);
+}
+
+int countDifferent(const std::string& first, const std::string& second, const std::string& differences)
+{
+    Process compare({"compare", "-metric", "AE", "-fuzz", "5%", first, second, differences});
+    const std::string end = compare.end();  // 1 where a pixel differs, 2 where the files do not fit
+    if (end != "status 0" && end != "status 1") {
+        throw std::runtime_error("compare: " + end + "\n" + compare.output());
+    }
+    return static_cast<int>(std::stod(compare.output()));
 }
 
 }  // namespace support
