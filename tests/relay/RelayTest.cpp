@@ -6,6 +6,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 #include <filesystem>
+#include <fstream>
+#include <map>
 #include <random>
 #include <set>
 
@@ -357,20 +359,16 @@ TEST(Relay, OutlivesAServerThatBreaksAndComesBack)
 
 TEST(Relay, RefusesItselfAsServerAndKeepsTheRecording)
 {
-    const std::string path = testing::TempDir() + "kept-" + std::to_string(getpid());
-    RecordingWriter{path};
-    const auto size = std::filesystem::file_size(path);
+    RelayConfig config;
+    config.recordPath = testing::TempDir() + "kept-" + std::to_string(getpid());
+    std::ofstream(config.recordPath) << "older";
     boost::asio::io_context io;
-    const std::uint16_t port = PortPair(io, 0).number();
+    config.port = PortPair(io, 0).number();
+    config.serverPort = std::to_string(config.port);
     for (const char* host : {"127.0.0.1", "0.0.0.0", "::ffff:127.0.0.1"}) {
-        RelayConfig config;
-        config.port = port;
         config.serverHost = host;
-        config.serverPort = std::to_string(port);
-        config.recordPath = path;
-        std::filesystem::resize_file(path, size + 1);
         EXPECT_THROW(Relay(io, config), std::runtime_error) << host;
-        EXPECT_EQ(std::filesystem::file_size(path), size + 1);
+        EXPECT_EQ(std::filesystem::file_size(config.recordPath), 5U);
     }
-    std::filesystem::remove(path);
+    std::filesystem::remove(config.recordPath);
 }
