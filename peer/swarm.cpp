@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using peer::Clock;
 
-constexpr std::chrono::milliseconds warmUp = 3s;
+constexpr std::chrono::seconds warmUp = 3s;
 constexpr std::chrono::milliseconds steeringPeriod = 50ms;
 constexpr unsigned steeringsPerCourse = 20;
 constexpr double leastSnapshotRate =
@@ -34,6 +34,7 @@ struct Pilot
 
     void steer()
     {
+        nextSteering += steeringPeriod;
         const auto chance = [this] { return std::uniform_real_distribution<float>(-1, 1)(random); };
         if (steerings++ % steeringsPerCourse == 0) {
             course.orientation = Quaternion(chance(), chance(), chance(), chance());
@@ -50,21 +51,19 @@ struct Pilot
     std::mt19937 random;
     messages::Steering course;
     unsigned steerings = 0;
+    Clock::time_point nextSteering = Clock::now();
 };
 
 using Pilots = std::list<Pilot>;
 
-/// Serves every pilot once a millisecond. Their steering is spread over its period.
-void play(Pilots& pilots, std::chrono::milliseconds time)
+/// Serves every pilot about once a millisecond.
+void play(Pilots& pilots, std::chrono::seconds time)
 {
-    const Clock::time_point start = Clock::now();
-    for (auto passed = 0ms; passed < time; ++passed) {
-        std::this_thread::sleep_until(start + passed);
-        auto turn = passed;
+    for (const auto end = Clock::now() + time; Clock::now() < end; std::this_thread::sleep_for(1ms)) {
         for (Pilot& pilot : pilots) {
             pilot.client.poll();
             pilot.client.forgetMessages();
-            if (++turn % steeringPeriod == 0ms) {
+            if (pilot.nextSteering <= Clock::now()) {
                 pilot.steer();
             }
         }
