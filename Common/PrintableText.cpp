@@ -1,11 +1,14 @@
 #include "Common/PrintableText.h"
 
-#include <algorithm>
-
 std::string printable(std::string text)
 {
-    constexpr unsigned char del = 0x7F;
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == del; }, '?');
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte < 0x20 || byte == 0x7F) {
+            text[i] = '?';
+        } else if (i > 0 && text[i - 1] == '\xC2' && byte >= 0x80 && byte <= 0x9F) {
+            text[i - 1] = text[i] = '?';  // U+0080 to U+009F: terminals obey some of them
+        }
+    }
     return text;
 }

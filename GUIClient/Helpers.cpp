@@ -13,7 +13,17 @@ bool done = false;
 
 namespace {
 
-constexpr std::int64_t never = std::numeric_limits<std::int64_t>::max();
+// Milliseconds. If the clock was set back since the last reading, planned times move back with it:
+// otherwise the loop would wait until the clock has caught up.
+std::int64_t readClock(std::int64_t& lastReading)
+{
+    const std::int64_t now = Timer::getCurrentTime();
+    for (mainLoopFunctionStruct& entry : mainLoopFunctionsList) {
+        entry.nextCallTime -= std::max<std::int64_t>(0, lastReading - now);
+    }
+    lastReading = now;
+    return now;
+}
 
 // Truncated: 60 calls per second are one every 16 ms.
 std::int64_t periodOf(float rate)
@@ -22,29 +32,21 @@ std::int64_t periodOf(float rate)
 }
 
 // Strictly later than the planned time: a function runs a millisecond after it at the earliest.
-void callIfDue(mainLoopFunctionStruct& entry)
+void callIfDue(mainLoopFunctionStruct& entry, std::int64_t now)
 {
-    const std::int64_t now = Timer::getCurrentTime();
     if (now > entry.nextCallTime) {
         entry.function();
         entry.nextCallTime = now + periodOf(entry.rate);
     }
 }
 
-std::int64_t runOnePass()
+void sleepUntilNextCall(std::int64_t now)
 {
-    std::int64_t earliest = never;
-    for (mainLoopFunctionStruct& entry : mainLoopFunctionsList) {
-        callIfDue(entry);
-        earliest = std::min(earliest, entry.nextCallTime);
+    std::int64_t wait = std::numeric_limits<std::int64_t>::max();
+    for (const mainLoopFunctionStruct& entry : mainLoopFunctionsList) {
+        wait = std::min(wait, entry.nextCallTime - now);
     }
-    return earliest;
-}
-
-void sleepUntil(std::int64_t time)
-{
-    const std::int64_t wait = time - Timer::getCurrentTime();
-    if (wait > 0) {
+    if (wait > 0 && !mainLoopFunctionsList.empty()) {
         boost::this_thread::sleep(boost::posix_time::milliseconds(wait));
     }
 }
@@ -59,11 +61,12 @@ void Helpers::registerMainLoopFunction(void (*function)(), float rate)
 void Helpers::run()
 {
     done = false;
+    std::int64_t lastReading = Timer::getCurrentTime();
     do {
-        const std::int64_t earliest = runOnePass();
-        if (earliest != never) {
-            sleepUntil(earliest);
+        for (mainLoopFunctionStruct& entry : mainLoopFunctionsList) {
+            callIfDue(entry, readClock(lastReading));
         }
+        sleepUntilNextCall(readClock(lastReading));
     } while (!done);
 }
 

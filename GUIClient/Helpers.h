@@ -21,6 +21,7 @@ public:
     /// Before run(). `rate` in calls per second, more than 0; the first call comes at once.
     static void registerMainLoopFunction(void (*function)(), float rate);
     /// Returns after stop(), at the end of a pass over all functions. With none registered it never ends.
+    /// A clock set back does not delay the calls; a clock set forward brings them forward.
     static void run();
     static void stop();
 };

@@ -11,8 +11,10 @@
 #include <boost/program_options/parsers.hpp>
 #include <boost/program_options/variables_map.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
 #include <string>
 
@@ -34,6 +36,25 @@ po::options_description allowedOptions()
     return options;
 }
 
+po::variables_map parse(int argc, char** argv, const po::options_description& options)
+{
+    try {
+        po::variables_map values;
+        po::store(po::parse_command_line(argc, argv, options), values);
+        po::notify(values);
+        return values;
+    } catch (const po::error&) {
+        // The handler of uncaught exceptions calls what(). That never returns if an argument contains one of
+        // its placeholders, such as %value%.
+        if (std::none_of(argv, argv + argc,
+                         [](const char* text) { return std::strchr(text, '%') != nullptr; })) {
+            throw;
+        }
+        std::cerr << "Malformed command line\n";
+        std::abort();
+    }
+}
+
 int play(const std::string& host, const std::string& port, unsigned int udpTimeout)
 {
     if (!NetworkHelper::getInstance()->connect(host, port, udpTimeout)) {
@@ -52,11 +73,10 @@ int play(const std::string& host, const std::string& port, unsigned int udpTimeo
 
 int SDL_main(int argc, char** argv)
 {
-    std::signal(SIGPIPE, SIG_IGN);  // diagnostics that nobody reads any more must not end the game
+    std::signal(SIGPIPE, SIG_IGN);  // a closed standard output must not end the game,
+    std::signal(SIGXFSZ, SIG_IGN);  // nor a file that has reached the limit of its size
     const po::options_description options = allowedOptions();
-    po::variables_map values;
-    po::store(po::parse_command_line(argc, argv, options), values);
-    po::notify(values);
+    const po::variables_map values = parse(argc, argv, options);
     if (values.count("help") != 0) {
         std::cout << options << "\n";
         return EXIT_FAILURE;

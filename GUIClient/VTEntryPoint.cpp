@@ -44,7 +44,7 @@ TestCube* placeCarrier(bool blueTeam, Vector3 at)
     return carrier;
 }
 
-// A server may have destroyed a carrier: then the scene has deleted it and forgotten its address.
+// If a server destroyed the carrier, the scene has already deleted it, and its list no longer holds it.
 void deleteCarrier(TestCube* carrier)
 {
     const auto* carriers = SceneGraph::getInstance()->getListOfType(SGT_CARRIER);

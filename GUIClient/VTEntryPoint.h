@@ -10,7 +10,7 @@
 class TestCube;
 
 /// The game controller: owns the camera, places the carriers, turns keys and mouse into camera motion and
-/// into what the server is told, draws the display, and ends the game on Escape.
+/// messages to the server, draws the display, and ends the game on Escape.
 ///
 /// A singleton, created on first use; main thread only. It does not move the own ship: the ship's motion
 /// comes back from the server.
@@ -29,10 +29,10 @@ public:
     /// Sets the sky, subscribes to the keyboard and puts both carriers into the scene; once, after the window
     /// is open.
     void init();
-    /// One frame of dt seconds. Sends the player's input once 0.05 s have gathered; what is above that is
-    /// dropped.
+    /// One frame of dt seconds. Sends the player's input once at least 0.05 s have gathered, then starts
+    /// again from 0.
     void update(float dt);
-    /// Turns the camera by how far the pointer was moved since the last call.
+    /// Turns the camera by the pointer's motion since the last call.
     void updateMouse();
     void keyboardEvent(SDL_Event event) override;
     /// Draws the display; inside a projection in window pixels, y downwards from the top left corner.

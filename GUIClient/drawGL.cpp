@@ -8,14 +8,16 @@
 
 #include <SDL_video.h>
 
+#include <algorithm>
+
 Timer timer;
 
 namespace {
 
 constexpr Vector3 cameraOffset(0.0F, 2.0F, -5.0F);  // above and behind the ship, in the ship's own frame
 
-// The camera keeps its own orientation; only its place is the ship's. Without an object of that id it stays
-// where it is; before the server's welcome the id is 0, and what is found is the blue carrier.
+// Moves the camera to the own ship; the camera keeps its own orientation. Without an object of that id it
+// stays. Before the server's Welcome the id is 0, which is the blue carrier's.
 void followOwnShip()
 {
     VTEntryPoint* controller = VTEntryPoint::getInstance();
@@ -76,7 +78,7 @@ void drawGL()
 {
     VT.inputHandler.handleEvents();
     NetworkHelper::getInstance()->dispatchRecievedPackages();
-    const auto dt = static_cast<float>(timer.getTimeDiff());
+    const auto dt = static_cast<float>(std::max(0.0, timer.getTimeDiff()));  // the clock may be set back
     VTEntryPoint::getInstance()->update(dt);
     SceneGraph::getInstance()->update(dt);
     followOwnShip();

@@ -3,15 +3,15 @@
 #include "math/Quaternion.h"
 #include "math/Vector3.h"
 
-/// The viewer: a position and an orientation. Rotations are gathered during a frame and take effect, together
-/// and once, in setCamera(). Angles in radians, positions in world units; main thread only.
+/// The viewer: a position and an orientation. Rotations requested during a frame take effect together in
+/// setCamera(). Angles in radians, positions in world units; main thread only.
 ///
-/// With no rotation it looks along +z with +y up, so the right of the screen is -x.
+/// Without a rotation it looks along +z with +y up, so the right of the screen is -x.
 class Camera
 {
 public:
     void setPosition(Vector3 newPosition) { position = newPosition; }
-    /// Neither the pending rotation nor the view's directions change.
+    /// Changes neither the pending rotation nor `up` and `direction`.
     void setOrientation(Quaternion& newOrientation) { orientation = newOrientation; }
     Quaternion& getOrientation() { return orientation; }
 
@@ -21,7 +21,7 @@ public:
 
     /// Applies the pending rotation, multiplies the view onto the current matrix, and returns the position.
     Vector3 setCamera();
-    /// Nothing: whoever owns the camera moves it by setPosition.
+    /// Does nothing: the camera moves by setPosition only.
     void move(float forward, float sideways);
 
     Quaternion rotation;  ///< requested since the last setCamera()

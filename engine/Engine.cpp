@@ -47,6 +47,6 @@ void Engine::drawSkybox(Vector3 position)
 
 void Engine::setSkyBox(std::string textureName)
 {
-    skybox.reset();  // the old sky goes before the new one comes
+    skybox.reset();  // the old sky is destroyed before the new one is made
     skybox = std::make_unique<VT_Skybox>(std::move(textureName));
 }

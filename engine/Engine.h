@@ -19,14 +19,15 @@ public:
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
-    /// Brings up SDL and opens the window. Ends the process with status 1 or 2, and a line on standard error,
-    /// where that fails.
+    /// Starts SDL and opens the window. On failure prints a line to standard error and ends the process: with
+    /// status 1 without SDL, 2 without a window.
     void init();
-    /// How far the pointer is from the window's centre, in pixels to the right and down; puts it back there.
+    /// The pointer's distance from the window's centre, in pixels to the right and down. Moves the pointer
+    /// back to the centre.
     std::pair<float, float> getMouseDiff();
-    /// Draws the sky around the viewer's position; nothing where no sky has been set.
+    /// Draws the sky around the viewer's position. Draws nothing before the first setSkyBox.
     void drawSkybox(Vector3 position);
-    /// Replaces the sky by the image of that name, see VT_Skybox.
+    /// Replaces the sky by the image file of that name, see VT_Skybox.
     void setSkyBox(std::string textureName);
 
     VT_InputHandler inputHandler;

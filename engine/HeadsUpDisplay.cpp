@@ -1,4 +1,4 @@
-// The text over every frame: VTEntryPoint::hud().
+// VTEntryPoint::hud(), the text over every frame.
 #include "GUIClient/VTEntryPoint.h"
 #include "engine/OpenGL.h"
 #include "engine/ResourceManager.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr float lowHealth = 20.0F;  // hit points; below, the display warns in red
+constexpr float lowHealth = 20.0F;  // hit points; less than this is shown in red
 
 void white()
 {
@@ -79,7 +79,8 @@ void drawShipLines(const Player& ship)
 void VTEntryPoint::hud()
 {
     drawFrameRate();
-    // Before the server's welcome the own id is the carriers': they have neither health nor score to show.
+    // Before the server's welcome thisPlayerID is 0, a carrier's id. A carrier has no health or score to
+    // show.
     if (const auto* ship = dynamic_cast<Player*>(SceneGraph::getInstance()->getOBjectById(thisPlayerID))) {
         drawShipLines(*ship);
     }

@@ -2,10 +2,10 @@
 
 #include <string>
 
-/// Reads the model file and compiles its triangles, with normals and texture coordinates where it has them,
-/// into an OpenGL display list; returns the list's name. Materials are ignored. A file that cannot be read is
-/// reported and yields 0.
+/// Reads the model file and compiles its triangles into an OpenGL display list, with normals and texture
+/// coordinates if it has them. Returns the list's name. Ignores materials. An unreadable file prints a line
+/// and yields 0.
 unsigned int loadModelFile(const std::string& path);
 
-/// What the importer is asked to do beyond reading, as its aiPostProcessSteps.
+/// The importer's post-processing, as aiPostProcessSteps.
 extern const unsigned int modelImportFlags;

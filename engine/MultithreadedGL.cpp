@@ -1,4 +1,4 @@
-// For platforms on which OpenGL offers no such switch: nothing to ask for, so nothing that could be refused.
+// For platforms whose OpenGL has no such switch.
 #include "engine/MultithreadedGL.h"
 
 bool enableMultithreadedGL()

@@ -1,6 +1,6 @@
 #pragma once
 
-// OpenGL and GLU under the names and in the place that this platform has them; without SDL's own copy of the
-// extension header, which the system's newer one already covers.
+// Includes this platform's OpenGL and GLU headers. SDL's own copy of the extension header stays out, because
+// the system's newer one covers it.
 #define NO_SDL_GLEXT
 #include <SDL_opengl.h>

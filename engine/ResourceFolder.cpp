@@ -1,5 +1,4 @@
-// For platforms without application bundles: the folder of the executable itself, whatever links it was
-// started by.
+// For Linux: the folder of the executable, with all links followed.
 #include "engine/ResourceFolder.h"
 
 #include "Common/DebugPrint.h"

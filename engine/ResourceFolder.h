@@ -2,6 +2,6 @@
 
 #include <string>
 
-/// The folder of the application, in which "Contents/Resources" holds what it loads; without a slash at its
-/// end. Which file implements this depends on the platform.
+/// The application's folder, without a slash at its end. Its "Contents/Resources" holds textures, models and
+/// fonts. The implementation depends on the platform; on failure it prints a line and returns ".".
 std::string applicationFolder();

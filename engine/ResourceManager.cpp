@@ -15,8 +15,8 @@ namespace {
 
 constexpr int fontSize = 20;  // points
 
-// The handle cached under `name`; on a miss load(), whose failure is reported with `kind` and cached as
-// well.
+// Returns the handle cached under `name`, or the result of load(). A failed load prints `kind` and is cached
+// too.
 template <class Handle, class Load>
 Handle lookUp(std::map<std::string, Handle>& cache, const std::string& name, const char* kind, Load load)
 {

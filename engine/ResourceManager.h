@@ -5,13 +5,13 @@
 #include <map>
 #include <string>
 
-/// The cache of everything that is loaded for drawing: textures, models and fonts, by file name.
+/// The cache of everything loaded for drawing: textures, models and fonts, by file name.
 ///
-/// A singleton, created on first use and never destroyed; belongs to the thread that owns the OpenGL context.
-/// Names are relative to the resource folder. A get... loads on the first request and looks up from then on,
-/// at the cost of one search among a handful of names; a failed load is reported once, cached as 0 or null,
-/// and never retried. A load... always loads; a precache... is a get... ahead of time, so that no frame has
-/// to wait for the disk.
+/// A singleton, created on first use and never destroyed. Only the thread that owns the OpenGL context uses
+/// it. Names are relative to the resource folder. A get... loads on the first request and looks up later,
+/// which costs one search in a small map. A failed load prints a line once, is cached as 0 or null, and is
+/// never retried. A load... always loads. A precache... is a get... ahead of time, so that no frame waits for
+/// the disk.
 class ResourceManager
 {
 public:
@@ -23,7 +23,7 @@ public:
 
     void setupResourceFolder();
 
-    /// OpenGL texture names. An image of other than 3 or 4 bytes per pixel ends the process with status -1.
+    /// OpenGL texture names. An image with other than 3 or 4 bytes per pixel ends the process with status -1.
     unsigned int getTexture(const std::string& name);
     unsigned int loadTexture(const std::string& name);
     void precacheTexture(const std::string& name);
@@ -39,11 +39,11 @@ public:
     TTF_Font* loadFont(const std::string& name);
     void precacheFont(const std::string& name);
 
-    /// Draws white text, which the current colour tints; its top left corner at (x, y, 0), one pixel to a
-    /// unit. The text comes first, then the font's file name.
+    /// Draws white text, which the current colour tints. Its top left corner is at (x, y, 0), one pixel is
+    /// one unit. The text comes first, then the font's file name.
     void drawText(const std::string& text, const std::string& font, float x, float y);
-    /// The same in any colour (0 to 255 each) and at any depth. Costs a rendering, an upload and a deletion
-    /// per call. A text that cannot be rendered (an empty one, or one of 16,384 pixels) is not drawn.
+    /// The same in any colour (0 to 255 each) and at any depth. Each call renders, uploads and deletes a
+    /// texture. A text that cannot be rendered (empty, or 16,384 pixels wide) is not drawn.
     void RenderText(const TTF_Font* font, const std::string& text, const double& x, const double& y,
                     const double& z, const unsigned char& r, const unsigned char& g, const unsigned char& b);
 

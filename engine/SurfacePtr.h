@@ -9,5 +9,5 @@ struct FreeSurface
     void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
 };
 
-/// An SDL surface that is ours to free.
+/// An SDL surface that its holder frees.
 using SurfacePtr = std::unique_ptr<SDL_Surface, FreeSurface>;

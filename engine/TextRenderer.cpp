@@ -35,7 +35,7 @@ void drawQuad(TextPosition at, double width, double height)
 
 void drawTextQuad(const TTF_Font* font, const std::string& text, TextPosition position, SDL_Color colour)
 {
-    // SDL_ttf takes a font that it may change: it caches glyphs in it.
+    // SDL_ttf wants a font that it may change, because it caches glyphs in it.
     const SurfacePtr surface(TTF_RenderText_Blended(const_cast<TTF_Font*>(font), text.c_str(), colour));
     if (!surface) {
         return;

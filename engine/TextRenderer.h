@@ -11,7 +11,7 @@ struct TextPosition
     double z;
 };
 
-/// Renders one line of Latin-1 text and draws it as a textured quad in the current matrices, its top left
-/// corner at `position`, one pixel to a unit, y downwards. Changes no enable state: the caller has texturing
-/// and blending on. A text that SDL_ttf cannot render is not drawn.
+/// Renders one line of Latin-1 text and draws it as a textured quad in the current matrices. Its top left
+/// corner is at `position`, one pixel is one unit, y points down. Changes no enable state, so the caller
+/// enables texturing and blending. A text that SDL_ttf cannot render is not drawn.
 void drawTextQuad(const TTF_Font* font, const std::string& text, TextPosition position, SDL_Color colour);

@@ -2,7 +2,8 @@
 
 #include <SDL_events.h>
 
-/// Whoever wants to hear of keys: subscribe at VT_InputHandler. Never deleted through this type.
+/// Base of keyboard subscribers, see VT_InputHandler::subscribeToKeyboardEvents. Never deleted through this
+/// type.
 class VTObject
 {
 public:

@@ -28,11 +28,17 @@ void VT_InputHandler::handleEvents()
             if (symbol < keyStates.size()) {
                 keyStates[symbol] = event.type == SDL_KEYDOWN;
             }
-            const std::vector<VTObject*> subscribers = keyboardSubscribers;  // one may subscribe another
-            for (VTObject* subscriber : subscribers) {
-                subscriber->keyboardEvent(event);
-            }
+            callSubscribers(event);
         }
+    }
+}
+
+// By index: a subscriber may subscribe another one, which then receives the next event.
+void VT_InputHandler::callSubscribers(const SDL_Event& event)
+{
+    const std::size_t count = keyboardSubscribers.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        keyboardSubscribers[i]->keyboardEvent(event);
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <SDL_keysym.h>
+#include <SDL_events.h>
 
 #include <array>
 #include <vector>
@@ -8,23 +8,27 @@
 class VTObject;
 
 /// Drains SDL's event queue, remembers which keys are down, and passes key events on. Main thread only, after
-/// SDL has been initialised.
+/// SDL_Init.
 class VT_InputHandler
 {
 public:
-    /// Once per frame. A quit event asks the main loop to stop; events other than keys are dropped.
+    /// Handles all queued events; called once per frame. A quit event asks the main loop to stop. Events of
+    /// other kinds than keys are dropped.
     void handleEvents();
 
-    /// Whether the key is down, as of the events handled so far; false for a symbol that SDL does not know.
+    /// Whether the key is down after the events handled so far. False for a symbol beyond SDL's range.
     bool isKeyPressed(SDLKey key) const;
-    /// For good: there is no way to unsubscribe. Subscribers are called in the order they came.
+    /// Subscribers are called in the order of their subscription. There is no way to unsubscribe.
     void subscribeToKeyboardEvents(VTObject* subscriber);
 
-    // The mouse buttons as they are now, whatever the events say.
+    // The mouse buttons' present state, read from SDL without events.
     bool isLMouseDown() const;
     bool isMMouseDown() const;
     bool isRMouseDown() const;
 
     std::vector<VTObject*> keyboardSubscribers;  ///< not owned
-    std::array<bool, SDLK_LAST> keyStates = {};  ///< by key symbol, 0 to 322
+    std::array<bool, SDLK_LAST> keyStates = {};  ///< by key symbol, 0 to 322; true while the key is down
+
+private:
+    void callSubscribers(const SDL_Event& event);
 };

@@ -39,7 +39,7 @@ constexpr CubeVertex faces[6][4] = {
     {{-1, -1, 1, u6, v2}, {1, -1, 1, u7, v2}, {1, 1, 1, u7, v3}, {-1, 1, 1, u6, v3}},
     // x = -1
     {{-1, -1, -1, u4, v2}, {-1, -1, 1, u5, v2}, {-1, 1, 1, u5, v3}, {-1, 1, -1, u4, v3}},
-    // y = +1: its cell is shown twisted; kept so, the image is painted to match
+    // y = +1: shows its cell twisted, on purpose; the image is painted to match
     {{-1, 1, -1, u2, v4}, {-1, 1, 1, u3, v5}, {1, 1, 1, u2, v5}, {1, 1, -1, u3, v4}},
     // y = -1
     {{-1, -1, -1, u3, v1}, {-1, -1, 1, u3, v0}, {1, -1, 1, u2, v0}, {1, -1, -1, u2, v1}},

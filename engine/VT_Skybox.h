@@ -4,10 +4,11 @@
 
 #include <string>
 
-/// The sky: a cube around the viewer, as large as the far plane allows, from one image of 4 by 3 cells.
+/// The sky: a cube around the viewer, textured from one image of 4 by 3 cells.
 ///
-/// The middle row holds the four sides, the cells above and below its second one the bottom and the top. Main
-/// thread only; an image that does not load leaves the cube white.
+/// Its edge is as long as the far plane is distant: each face is at half that distance, so even the corners
+/// stay before the plane. The image's middle row holds the four sides; the cells above and below its second
+/// cell hold the bottom and the top. Main thread only. If the image cannot be loaded, the cube is white.
 class VT_Skybox
 {
 public:

@@ -11,8 +11,8 @@ namespace {
 
 constexpr int noVideoModeStatus = 2;
 
-// Both lights shine from infinitely far away. Their positions pass through the model-view matrix of this
-// moment, the identity, so they stay where they are relative to the viewer, not to the world.
+// Both lights are directional. OpenGL multiplies their positions by the current model-view matrix, here the
+// identity, so they stay fixed relative to the viewer and not to the world.
 void setLights()
 {
     constexpr float ambient[] = {0.5F, 0.5F, 0.5F, 1.0F};

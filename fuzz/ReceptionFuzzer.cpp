@@ -1,7 +1,7 @@
-// Hostile bytes on the way from the TCP connection into the scene.
+// Plays hostile bytes of the TCP connection into the scene.
 //
-// An input is: one byte that says where the stream is split in two chunks (in 256ths of its length), one byte
-// that says how many frames are run after each, and the stream.
+// An input is a byte that splits the stream in two chunks (in 256ths of its length), a byte for the number of
+// frames after each chunk (modulo 8), and the stream.
 #include "tests/hostile/Arena.h"
 
 #include <cstdio>

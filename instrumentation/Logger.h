@@ -4,13 +4,11 @@
 #include <cstdint>
 #include <string>
 
-/// Counts network traffic per channel, turns the counts into rates, and appends rows of measurements to a
-/// text file.
+/// Counts network traffic per channel, turns the counts into rates, and appends measurements to a text file.
 ///
-/// A singleton, created on first use and never destroyed. The counters are plain numbers that the network
-/// thread increments without a lock: they are statistics, and a reader may miss the latest increment. Rates
-/// and file belong to whoever calls calcPrS() and then writeMeasurementToFile() now and then, about once a
-/// second.
+/// A singleton, created on first use and never destroyed. The network thread increments the counters without
+/// a lock: they are statistics, and a reader may miss the latest increment. One other thread calls calcPrS()
+/// and then writeMeasurementToFile() about once a second.
 class Logger
 {
 public:
@@ -36,10 +34,10 @@ public:
     void countMessage(Channel channel) { messages[channel] += 1; }
 
     void setFileToWriteTo(std::string name);
-    /// Recomputes the rates, where more than a second has passed since they were computed last.
+    /// Recomputes the rates if more than a second has passed since the last computation.
     void calcPrS();
-    /// Appends one row of the rates, the scene's players and projectiles and this process's resources; a
-    /// header goes before this process's first. A file that cannot be opened is left alone silently.
+    /// Appends one row: the rates, the numbers of players and projectiles in the scene, and ResourceMonitor's
+    /// figures. Writes a header before this object's first row. Does nothing if the file cannot be opened.
     void writeMeasurementToFile();
 
     // Rates per second, as of the last calcPrS().
@@ -48,12 +46,12 @@ public:
     float byteRate[channels] = {};
     std::string fileName = "log.csv";
     std::uint32_t rowsWritten = 0;
-    // Totals since the start; nothing counts the messages of the two sent channels.
+    // Totals since the start. Nothing counts messages of the two sent channels.
     std::uint64_t packets[channels] = {};
     std::uint64_t messages[channels] = {};
     std::uint64_t bytes[channels] = {};
     std::uint64_t lastRateTime;  ///< milliseconds since the Unix epoch
-    // Totals as they stood at lastRateTime.
+    // Totals at lastRateTime.
     std::uint64_t lastPackets[channels] = {};
     std::uint64_t lastMessages[channels] = {};
     std::uint64_t lastBytes[channels] = {};

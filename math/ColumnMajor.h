@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-/// What Matrix3 and Matrix4 have in common: arithmetic and text of N x N floats stored column by column.
+/// Shared by Matrix3 and Matrix4: arithmetic and text of N x N floats stored column by column.
 namespace columnMajor {
 
 template <std::size_t N>

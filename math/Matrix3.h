@@ -6,7 +6,7 @@
 
 class Quaternion;
 
-/// A 3x3 matrix of floats stored column by column (row r, column c at index 3c + r), as OpenGL takes them.
+/// A 3x3 matrix of floats, stored column by column: row r, column c at index 3c + r.
 class Matrix3
 {
 public:
@@ -29,11 +29,11 @@ public:
     Vector3 operator*(Vector3 v) const;
     Matrix3 transpose() const;
 
-    /// Always the identity: no inverse is computed. Kept so because callers rely on the call being harmless.
+    /// Always the identity: no inverse is computed. Nothing in the client calls it.
     Matrix3 invers() const { return {}; }
 
-    /// Writes the quaternion of this rotation matrix to *out, not normalised. The branch is chosen by the
-    /// trace and the largest diagonal element (Shepperd, "Quaternion from Rotation Matrix", 1978).
+    /// Writes the quaternion of this rotation matrix to *out, not normalised. The trace and the largest
+    /// diagonal element choose the formula (Shepperd, "Quaternion from Rotation Matrix", 1978).
     void CalcRotation(Quaternion* out) const;
 
     /// The rows as text, "| a | b | c |" each, separated by line ends.

@@ -7,8 +7,9 @@
 
 class Quaternion;
 
-/// A 4x4 transformation matrix of floats stored column by column (row r, column c at index 4c + r), ready for
-/// glMultMatrixf; a translation lives at indices 12, 13 and 14.
+/// A 4x4 transformation matrix of floats, stored column by column: row r, column c at index 4c + r.
+///
+/// glMultMatrixf takes the elements in this order. A translation stands at indices 12, 13 and 14.
 class Matrix4
 {
 public:
@@ -24,7 +25,7 @@ public:
         : m{m0, m1, m2, m3, m4, m5, m6, m7, m8, m9, m10, m11, m12, m13, m14, m15}
     {
     }
-    /// A pure rotation (or other linear map), without translation.
+    /// The linear map r without a translation.
     Matrix4(Matrix3 r)
         : m{r.m[0], r.m[1], r.m[2], 0, r.m[3], r.m[4], r.m[5], 0, r.m[6], r.m[7], r.m[8], 0, 0, 0, 0, 1}
     {
@@ -34,7 +35,7 @@ public:
     Matrix4 operator*(float factor) const;
     Matrix4 operator+(const Matrix4& o) const;
     Matrix4 operator-(const Matrix4& o) const;
-    /// The point v moved by the matrix; the fourth row is ignored, there is no division by w.
+    /// The point v moved by the matrix. The fourth row is ignored: there is no division by w.
     Vector3 operator*(Vector3 v) const;
     Matrix4 transpose() const;
 

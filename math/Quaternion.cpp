@@ -20,7 +20,8 @@ Quaternion Quaternion::operator*(Vector3 v) const
 
 Quaternion operator*(Vector3 v, Quaternion q)
 {
-    return q * Quaternion(0.0F, v);
+    const Vector3 u(q.x, q.y, q.z);
+    return {-(v * u), q.w * v + u.crossProduct(v)};
 }
 
 void Quaternion::normalise()

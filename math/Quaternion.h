@@ -9,7 +9,7 @@
 /// An orientation or a rotation: four single-precision floats, the scalar part w first.
 ///
 /// Products are Hamilton's (Hamilton, "On Quaternions", 1844), so p * q turns by q first and by p after it.
-/// Nothing is normalised unless an operation says so, nothing is checked and nothing throws.
+/// Only the operations that say so normalise. Nothing is checked and nothing throws.
 class Quaternion
 {
 public:
@@ -22,7 +22,7 @@ public:
     Quaternion() = default;
     Quaternion(float w_, float x_, float y_, float z_) : w(w_), x(x_), y(y_), z(z_) {}
     Quaternion(float w_, const Vector3& v) : w(w_), x(v.x), y(v.y), z(v.z) {}
-    /// The shortest-arc rotation that turns direction a into direction b; neither needs unit length.
+    /// The shortest-arc rotation that turns direction a into direction b. Neither needs unit length.
     Quaternion(const Vector3& a, const Vector3& b);
 
     Quaternion operator+(Quaternion q) const { return {w + q.w, x + q.x, y + q.y, z + q.z}; }
@@ -33,13 +33,13 @@ public:
         return {w * factor, x * factor, y * factor, z * factor};
     }
     Quaternion operator*(Quaternion q) const;
-    /// The product (0, v) * this: the vector stands on the left, against the order it is written in.
+    /// The product (0, v) * this: the vector becomes the left factor, against the written order.
     Quaternion operator*(Vector3 v) const;
     /// The vector part plus v; w is ignored.
     Vector3 operator+(Vector3 v) const { return vectorPart() + v; }
     /// The conjugate.
     Quaternion operator~() const { return {w, -x, -y, -z}; }
-    /// The conjugate too, whatever its name says: only the vector part changes sign.
+    /// The conjugate as well, despite the name: only the vector part changes sign.
     Quaternion negation() const { return ~*this; }
 
     bool operator==(Quaternion q) const { return w == q.w && x == q.x && y == q.y && z == q.z; }
@@ -50,7 +50,7 @@ public:
     float dotProduct(Quaternion q) const { return w * q.w + x * q.x + y * q.y + z * q.z; }
     static float dotProduct(Quaternion a, Quaternion b) { return a.dotProduct(b); }
 
-    /// Scales to length 1 in place; a quaternion no longer than 1e-8 stays as it is.
+    /// Scales to length 1 in place. A quaternion of length 1e-8 or less stays unchanged.
     void normalise();
 
     /// v turned by this quaternion, which must have unit length.
@@ -59,7 +59,7 @@ public:
     /// This unit quaternion to the power n; the identity where |w| is 0.9999 or more.
     Quaternion exponentiation(int n) const;
 
-    /// angle in radians; the axis is taken as it is, normalised or not.
+    /// angle in radians. The axis is not normalised first.
     static Quaternion FromAxisAngle(float angle, Vector3 const& axis);
 
     /// Angles in degrees about x, y and z: the product qX(a) qY(b) qZ(c), normalised.
@@ -71,8 +71,7 @@ public:
 
     Matrix3 toRotationMatrix() const;
 
-    /// 0 for every vector part whose square does not vanish beside 1, else -1. The comparison is with 1, not
-    /// with 0; kept so.
+    /// 0 if 1 - x*x - y*y - z*z is less than 1, else -1. The comparison is with 1 on purpose, not with 0.
     float computeW() const;
 
     /// "(w, x, y, z)" with six decimals.
@@ -88,7 +87,7 @@ inline Quaternion operator*(float const& factor, Quaternion const& q)
 {
     return q * factor;
 }
-/// The product q * (0, v): the vector stands on the right, against the order it is written in.
+/// The product q * (0, v): the vector becomes the right factor, against the written order.
 Quaternion operator*(Vector3 v, Quaternion q);
 
 inline Quaternion Quaternion::operator*(Quaternion q) const

@@ -2,10 +2,9 @@
 
 #include <limits>
 
-/// `value` truncated towards zero; what no int can hold becomes the nearest int, and NaN becomes 0.
+/// `value` truncated towards zero. A value outside int's range becomes the nearest int, and NaN becomes 0.
 ///
-/// A plain conversion is undefined outside int's range, and the values that reach us from the network are
-/// unbounded.
+/// A plain conversion is undefined outside int's range, and values from the network are unbounded.
 constexpr int saturatingTruncation(double value)
 {
     if (value != value) {

@@ -5,8 +5,8 @@
 
 /// A point, a direction or a velocity in three dimensions: three single-precision floats, copied by value.
 ///
-/// Nothing is checked and nothing throws; NaN and infinity flow through as IEEE 754 has them. Mind the
-/// operators: vector * vector is the dot product, and < and > compare all three components at once.
+/// Nothing is checked and nothing throws; NaN and infinity propagate as in IEEE 754. Mind the operators:
+/// vector * vector is the dot product, and < and > compare all three components at once.
 class Vector3
 {
 public:
@@ -29,12 +29,12 @@ public:
     Vector3& operator*=(float factor) { return *this = *this * factor; }
 
     bool operator==(Vector3 o) const { return x == o.x && y == o.y && z == o.z; }
-    /// True only where every component is strictly smaller than o's: a partial order, unfit for sorting.
+    /// True only if every component is strictly smaller than o's: a partial order, unfit for sorting.
     bool operator<(Vector3 o) const { return o.x > x && o.y > y && o.z > z; }
-    /// True only where every component is strictly greater than o's.
+    /// True only if every component is strictly greater than o's.
     bool operator>(Vector3 o) const { return x > o.x && y > o.y && z > o.z; }
 
-    /// Component 0 (x), 1 (y) or 2 (z); any other index prints a complaint and yields 0.
+    /// Component 0 (x), 1 (y) or 2 (z); any other index prints an error line and yields 0.
     float operator[](unsigned int i) const;
 
     float lengthSquared() const { return dotProduct(*this); }
@@ -51,7 +51,7 @@ public:
     /// The point a + t (b - a); t is not clamped.
     static Vector3 lerp(Vector3 a, Vector3 b, float t) { return (b - a) * t + a; }
 
-    /// Scales to length 1 in place; a vector no longer than 1e-8 stays as it is.
+    /// Scales to length 1 in place. A vector of length 1e-8 or less stays unchanged.
     void normalise();
 
     /// "(x,y,z)" with six decimals.

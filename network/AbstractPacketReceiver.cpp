@@ -1,11 +1,11 @@
 #include "network/AbstractPacketReceiver.h"
 
 #include "Common/DebugPrint.h"
+#include "Common/PrintableText.h"
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "instrumentation/Logger.h"
 #include "network/MessageSerializer.h"
 #include "network/MessageTypes.h"
-#include "network/NetworkEvent.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/make_shared.hpp>
@@ -16,8 +16,7 @@
 
 namespace {
 
-// The event's type byte was read together with the message, so the cast holds for every event that parsing
-// made.
+// The parser sets the type and the message together, so the type tells the message's class.
 template <class M>
 M* messageOf(NetworkEvent& event)
 {
@@ -63,8 +62,13 @@ void AbstractPacketReceiver::handleTCPReceive(const boost::system::error_code& e
         return;
     }
     std::string leftover = takeLeftover(socket);
-    for (EventPtr& event : MessageSerializer::deserializeMessageArray(data, bytes, &leftover)) {
-        addTCPNetworkEvent(std::move(event));
+    if (leftover.size() < leftoverLimit) {
+        for (EventPtr& event : MessageSerializer::deserializeMessageArray(data, bytes, &leftover)) {
+            addTCPNetworkEvent(std::move(event));
+        }
+        if (leftover.size() >= leftoverLimit) {
+            DebugPrint("TCP stream stalled by a frame of length 0: ignoring all further bytes\n");
+        }
     }
     keepLeftover(socket, std::move(leftover));
     asyncReceive(socket);
@@ -90,7 +94,7 @@ void AbstractPacketReceiver::keepLeftover(tcp::socket* socket, std::string lefto
 
 void AbstractPacketReceiver::handleTCPError(const boost::system::error_code& error, tcp::socket* socket)
 {
-    boost::system::error_code ignored;  // a socket that fails to close is as gone as one that closes
+    boost::system::error_code ignored;  // nothing can be done for a socket that fails to close
     socket->cancel(ignored);
     socket->close(ignored);
     DebugPrint("TCP connection CLOSED err:%s\n", error.message().c_str());
@@ -108,11 +112,11 @@ void AbstractPacketReceiver::handleUDPReceive(const boost::system::error_code& e
         DebugPrint("Error in handleUDPReceive: %s (%d)\n", error.message().c_str(), error.value());
         return;
     }
-    std::string leftover;  // a datagram stands alone: nothing is carried over to the next
+    std::string leftover;  // nothing is carried over from one datagram to the next
     EventQueue events = MessageSerializer::deserializeMessageArray(data, bytes, &leftover);
     if (!leftover.empty()) {
         DebugPrint("Error has leftovers after UDP %d of %d - %s\n", static_cast<int>(leftover.size()),
-                   static_cast<int>(bytes), leftover.c_str());
+                   static_cast<int>(bytes), printable(leftover.c_str()).c_str());
     }
     for (EventPtr& event : events) {
         addUDPNetworkEvent(std::move(event));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "network/NetworkEvent.h"
+
 #include <boost/asio/io_service.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ip/udp.hpp>
@@ -13,8 +15,6 @@
 #include <list>
 #include <string>
 
-class NetworkEvent;
-
 namespace Vantor {
 class ClientUpdate;
 class ObjectDestroy;
@@ -23,16 +23,16 @@ class ObjectUpdate;
 class Welcome;
 }  // namespace Vantor
 
-/// Cuts what TCP sockets and one UDP socket deliver into messages and queues them for another thread.
+/// Cuts the bytes of TCP sockets and one UDP socket into messages and queues them for another thread.
 ///
-/// The handle... operations run on the thread that runs the I/O service, the dispatch... operations on the
-/// thread that drains the queues with getTCPPackets() and getUDPPackets(), with that queue's mutex held: keep
-/// them short. A dispatch... operation returns whether the rest of its queue may be handed over too; where it
-/// returns false, the rest is dropped. It may use the message during the call only.
+/// The handle... operations run on the thread that runs the I/O service. The dispatch... operations run on
+/// the thread that calls getTCPPackets() and getUDPPackets(), with that queue's mutex held: keep them short.
+/// If a dispatch... operation returns false, the rest of its queue is dropped. It may use the message during
+/// the call only.
 ///
-/// Nothing received is trusted; a bad frame is reported and skipped, but a TCP frame of length 0 is never
-/// passed: from there on that stream is only kept, in memory that grows with it. A TCP error ends that
-/// connection's reception and queues a closed-connection event; a UDP error ends UDP reception for good.
+/// Nothing received is trusted: a bad frame is reported and skipped. A TCP frame of length 0 stalls its
+/// stream: the bytes from there on are kept, up to `leftoverLimit`, and never read. A TCP error ends that
+/// connection's reception and queues a closed-connection event. A UDP error ends UDP reception for good.
 class AbstractPacketReceiver
 {
 public:
@@ -41,8 +41,7 @@ public:
     using tcp = boost::asio::ip::tcp;
     using udp = boost::asio::ip::udp;
 
-    /// The UDP socket is created but not opened: that is the subclass's business. `service` must outlive
-    /// this.
+    /// The subclass opens the UDP socket. `service` must outlive this.
     explicit AbstractPacketReceiver(boost::asio::io_service* service);
     AbstractPacketReceiver(const AbstractPacketReceiver&) = delete;
     AbstractPacketReceiver& operator=(const AbstractPacketReceiver&) = delete;
@@ -52,7 +51,7 @@ public:
     virtual void handleTCPError(const boost::system::error_code& error, tcp::socket* socket);
     virtual void handleUDPReceive(const boost::system::error_code& error, char* data, std::size_t bytes,
                                   udp::socket* socket);
-    /// Calls the handler that the event's kind and message type name.
+    /// Calls the dispatch... operation for the event's kind and message type; false if there is none.
     virtual bool dispatchEvent(boost::shared_ptr<NetworkEvent> event);
     virtual bool dispatchLogout() { return true; }
     virtual bool dispatchNewConnection(tcp::socket*) { return true; }
@@ -84,14 +83,17 @@ public:
     udp::socket* getUDPSocket() { return &udpSocket; }
 
     static constexpr std::size_t bufferSize = 2048;  ///< bytes; a longer datagram is cut
+    /// Bytes. No whole frame is as long, so only a stalled stream gets there: it then grows no more.
+    static constexpr std::size_t leftoverLimit = 1024UL * 1024UL;
 
     boost::asio::io_service* ioService;  ///< not owned
     udp::socket udpSocket;
     udp::endpoint udpSender;  ///< where the latest datagram came from
     std::array<char, bufferSize> udpBuffer = {};
-    std::array<char, bufferSize> tcpBuffer = {};  ///< shared by all TCP sockets: each handler empties it
-    boost::unordered_map<tcp::socket*, std::string*>
-        leftovers;  ///< owned; the unparsed, non-empty stream tails
+    /// Shared by all TCP sockets, so two pending receives could overwrite each other. The client has one.
+    std::array<char, bufferSize> tcpBuffer = {};
+    /// Owned; the unparsed tail of each stream, if not empty. Network thread only.
+    boost::unordered_map<tcp::socket*, std::string*> leftovers;
     EventQueue udpEvents;
     EventQueue tcpEvents;
     boost::mutex udpMutex;

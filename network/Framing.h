@@ -17,7 +17,7 @@ class Message;
 ///     2       1     type byte, a MessageTypes::MessageType
 ///     3       L-1   body, a serialised message
 ///
-/// From a client the same behind its qport, the two-byte tag that the server's Welcome gave it:
+/// A client puts its qport in front, the two-byte tag that the server's Welcome gave it:
 ///
 ///     offset  size
 ///     0       2     qport
@@ -28,26 +28,25 @@ class Message;
 /// Stateless; any thread. No function reads beyond the size it is given.
 namespace framing {
 
-constexpr std::size_t qportSize = 2;
-constexpr std::size_t lengthSize = 2;
+constexpr std::size_t qportSize = 2;   ///< bytes
+constexpr std::size_t lengthSize = 2;  ///< bytes
 
-/// The number in the two bytes at `data`, and the bytes of a number.
+/// Reads the number in the two bytes at `data`.
 std::uint16_t uint16At(const char* data);
 void appendUint16(std::string& out, std::uint16_t value);
 
-/// Appends a server's frame. A body of 65,535 bytes or more gets a truncated length: ours have a few dozen.
+/// Appends a server's frame. A body of 65,535 bytes or more gets a wrong length; ours have a few dozen.
 void appendFrame(std::string& out, MessageTypes::MessageType type, const google::protobuf::Message& message);
-/// The same of a body that is serialised already, or is no message at all.
+/// The same with a body of any bytes.
 void appendFrame(std::string& out, std::uint8_t type, const std::string& body);
 /// Appends a client's frame.
 void appendClientFrame(std::string& out, std::uint16_t qport, MessageTypes::MessageType type,
                        const google::protobuf::Message& message);
 
-/// L where `data` starts with a whole frame of a server, else 0. A frame of length 0 thus never counts as
-/// whole.
+/// Returns L if `data` starts with a whole frame of a server, else 0. So a frame of length 0 is never whole.
 std::uint16_t wholeFrameLength(const char* data, std::size_t size);
 
-/// A frame of a client; a view into the bytes it was cut from.
+/// A frame of a client. `body` points into the bytes that it was cut from.
 struct ClientFrame
 {
     std::uint16_t qport = 0;
@@ -66,14 +65,14 @@ enum class Cut : std::uint8_t
 {
     frame,
     incomplete,
-    broken  ///< a length of 0, or above ClientFrame::largest: nothing behind it can be found either
+    broken  ///< a length of 0 or above ClientFrame::largest; the rest of the stream is unreadable
 };
 
-/// Cuts the frame of a client that `data` starts with. `frame` changes only where the result is Cut::frame.
+/// Cuts the frame of a client that `data` starts with. Sets `frame` only if the result is Cut::frame.
 Cut cutClientFrame(const char* data, std::size_t size, ClientFrame& frame);
 
-/// Parses a body. False where it is malformed or lacks a required field; prints nothing, while ParseFromArray
-/// would write a line to standard error for each of a hostile peer's frames.
+/// Parses a body. Returns false if it is malformed or lacks a required field, and prints nothing:
+/// ParseFromArray would write a line to standard error for each bad frame.
 bool parseBody(google::protobuf::Message& message, const char* body, std::size_t size);
 
 }  // namespace framing

@@ -7,7 +7,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -15,7 +15,8 @@ namespace {
 
 using EventList = std::list<boost::shared_ptr<NetworkEvent>>;
 
-std::unique_ptr<google::protobuf::Message> makeMessage(unsigned char type)
+// Null where the type byte names no message.
+std::unique_ptr<google::protobuf::Message> makeMessage(unsigned int type)
 {
     switch (type) {
         case MessageTypes::OBJECT_INFO:
@@ -31,61 +32,6 @@ std::unique_ptr<google::protobuf::Message> makeMessage(unsigned char type)
         default:
             return nullptr;
     }
-}
-
-bool parseFrame(const char* data, std::size_t size, NetworkEvent& event, const char* info)
-{
-    const unsigned char type =
-        size == 0 ? static_cast<unsigned char>(0) : static_cast<unsigned char>(data[0]);
-    std::unique_ptr<google::protobuf::Message> message = makeMessage(type);
-    if (!message) {
-        DebugPrint("Unknown message type received (type byte: 0x%x) info %s\n",
-                   static_cast<unsigned int>(type), info);
-        return false;
-    }
-    event.kind = NetworkEvent::MESSAGE;
-    event.messageType = type;
-    if (!framing::parseBody(*message, data + 1, size - 1)) {
-        DebugPrint("Error in parseing message %s\n", info);
-        return false;
-    }
-    delete event.message;
-    event.message = message.release();
-    return true;
-}
-
-// Appends the events of all whole frames at the front of `data` and returns how many bytes they took.
-std::size_t cutFrames(const char* data, std::size_t size, EventList& events)
-{
-    std::size_t used = 0;
-    while (const unsigned short length = framing::wholeFrameLength(data + used, size - used)) {
-        auto event = boost::make_shared<NetworkEvent>();
-        if (parseFrame(data + used + framing::lengthSize, length, *event, "")) {
-            events.push_back(std::move(event));
-        } else {
-            DebugPrint("Error in deserializing of message\n");
-        }
-        used += framing::lengthSize + length;
-    }
-    return used;
-}
-
-// Appends to `tail` what the frame that it starts with still lacks, as far as `data` reaches; returns how
-// many bytes that took.
-std::size_t completeFrame(std::string& tail, const char* data, std::size_t size)
-{
-    std::size_t used = 0;
-    const auto fillTo = [&](std::size_t length) {
-        const std::size_t lacking = length - std::min(length, tail.size());
-        const std::size_t taken = std::min(lacking, size - used);
-        tail.append(data + used, taken);
-        used += taken;
-    };
-    fillTo(framing::lengthSize);
-    if (tail.size() >= framing::lengthSize) {
-        fillTo(framing::lengthSize + framing::uint16At(tail.data()));
-    }
-    return used;
 }
 
 }  // namespace
@@ -131,21 +77,20 @@ unsigned short MessageSerializer::messageIsLongEnough(std::string& buffer)
 EventList MessageSerializer::deserializeMessageArray(const char* data, std::size_t size,
                                                      std::string* leftover)
 {
+    leftover->append(data, size);
     EventList events;
     std::size_t used = 0;
-    // First the frame that the previous run broke off in; then the rest is cut where it lies.
-    while (!leftover->empty()) {
-        used += completeFrame(*leftover, data + used, size - used);
-        const std::size_t cut = cutFrames(leftover->data(), leftover->size(), events);
-        if (cut == 0) {
-            break;
+    while (const std::uint16_t length =
+               framing::wholeFrameLength(leftover->data() + used, leftover->size() - used)) {
+        auto event = boost::make_shared<NetworkEvent>();
+        if (realParsePacket(leftover->data() + used + framing::lengthSize, length, event, "")) {
+            events.push_back(std::move(event));
+        } else {
+            DebugPrint("Error in deserializing of message\n");
         }
-        leftover->erase(0, cut);
+        used += framing::lengthSize + length;
     }
-    if (leftover->empty()) {
-        used += cutFrames(data + used, size - used, events);
-    }
-    leftover->append(data + used, size - used);
+    leftover->erase(0, used);
     return events;
 }
 
@@ -157,5 +102,19 @@ bool MessageSerializer::deserializeMessage(std::string frame, boost::shared_ptr<
 bool MessageSerializer::realParsePacket(const char* data, std::size_t size,
                                         boost::shared_ptr<NetworkEvent> event, std::string info)
 {
-    return parseFrame(data, size, *event, info.c_str());
+    const unsigned int type = size == 0 ? 0U : static_cast<unsigned char>(data[0]);
+    std::unique_ptr<google::protobuf::Message> message = makeMessage(type);
+    if (!message) {
+        DebugPrint("Unknown message type received (type byte: 0x%x) info %s\n", type, info.c_str());
+        return false;
+    }
+    event->kind = NetworkEvent::MESSAGE;
+    event->messageType = type;
+    if (!framing::parseBody(*message, data + 1, size - 1)) {
+        DebugPrint("Error in parseing message %s\n", info.c_str());
+        return false;
+    }
+    delete event->message;
+    event->message = message.release();
+    return true;
 }

@@ -22,10 +22,10 @@ class ObjectUpdate;
 class Welcome;
 }  // namespace Vantor
 
-/// Makes frames of messages, and messages of received bytes (the layout is in network/Framing.h).
+/// Turns messages into frames, and received bytes into messages (network/Framing.h has the layout).
 ///
 /// Stateless and reentrant. Nothing received is trusted: a bad frame is reported through DebugPrint and
-/// skipped, whatever its bytes, and nothing is thrown.
+/// skipped. Nothing is thrown.
 class MessageSerializer
 {
 public:
@@ -38,20 +38,19 @@ public:
     static std::string serializeMessage(Vantor::ClientUpdate& msg);
     static std::string serializeMessage(Vantor::Welcome& msg);
 
-    /// The length field where the buffer starts with a whole frame, else 0.
+    /// The length field if the buffer starts with a whole frame, else 0.
     static unsigned short messageIsLongEnough(std::string& buffer);
 
     /// Cuts *leftover followed by `data` into events, in order; the incomplete tail becomes the new
     /// *leftover.
     ///
-    /// Costs one pass over the bytes, whatever the number of frames, and copies no body but one that two runs
-    /// share. A length field of 0 is never passed: that stream yields nothing more.
+    /// Costs one pass over the bytes, whatever the number of frames. Nothing behind a length field of 0 is
+    /// read: it all stays in *leftover.
     static std::list<boost::shared_ptr<NetworkEvent>> deserializeMessageArray(const char* data,
                                                                               std::size_t size,
                                                                               std::string* leftover);
 
-    /// Parses one frame, without its length field, into `event`; false (and a diagnostic) where it is
-    /// malformed.
+    /// Parses one frame, without its length field, into `event`. A bad frame yields false and a diagnostic.
     static bool deserializeMessage(std::string frame, boost::shared_ptr<NetworkEvent> event);
 
     /// Does the work of deserializeMessage; `info` is added to the diagnostics.

@@ -8,7 +8,7 @@ namespace messages {
 
 namespace {
 
-// The numbers of SceneGraphType, which is the scene's.
+// Values of SceneGraphType, which belongs to the scene.
 constexpr std::uint32_t playerType = 0;
 constexpr std::uint32_t projectileType = 1;
 

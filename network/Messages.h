@@ -16,10 +16,11 @@ class Orientation;
 class Position;
 }  // namespace Vantor
 
-/// The protocol's messages as plain values: whole frames made of them, and values taken out of them.
+/// The protocol's messages as plain values: turns values into whole frames, and messages into values.
 ///
-/// Units and axes are the client's: world units, unit quaternions, milliseconds of the server's clock (32
-/// bits, wrapping). Stateless; any thread. What is read is not checked: any float may be NaN or infinite.
+/// Positions are in world units, orientations are unit quaternions, times are milliseconds of the server's
+/// clock (32 bits, wrapping). Stateless; any thread. Values that are read are not checked: any float may be
+/// NaN or infinite.
 namespace messages {
 
 Vector3 toVector3(const Vantor::Position& position);
@@ -37,7 +38,7 @@ struct ShipState
     float health = 100.0F;  ///< hit points
     std::string name = "Pilot";
     std::int32_t score = 0;     ///< the player's own
-    std::int32_t redScore = 0;  ///< the teams'
+    std::int32_t redScore = 0;  ///< the team's, as the next
     std::int32_t blueScore = 0;
     std::uint32_t time = 1000;  ///< milliseconds
 };
@@ -51,11 +52,11 @@ struct ShotState
     std::uint32_t time = 1000;  ///< milliseconds
 };
 
-/// What a player asks of the own ship.
+/// A player's input.
 struct Steering
 {
     Quaternion orientation = {};
-    std::uint32_t controls = 0;  ///< bits
+    std::uint32_t controls = 0;  ///< a bit for each pressed key (GUIClient/VTEntryPoint.cpp)
 };
 
 // Frames of a server.
@@ -69,7 +70,7 @@ std::string destroyFrame(std::uint64_t id);
 
 // The frame of a client.
 std::string steeringFrame(std::uint16_t qport, const Steering& steering);
-/// Nothing where the frame is no ClientUpdate, or its body does not parse.
+/// Returns nothing if the frame is no ClientUpdate or its body does not parse.
 std::optional<Steering> readSteering(const framing::ClientFrame& frame);
 
 }  // namespace messages

@@ -7,10 +7,10 @@ namespace google::protobuf {
 class Message;
 }
 
-/// One received message, or the news that a connection opened or closed.
+/// One received message, or the note that a connection opened or closed.
 ///
-/// Made on the network thread, handled and destroyed on the thread that drains the queues; always held by
-/// boost::shared_ptr, never shared while it changes.
+/// The network thread makes it; the thread that drains the queues handles and destroys it. Held by
+/// boost::shared_ptr; only one thread uses it at a time.
 class NetworkEvent
 {
 public:
@@ -21,13 +21,12 @@ public:
         CLOSED_CONNECTION = 2
     };
 
-    unsigned int senderTag = 0;                    ///< handed on beside a ClientUpdate; a client leaves it 0
-    unsigned int kind = MESSAGE;                   ///< a Kind
-    unsigned int messageType = 0;                  ///< a MessageTypes::MessageType where kind is MESSAGE
-    google::protobuf::Message* message = nullptr;  ///< owned; null unless kind is MESSAGE
-    boost::asio::ip::udp::endpoint* endpoint =
-        nullptr;  ///< owned; who sent the datagram, null where not recorded
-    boost::asio::ip::tcp::socket* socket = nullptr;  ///< not owned; the connection of the other two kinds
+    unsigned int senderTag = 0;                          ///< passed on with a ClientUpdate; 0 in a client
+    unsigned int kind = MESSAGE;                         ///< a Kind
+    unsigned int messageType = 0;                        ///< a MessageTypes::MessageType, if kind is MESSAGE
+    google::protobuf::Message* message = nullptr;        ///< owned; null unless kind is MESSAGE
+    boost::asio::ip::udp::endpoint* endpoint = nullptr;  ///< owned; the datagram's sender, null in a client
+    boost::asio::ip::tcp::socket* socket = nullptr;      ///< not owned; for the other two kinds
 
     NetworkEvent() = default;
     ~NetworkEvent();

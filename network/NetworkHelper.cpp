@@ -21,10 +21,10 @@ NetworkHelper* NetworkHelper::getInstance()
 bool NetworkHelper::connect(std::string host, std::string port, unsigned int udpTimeout)
 {
     SceneGraph* graph = SceneGraph::getInstance();
-    receiver = new PacketReceiver(&ioService, sender, graph, udpTimeout);
-    // Before any attempt to connect: datagrams and their watchdog run while the connection is being made.
-    boost::thread(runIOService).detach();
     try {
+        receiver = new PacketReceiver(&ioService, sender, graph, udpTimeout);
+        // Before any attempt to connect: datagrams and their watchdog run while the connection is being made.
+        boost::thread(runIOService).detach();
         connectSocket(host, port);
         return true;
     } catch (const boost::system::system_error& error) {

@@ -25,9 +25,9 @@ public:
 
     /// Connects to the first address that `host` (a name or an address) and `port` (a decimal number or a
     /// service name) resolve to. `udpTimeout` in seconds: the watchdog over datagrams starts before the
-    /// attempt. Returns false, with two lines of diagnostics, where there is no server.
+    /// attempt. Prints two lines and returns false if there is no server, no socket or no thread.
     bool connect(std::string host, std::string port, unsigned int udpTimeout);
-    /// Stops the I/O service. Sockets stay open: the process is about to end.
+    /// Stops the I/O service. Sockets stay open, because the process is about to end.
     void disconnect();
     /// The body of the network thread: returns when the service is stopped.
     static void runIOService();

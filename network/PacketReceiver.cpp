@@ -1,6 +1,7 @@
 #include "network/PacketReceiver.h"
 
 #include "Common/DebugPrint.h"
+#include "Common/PrintableText.h"
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "math/Quaternion.h"
 #include "math/SaturatingTruncation.h"
@@ -20,13 +21,14 @@
 #include <boost/asio/error.hpp>
 #include <boost/date_time/posix_time/posix_time_types.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <string>
 
 namespace {
 
-// The scene files its objects under signed keys; ids above 2^63 wrap, one to one.
+// The scene's keys are signed: ids above 2^63 wrap, and stay unique.
 Transform* find(SceneGraph& graph, std::uint64_t id)
 {
     return graph.getOBjectById(static_cast<long long>(id));
@@ -42,7 +44,7 @@ Transform* makeProjectile(const Vantor::ObjectInfo& msg)
     return projectile;
 }
 
-// A ship without a team or a name is nothing we could show: null, and the message is dropped.
+// Null without a team or a name.
 Transform* makePlayer(const Vantor::ObjectInfo& msg)
 {
     const Vantor::PlayerData& data = msg.playerdata();
@@ -52,7 +54,7 @@ Transform* makePlayer(const Vantor::ObjectInfo& msg)
     return new Player(msg.id(), data.blueteam(), saturatingTruncation(static_cast<double>(data.health())));
 }
 
-// Null where the message does not make an object.
+// Null if the message lacks something or its type is none that servers create: the message is dropped.
 Transform* makeObject(const Vantor::ObjectInfo& msg)
 {
     switch (msg.objecttype()) {
@@ -91,13 +93,27 @@ void leaveExplosion(Vector3 position)
     factory->ship(explosion);
 }
 
-// The main thread may be anywhere: drawing, on its way out, or holding standard output while its terminal is
-// stopped. So no destructor and no exit handler runs, and should our last words get stuck, the alarm ends the
-// process instead.
-[[noreturn]] void endProcessFromNetworkThread(unsigned int seconds, const std::string& reason)
+// Ends the process after this time, whatever its threads are waiting for. Safe in a signal handler.
+void endProcessIn(unsigned int seconds)
 {
     std::signal(SIGALRM, [](int) { _exit(EXIT_FAILURE); });
-    alarm(2);
+    alarm(seconds);
+}
+
+// The watchdog's last resort. While standard output is stopped, a diagnostic blocks its thread: the network
+// thread itself, or the main thread with a queue's mutex held. The watchdog cannot run then, a signal can. It
+// leaves a watchdog that is merely late five seconds to end the process with its message.
+void setLastResort(unsigned int seconds)
+{
+    std::signal(SIGALRM, [](int) { endProcessIn(5); });
+    alarm(std::max(1U, seconds));
+}
+
+// The main thread may be drawing, exiting, or holding standard output. So no destructor and no exit handler
+// runs. If the message gets stuck, the alarm ends the process.
+[[noreturn]] void endProcessFromNetworkThread(unsigned int seconds, const std::string& reason)
+{
+    endProcessIn(2);
     DebugPrint("No UDP packet received in %u - exiting with error %s\n", seconds, reason.c_str());
     std::_Exit(EXIT_FAILURE);
 }
@@ -121,6 +137,7 @@ PacketReceiver::PacketReceiver(boost::asio::io_service* service, PacketSender* p
 
 void PacketReceiver::Socket(tcp::socket* socket)
 {
+    setLastResort(udpTimeoutSeconds);
     asyncReceive(socket);
 }
 
@@ -146,6 +163,7 @@ void PacketReceiver::udpTimeout(const boost::system::error_code& error)
 void PacketReceiver::resetTimer()
 {
     if (watchdog.expires_from_now(boost::posix_time::seconds(udpTimeoutSeconds)) > 0) {
+        setLastResort(udpTimeoutSeconds);
         awaitTimeout();
     } else {
         DebugPrint("Timer already expired\n");
@@ -190,8 +208,8 @@ bool PacketReceiver::dispatchObjectInfo(Vantor::ObjectInfo* msg)
     if (msg->objecttype() != SGT_PLAYER) {
         return true;
     }
-    // The server names the type as well as the id, and the two need not agree: the id may be a carrier's or a
-    // shot's. Only a Player has room for player data.
+    // The server chooses type and id independently: the id may be a carrier's or a shot's. Only a Player has
+    // room for player data.
     if (auto* player = dynamic_cast<Player*>(object); player != nullptr) {
         ProtobufConversion::playerData(player, &msg->playerdata());
     }
@@ -222,7 +240,7 @@ bool PacketReceiver::dispatchObjectDestroy(Vantor::ObjectDestroy* msg)
     if (object->type == SGT_PROJECTILE) {
         leaveExplosion(object->position);
     } else if (const auto* player = dynamic_cast<Player*>(object)) {
-        DebugPrint("Player %s logged out\n", player->name.c_str());
+        DebugPrint("Player %s logged out\n", printable(player->name.c_str()).c_str());
     }
     return true;
 }

@@ -9,20 +9,20 @@
 class PacketSender;
 class SceneGraph;
 
-/// The client's receiver: applies the server's messages to the scene graph, and watches over the flow of
-/// datagrams.
+/// The client's receiver: applies the server's messages to the scene graph, and ends a client whose server
+/// went away.
 ///
 /// The dispatch... operations run on the main thread and may touch the scene freely; the watchdog runs on the
-/// network thread. What the messages say is hostile until checked: player data lands only in a Player, and no
-/// value, name or id can do more than draw nonsense.
+/// network thread. No value, name or id that a server sends can do more than draw nonsense.
 ///
-/// Ends the process: with status 0 when the TCP connection is gone, with status 1 when no datagram came for
-/// the UDP timeout. Lives to the end of the process.
+/// Ends the process: with status 0 when the TCP connection closes, with status 1 when no datagram arrives
+/// for the UDP timeout. An alarm (SIGALRM) ends it a few seconds later if the watchdog is blocked, because
+/// standard output is stopped. Lives to the end of the process.
 class PacketReceiver : public AbstractPacketReceiver
 {
 public:
     /// Opens the UDP socket at any free port, starts its reception and arms the watchdog. `udpTimeout` in
-    /// seconds.
+    /// seconds. Throws boost::system::system_error if the system refuses a socket.
     PacketReceiver(boost::asio::io_service* service, PacketSender* packetSender, SceneGraph* graph,
                    unsigned int udpTimeout);
 
@@ -33,7 +33,7 @@ public:
 
     /// The watchdog's completion: ends the process unless the wait was only cancelled.
     void udpTimeout(const boost::system::error_code& error);
-    /// Gives the server another UDP timeout; says so where the watchdog had already fired.
+    /// Gives the server another UDP timeout; only prints a line if the watchdog has already fired.
     void resetTimer();
 
     void handleUDPReceive(const boost::system::error_code& error, char* data, std::size_t bytes,

@@ -20,7 +20,7 @@ class ClientUpdate;
 ///
 /// A singleton, created on first use and never destroyed. Setters and sends belong to the main thread;
 /// sendCompleted runs on the network thread. A message may be changed or destroyed as soon as a send returns.
-/// Before the sockets are set, messages are dropped without a word; a failed send prints one line and is not
+/// Until the sockets are set, messages are silently dropped. A failed send prints one line and is not
 /// repeated.
 class PacketSender
 {
@@ -42,7 +42,7 @@ public:
     /// The bytes to send: qport, then the frame. The caller owns the string.
     std::string* getMessageCopy(MessageTypes::MessageType type, google::protobuf::Message& msg);
 
-    /// Counts what was sent, or reports why it was not; frees `copy`.
+    /// Counts the bytes, or prints the error; frees `copy`.
     void sendCompleted(const boost::system::error_code& error, std::size_t bytes, std::string* copy,
                        bool isTcp);
 

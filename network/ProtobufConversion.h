@@ -6,11 +6,11 @@ namespace Vantor {
 class PlayerData;
 }
 
-/// Copies what messages carry into the scene.
+/// Copies message data into the scene.
 class ProtobufConversion
 {
 public:
-    /// Copies health, team, name and score where present; what is absent leaves the player's values alone.
-    /// Main thread only. Team totals belong to no player and are not copied.
+    /// Copies health, team, name and score, each only if present. Team totals belong to no player and are not
+    /// copied. Main thread only.
     static void playerData(Player* player, const Vantor::PlayerData* data);
 };

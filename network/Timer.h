@@ -2,22 +2,23 @@
 
 #include <cstdint>
 
-/// The client's clocks: the local wall clock in milliseconds, a stopwatch in seconds, and the server's clock
-/// as it was told once.
+/// The client's clocks: the local wall clock in milliseconds, a stopwatch in seconds, and an estimate of the
+/// server's clock.
 ///
-/// All read the system's time of day at millisecond resolution, so they follow it when it is set. The
-/// server's clock is one offset, taken from one timestamp without correcting for its transit: it runs behind
-/// by that delay. The static state belongs to the main thread; getCurrentTime() may be called from any.
+/// All read the system's time of day at millisecond resolution, and jump when it is set. The server's clock
+/// is one offset, taken from one timestamp without correcting for its transit: it runs behind by that delay.
+/// The static state belongs to the main thread; getCurrentTime() may be called from any.
 class Timer
 {
 public:
     static unsigned int clock;     ///< server milliseconds at synchronisation
     static unsigned int syncTime;  ///< local milliseconds at synchronisation, low 32 bits
-    static bool isSynced;          ///< set by whoever calls sync_clock, once
+    static bool isSynced;          ///< the caller of sync_clock sets it, once
 
     /// Starts the stopwatch.
     Timer();
-    /// Seconds since the previous call, or since construction; 0 within the same millisecond.
+    /// Seconds since the previous call, or since construction; 0 within the same millisecond, negative if the
+    /// clock was set back.
     double getTimeDiff();
 
     /// Milliseconds since the Unix epoch.
@@ -28,5 +29,5 @@ public:
     static void sync_clock(unsigned int serverTime);
 
 private:
-    double last;  ///< seconds since the Unix epoch
+    double last;  ///< when getTimeDiff() was last called, or this was made; seconds since the Unix epoch
 };

@@ -36,7 +36,7 @@ void CollisionObject::setLineSegment(Vector3 offset)
     }
 }
 
-// Always this object's own rotation and offset, whoever owns the segment; see collidesWith.
+// Takes this object's own rotation and offset even if `owner` is another object, see collidesWith.
 void CollisionObject::aimSegmentOf(CollisionObject& owner) const
 {
     owner.rotatedOffset = orientation.rotate(lineOffset);

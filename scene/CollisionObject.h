@@ -24,7 +24,7 @@ public:
     CollisionObject(const CollisionObject&) = delete;
     CollisionObject& operator=(const CollisionObject&) = delete;
 
-    /// Told of each hit, by CollisionHandler.
+    /// CollisionHandler calls this for each hit.
     virtual void collisionResponse(CollisionObject* /*other*/) {}
 
     void init();
@@ -33,9 +33,9 @@ public:
     /// `offset` reaches from the object's position to the far end, in the object's own frame.
     void setLineSegment(Vector3 offset);
 
-    /// Two spheres, or a sphere and a segment; anything else does not collide. Not symmetric: asked of the
-    /// sphere, a segment counts as its start point alone, since the sphere's own (zero) offset is what gets
-    /// rotated.
+    /// Whether two spheres, or a sphere and a segment, collide; false for any other pair. Not symmetric, on
+    /// purpose: called on the sphere it rotates the sphere's own zero offset, so only the segment's start
+    /// counts.
     bool collidesWith(CollisionObject& other);
 
     Sphere* sphere = nullptr;            ///< owned; null unless collisionType is SPHERE
@@ -46,6 +46,5 @@ public:
 private:
     void aimSegmentOf(CollisionObject& owner) const;
 
-    Vector3
-        rotatedOffset;  ///< what lineSegment->end points at from the first test on; every test writes it anew
+    Vector3 rotatedOffset;  ///< lineSegment->end points here from the first test on; each test rewrites it
 };

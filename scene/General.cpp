@@ -11,10 +11,6 @@ General* General::instance = nullptr;
 
 namespace {
 
-constexpr Vector3 blueBase(-500.0F, 0.0F, 0.0F);
-constexpr Vector3 redBase(500.0F, 0.0F, 0.0F);
-constexpr Vector3 teamBox(1.0F, 100.0F, 100.0F);
-constexpr Vector3 sharedBox(500.0F, 200.0F, 200.0F);
 constexpr float stepsPerUnit = 100.0F;  ///< random points lie on a grid of this fineness
 
 int truncated(float value)
@@ -35,34 +31,10 @@ float randomCoordinate(float centre, float size)
     return centre - (static_cast<float>(step) + size * stepsPerUnit * -0.5F) / stepsPerUnit;
 }
 
-float numberOfPlayers()
+std::size_t numberOfPlayers()
 {
     const auto* players = SceneGraph::getInstance()->getListOfType(SGT_PLAYER);
-    return players == nullptr ? 0.0F : static_cast<float>(players->size());
-}
-
-// A grid of about one cell per player, in the proportions of the box.
-Vector3 gridPoint(Vector3 centre, Vector3 size, int slot)
-{
-    const float q = numberOfPlayers() / (size.y / size.x) / (size.z / size.x);
-    constexpr double third = 0.3333333432674408;  // the float nearest to one third
-    const int n = saturatingTruncation(std::pow(static_cast<double>(q), third));
-    const int proportionalLayers = truncated(static_cast<float>(n) * size.z / size.x);
-    const int layers = proportionalLayers == 0 ? 1 : proportionalLayers;
-    const int columns = nextOdd(n);
-    const int rows = nextOdd(truncated(static_cast<float>(n) * size.y / size.x));
-
-    const auto cells = static_cast<std::int64_t>(layers) * columns * rows;
-    const auto index = static_cast<int>(slot % cells);
-    const int k = index / (rows * columns);
-    const int rest = index - columns * k * rows;
-    const int j = rest / columns;
-    const int i = rest % columns;
-    const auto along = [](float c, float s, int count, int cell) {
-        return c + (s / static_cast<float>(count) * static_cast<float>(cell) - s * 0.5F);
-    };
-    return {along(centre.x, size.x, columns, i), along(centre.y, size.y, rows, j),
-            along(centre.z, size.z, layers, k)};
+    return players == nullptr ? 0 : players->size();
 }
 
 }  // namespace
@@ -92,7 +64,7 @@ Vector3 General::startOf(Vector3 fixedPoint, std::int32_t& slot)
             return getStartingPointWithin(fixedPoint, teamBox, true, 0);
         case GRID:
             slot += 2;
-            return getStartingPointWithin({}, sharedBox, false, slot);
+            return getStartingPointWithin(gridCentre, gridBox, false, slot);
         default:
             return fixedPoint;
     }
@@ -101,13 +73,36 @@ Vector3 General::startOf(Vector3 fixedPoint, std::int32_t& slot)
 Vector3 General::getStartingPointWithin(Vector3 centre, Vector3 size, bool random, int seed)
 {
     if (!random) {
-        return gridPoint(centre, size, seed);
+        return gridPoint(centre, size, seed, numberOfPlayers());
     }
     seedGenerator(seed);
     const float x = randomCoordinate(centre.x, size.x);
     const float y = randomCoordinate(centre.y, size.y);
     const float z = randomCoordinate(centre.z, size.z);
     return {x, y, z};
+}
+
+Vector3 General::gridPoint(Vector3 centre, Vector3 size, int slot, std::size_t players)
+{
+    const float q = static_cast<float>(players) / (size.y / size.x) / (size.z / size.x);
+    constexpr double third = 0.3333333432674408;  // the float nearest to one third
+    const int n = saturatingTruncation(std::pow(static_cast<double>(q), third));
+    const int proportionalLayers = truncated(static_cast<float>(n) * size.z / size.x);
+    const int layers = proportionalLayers == 0 ? 1 : proportionalLayers;
+    const int columns = nextOdd(n);
+    const int rows = nextOdd(truncated(static_cast<float>(n) * size.y / size.x));
+
+    const std::int64_t cellsPerLayer = static_cast<std::int64_t>(rows) * columns;
+    const std::int64_t index = slot % (cellsPerLayer * layers);
+    const std::int64_t k = index / cellsPerLayer;
+    const std::int64_t rest = index % cellsPerLayer;
+    const std::int64_t j = rest / columns;
+    const std::int64_t i = rest % columns;
+    const auto along = [](float c, float s, int count, std::int64_t cell) {
+        return c + (s / static_cast<float>(count) * static_cast<float>(cell) - s * 0.5F);
+    };
+    return {along(centre.x, size.x, columns, i), along(centre.y, size.y, rows, j),
+            along(centre.z, size.z, layers, k)};
 }
 
 void General::seedGenerator(int seed)

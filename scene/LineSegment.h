@@ -4,8 +4,8 @@
 
 class Sphere;
 
-/// A collision volume: the points start + s * end for s from 0 to 1. Mind the name: `end` is the direction,
-/// not the far end. Neither vector is owned.
+/// A collision volume: the points start + s * end for s from 0 to 1. Despite its name, `end` is the direction
+/// and not the far end. Neither vector is owned.
 class LineSegment
 {
 public:

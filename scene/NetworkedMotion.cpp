@@ -1,4 +1,4 @@
-// The motion half of Transform: what a server state does, and what a frame does between two of them.
+// The motion half of Transform: how it records a server state, and how a frame advances it between states.
 #include "scene/Transform.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ void Transform::updateInfo(unsigned int time, Vector3& newPosition, Quaternion& 
 void Transform::updateLast(unsigned int time, Vector3& newPosition, Quaternion& newOrientation, bool reset)
 {
     if (reset) {
-        // The measured velocity survives: the object rests here for this instant and then goes on.
+        // velocity[0] keeps its value: the object goes on from here at its old velocity.
         rememberAll(time, newPosition, newOrientation);
         smoothPosition = newPosition;
         velocity[1] = velocity[0];
@@ -56,12 +56,13 @@ Vector3 Transform::measuredVelocity() const
     if (serverTime[0] == serverTime[1]) {
         return {};
     }
-    // Unsigned on purpose: a state from the past gives an interval of weeks, thus a velocity of nearly zero.
+    // Unsigned on purpose: a state from the past gives an interval of weeks, and so a velocity of nearly
+    // zero.
     const auto milliseconds = static_cast<float>(serverTime[0] - serverTime[1]);
     return (serverPosition[0] - serverPosition[1]) * (1000.0F / milliseconds);
 }
 
-// acceleration keeps its value on purpose: until the next state the object drifts by it.
+// acceleration keeps its value on purpose: the object drifts by it until the next state.
 void Transform::snap(unsigned int time, const Vector3& newPosition, const Quaternion& newOrientation)
 {
     rememberAll(time, newPosition, newOrientation);

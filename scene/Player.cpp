@@ -65,8 +65,8 @@ void Player::realUpdate(float dt)
 void Player::smoothTheOrientation(float dt)
 {
     const float interval = static_cast<float>(serverTime[0] - serverTime[1]) * secondsPerMillisecond;
-    // Two states of the same time say nothing about how far the turn has come: aim at the newest state
-    // itself, as does every frame shorter than the server's interval.
+    // Two states of the same time give no interval: aim at the newest state itself. Every frame shorter than
+    // the server's interval does the same.
     const int steps = interval == 0.0F ? 0 : saturatingTruncation(static_cast<double>(dt / interval));
     const Quaternion target = angularStep.exponentiation(steps) * serverOrientation[0];
     smoothOrientation = Quaternion::Slerp(smoothOrientation, target, dt * orientationRate);

@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <string>
 
-/// A ship of either team, the own one included: moved by the server's states, smoothed in position and
+/// A ship of either team, also this client's own: moved by the server's states, smoothed in position and
 /// orientation.
 ///
-/// Main thread only; the constructor loads the ship's texture on first use. It is drawn where the previous
-/// frame smoothed it to: one frame late, on purpose.
+/// Main thread only; the constructor loads the ship's texture on first use. Its drawn position is the one
+/// that the previous frame smoothed: one frame late, on purpose.
 class Player : public CollisionObject
 {
 public:
@@ -26,7 +26,7 @@ public:
     bool blueTeam;
     float health;            ///< hit points; any float, NaN included
     std::int32_t score = 0;  ///< the player's own
-    Quaternion angularStep;  ///< from the orientation shown when the newest state arrived to that state's
+    Quaternion angularStep;  ///< turn from the shown to the newest server orientation, when that arrived
 
 private:
     void smoothTheOrientation(float dt);

@@ -11,7 +11,7 @@ namespace {
 
 const std::string modelName = "shot.obj";
 constexpr float modelScale = 0.01F;
-constexpr float fullLifetime = 20.0F;  ///< seconds; ends a shot whose end the server did not tell
+constexpr float fullLifetime = 20.0F;  ///< seconds; ends a shot whose destruction the server never sent
 
 }  // namespace
 
@@ -45,7 +45,7 @@ void Projectile::realDraw()
 {
     glPushMatrix();
     glDisable(GL_TEXTURE_2D);
-    setTeamColour(blueTeam);  // and left set: whoever draws next chooses its own
+    setTeamColour(blueTeam);  // stays set: every other object sets its own colour
     glScalef(modelScale, modelScale, modelScale);
     ResourceManager::getInstance()->drawModel(modelName);
     glEnable(GL_TEXTURE_2D);

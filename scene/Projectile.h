@@ -2,8 +2,8 @@
 
 #include "scene/CollisionObject.h"
 
-/// A shot: flies on with the velocity it was announced with, until the server destroys it or its lifetime is
-/// over. It is always drawn with the orientation it was made with.
+/// A shot: moves by the server's states until the server destroys it or its lifetime is over. Its orientation
+/// never changes.
 class Projectile : public CollisionObject
 {
 public:

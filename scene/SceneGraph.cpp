@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <iterator>
-#include <vector>
+#include <unordered_set>
 
 SceneGraph* SceneGraph::instance = nullptr;
 
@@ -19,59 +18,14 @@ Transform* lookUp(const Table& table, const Key& key)
     return entry == table.end() ? nullptr : entry->second;
 }
 
-// The addresses that one walk over a list looks for: filled once, emptied by take(). A table of at least
-// twice as many slots with linear probing (Knuth, "The Art of Computer Programming" 3, 6.4), because a
-// node-based set would cost more than all the rest of a removal.
-class PendingAddresses
+using Objects = std::list<Transform*>;
+
+// Takes the first element equal to each of `leaving` out of `list`, in one walk. Compares addresses and never
+// looks behind them: a list may hold objects that died elsewhere.
+void unlinkFirst(Objects& list, const Objects& leaving)
 {
-public:
-    /// Lives in `storage`, which is kept from walk to walk: freeing a block of this size makes the allocator
-    /// tidy up all the small ones that the walk has just freed.
-    template <class Iterator>
-    PendingAddresses(Iterator begin, Iterator end, std::vector<const void*>& storage) : slots(storage)
-    {
-        const auto count = static_cast<std::size_t>(std::distance(begin, end));
-        while ((std::size_t{1} << bits) < 2 * count) {
-            ++bits;
-        }
-        slots.assign(std::size_t{1} << bits, nullptr);
-        for (; begin != end; ++begin) {
-            slots[slotOf(*begin)] = *begin;
-        }
-    }
-
-    /// Whether the address was still pending; it no longer is.
-    bool take(const Transform* t)
-    {
-        const void*& slot = slots[slotOf(t)];
-        const bool found = slot == t;
-        slot = found ? this : slot;  // taken, but not free: later addresses of the same run stay reachable
-        return found;
-    }
-
-private:
-    // The slot that holds the address, or the free one that ends its run.
-    std::size_t slotOf(const void* address) const
-    {
-        constexpr std::uint64_t golden = 0x9E3779B97F4A7C15U;  // 2^64 / golden ratio: spreads neighbours
-        std::size_t slot = (reinterpret_cast<std::uintptr_t>(address) * golden) >> (64U - bits);
-        while (slots[slot] != nullptr && slots[slot] != address) {
-            slot = (slot + 1) & (slots.size() - 1);
-        }
-        return slot;
-    }
-
-    unsigned int bits = 1;
-    std::vector<const void*>& slots;
-};
-
-// Unlinks each object of `gone` once, at its first place. Compares addresses and never looks behind them: a
-// list may hold objects that died elsewhere.
-template <class Objects>
-void unlink(std::list<Transform*>& from, const Objects& gone, std::vector<const void*>& storage)
-{
-    PendingAddresses pending(gone.begin(), gone.end(), storage);
-    from.remove_if([&](const Transform* t) { return pending.take(t); });
+    std::unordered_set<const Transform*> pending(leaving.begin(), leaving.end());
+    list.remove_if([&](const Transform* t) { return pending.erase(t) > 0; });
 }
 
 }  // namespace
@@ -157,11 +111,11 @@ void SceneGraph::applyRemoveList()
         return;
     }
     for (const RemoveRequest& request : removeRequests) {
-        unlink(*request.from, request.objects, walkStorage);
+        unlinkFirst(*request.from, request.objects);
     }
-    unlinkFromTypeLists();
+    const TypeListPlaces places = placesInTypeLists(removeList);
     for (Transform* t : removeList) {
-        forget(t);
+        unregister(t, places);
         t->destroyChildren();
         delete t;
     }
@@ -169,23 +123,32 @@ void SceneGraph::applyRemoveList()
     removeList.clear();
 }
 
-// Objects without a type keep their entry in the list of their kind for good.
-void SceneGraph::unlinkFromTypeLists()
+// One walk over the type lists, however many objects leave. Compares addresses, as unlinkFirst does. Objects
+// without a type get no place, so their entry stays in the list for ever.
+SceneGraph::TypeListPlaces SceneGraph::placesInTypeLists(const Objects& leaving)
 {
+    TypeListPlaces places(leaving.size());
+    for (Transform* t : leaving) {
+        places.emplace(t, std::nullopt);
+    }
     for (auto& [objectType, objects] : typeLists) {
-        gone.clear();
-        if (objectType != SGT_NONE) {
-            std::copy_if(removeList.begin(), removeList.end(), std::back_inserter(gone),
-                         [wanted = objectType](const Transform* t) { return t->type == wanted; });
-        }
-        if (!gone.empty()) {
-            unlink(objects, gone, walkStorage);
+        for (auto it = objects.begin(); objectType != SGT_NONE && it != objects.end(); ++it) {
+            const auto found = places.find(*it);
+            if (found != places.end() && !found->second && found->first->type == objectType) {
+                found->second = it;
+            }
         }
     }
+    return places;
 }
 
-void SceneGraph::forget(Transform* t)
+// Takes one object out of its type list and the tables.
+void SceneGraph::unregister(Transform* t, const TypeListPlaces& places)
 {
+    const auto place = places.find(t);
+    if (place != places.end() && place->second) {
+        getListOfType(t->type)->erase(*place->second);
+    }
     tcpTable.erase(t->getTCPid());
     udpTable.erase(t->getUDPid());
     idTable.erase(static_cast<long long>(t->id));

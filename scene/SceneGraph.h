@@ -4,18 +4,17 @@
 #include "scene/Transform.h"
 
 #include <list>
+#include <optional>
 #include <unordered_map>
 #include <utility>
-#include <vector>
 
-/// The root of the scene and the registry of everything in it: a list per type, three look-up tables, and the
-/// list of what is to be removed.
+/// The root of the scene and the registry of its objects: a list per type, three look-up tables, and the list
+/// of objects to remove.
 ///
 /// A singleton, created on first use; main thread only. Objects enter through Transform::attach. They leave
-/// in two steps: addToRemoveList may be called at any time, also while the tree or a type list is walked;
-/// applyRemoveList then unlinks and deletes them all, between a frame's update and its drawing. The tables
-/// never yield an object that applyRemoveList has deleted. Only childless objects may be queued: children
-/// would be deleted with it but stay registered.
+/// in two steps. addToRemoveList queues an object, also while the tree or a type list is being walked.
+/// applyRemoveList unlinks and deletes the queued objects between a frame's update and its drawing. Queue
+/// only childless objects: children are deleted with their parent but stay registered.
 class SceneGraph : public Transform
 {
 public:
@@ -28,24 +27,25 @@ public:
     SceneGraph(const SceneGraph&) = delete;
     SceneGraph& operator=(const SceneGraph&) = delete;
 
-    /// Files `t` under its type and its id, a player under its two keys as well. A later object of the same
-    /// id takes the earlier one's place in the table.
+    /// Files `t` under its type and its id, and a player under its two keys as well. A later object with the
+    /// same id replaces the earlier one in the table.
     void addTransformToType(Transform* t, SceneGraphType objectType);
-    /// The live list, or null where no object of that type was ever added. Not to be kept across
+    /// The live list, or null if no object of that type was ever added. Do not keep it across
     /// applyRemoveList.
     std::list<Transform*>* getListOfType(SceneGraphType objectType);
-    /// Null where there is none.
+    // Look-ups by id and by a player's keys: null if there is no such object.
     Transform* getOBjectById(long long objectId);
     Transform* getObjectByUDPid(long long key);
     Transform* getObjectByTCPid(void* key);
 
-    /// Queues `t`, which must be attached, for removal from its parent; a second time has no effect.
+    /// Queues `t`, which must be attached, for removal from its parent. A second call has no effect.
     void addToRemoveList(Transform* t);
-    /// Queues `t` for removal from `from`, a list that outlives the next applyRemoveList. Searches the lists
-    /// named so far: usually one, since everything hangs off the root.
+    /// Queues `t` for removal from `from`, which must outlive the next applyRemoveList. A second call for the
+    /// same object has no effect, whatever the list. Searches the lists queued so far, usually one.
     void addToRemoveList(std::list<Transform*>* from, Transform* t);
-    /// Unlinks and deletes what is queued, in at most two walks over each list that loses objects, however
-    /// many.
+    /// Unlinks all queued objects from the lists they were queued with. Then, object by object, takes it out
+    /// of its type list and the tables and deletes it. Linear in the lists' lengths, however many objects
+    /// leave.
     void applyRemoveList();
 
     struct RemoveRequest
@@ -62,10 +62,9 @@ public:
     std::unordered_map<long long, Transform*> idTable;
 
 private:
-    void unlinkFromTypeLists();
-    void forget(Transform* t);
+    // Where each leaving object first stands in the list of its type, if it does.
+    using TypeListPlaces = std::unordered_map<Transform*, std::optional<std::list<Transform*>::iterator>>;
 
-    // Kept between calls for their memory alone.
-    std::vector<const void*> walkStorage;
-    std::vector<Transform*> gone;
+    TypeListPlaces placesInTypeLists(const std::list<Transform*>& leaving);
+    void unregister(Transform* t, const TypeListPlaces& places);
 };

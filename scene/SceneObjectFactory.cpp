@@ -28,7 +28,7 @@ Transform* SceneObjectFactory::create(int type)
         DebugPrint("Error creating type of %d", type);
         return nullptr;
     }
-    // Wraps through the unsigned numbers: a server may ask for more explosions than an int counts.
+    // Unsigned, so that it wraps: a server may cause more explosions than an int can count.
     nextId = static_cast<std::int32_t>(static_cast<std::uint32_t>(nextId) + 1U);
     return new Billboard(nextId);
 }

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-/// Makes the objects that the client adds to the scene on its own: explosions. A singleton, created and
-/// initialised with 0 on first use, never destroyed; main thread only.
+/// Makes the scene objects that no server message announces: explosions. A singleton, created and initialised
+/// with 0 on first use, never destroyed; main thread only.
 class SceneObjectFactory
 {
 public:
@@ -14,7 +14,7 @@ public:
 
     void init(int newNumber);
     /// A new object of the type, not yet in the scene; the caller owns it. Only explosions (type 2) are made
-    /// here: for any other type a diagnostic and null.
+    /// here. Any other type prints a line and returns null.
     Transform* create(int type);
     /// Puts the object into the scene, which owns it from then on.
     void ship(Transform* t);

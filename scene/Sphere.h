@@ -4,7 +4,7 @@
 
 class LineSegment;
 
-/// A spherical collision volume around a point that it does not own.
+/// A spherical collision volume around a point owned by another object.
 class Sphere
 {
 public:
@@ -14,12 +14,12 @@ public:
     bool collidesWith(Sphere const& other) const;
     bool collidesWith(LineSegment const& segment) const;
 
-    /// Whether two spheres touch or overlap; if so, *contact is the point of the smaller one's surface that
-    /// lies deepest in the larger (of b's, where they are equal).
+    /// Whether two spheres touch or overlap. If so, *contact becomes the point of the smaller sphere's
+    /// surface towards the larger's centre; of b's surface if the radii are equal.
     static bool sphereSphere(Sphere const& a, Sphere const& b, Vector3* contact);
 
-    /// Whether the sphere is hit by the segment, or lies beside its extension closer to the line than its
-    /// radius: the generous answer is the intended one.
+    /// Whether the segment's whole line comes within the sphere's radius. So a sphere beyond either end but
+    /// near the line counts as hit, on purpose.
     static bool sphereLineSegment(Sphere const& s, LineSegment const& l);
 
     Vector3* center;  ///< not owned

@@ -2,7 +2,7 @@
 
 #include "scene/CollisionObject.h"
 
-/// A team's carrier: scenery that stays where it is put.
+/// A team's carrier: scenery that never moves.
 class TestCube : public CollisionObject
 {
 public:

@@ -1,4 +1,4 @@
-// Drawing, apart from the rest: who keeps a scene without showing it needs no OpenGL.
+// The drawing half of Transform, apart from the rest: a program that never draws links no OpenGL.
 #include "scene/Transform.h"
 
 #include "engine/OpenGL.h"

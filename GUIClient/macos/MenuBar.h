@@ -4,6 +4,5 @@
 
 /// The application's menu bar: the menu named after the application, and "Window".
 ///
-/// The name is the bundle's "CFBundleName"; where there is none, it is the process's. Quit sends the
-/// application `terminate:`.
+/// The name is the bundle's "CFBundleName", or else the process's. Quit sends the application `terminate:`.
 void installMenuBar(NSApplication* application);

@@ -6,7 +6,8 @@ static NSString* applicationName(void)
     return [name length] > 0 ? name : [[NSProcessInfo processInfo] processName];
 }
 
-// An empty key is none; any other goes with the command key. The target is whoever answers to the action.
+// An empty key means no shortcut; any other is pressed with the command key. The responder chain finds the
+// action's target.
 static NSMenuItem* addItem(NSMenu* menu, NSString* title, SEL action, NSString* key)
 {
     return [menu addItemWithTitle:title action:action keyEquivalent:key];

@@ -41,7 +41,7 @@ static void resizeArguments(int count)
     savedCount = count;
 }
 
-// The desktop adds a process serial number when it launches a bundle, which no program understands.
+// The desktop adds a process serial number when it launches a bundle. The parser would refuse it.
 static void saveArguments(int argc, char** argv)
 {
     isLaunchedByDesktop = argc >= 2 && strncmp(argv[1], "-psn", 4) == 0;
@@ -57,7 +57,7 @@ static void appendArgument(const char* text)
 
 // ---- the application -------------------------------------------------------------------------------------
 
-/// An application whose Quit ends the main loop, as closing the window does, and not the process.
+/// An application whose Quit ends the main loop, as closing the window does, instead of the process.
 @interface ClientApplication : NSApplication
 @end
 
@@ -74,7 +74,7 @@ static void appendArgument(const char* text)
 
 @end
 
-/// Hears from the application that it runs, and calls SDL_main, once.
+/// Calls SDL_main, once, when the application has finished launching.
 @interface LaunchDelegate : NSObject <NSApplicationDelegate>
 @end
 
@@ -91,8 +91,8 @@ static void changeToFolderOfBundle(void)
 
 @implementation LaunchDelegate
 
-// The desktop asks for a document before the application has finished launching, or at any later time; from
-// then on nobody reads the arguments any more.
+// The desktop may ask for a document at any time. After the launch SDL_main has read its arguments, so later
+// requests are refused.
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)filename
 {
     (void)application;

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Gives a copy of the framework's back, of which there may be none.
+/// Releases a copy that a framework function returned.
 struct Release
 {
     void operator()(CFTypeRef copy) const { CFRelease(copy); }

@@ -1,9 +1,5 @@
 #include "server/match/Match.h"
 
-#include "server/match/ShipView.h"
-#include "server/match/StateHash.h"
-#include "server/match/Steering.h"
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -24,6 +20,12 @@ std::string botName(std::size_t index)
     return round == 0 ? name : name + ' ' + std::to_string(round + 1);
 }
 
+ShipView viewOf(const Ship& ship)
+{
+    return {ship.id,          ship.team,       ship.human,     ship.position,   ship.velocity,
+            ship.orientation, ship.sinceSpawn, ship.firstLife, ship.firedInLife};
+}
+
 }  // namespace
 
 Match::Match(const MatchSettings& settings_, const Rules& rules_)
@@ -33,18 +35,19 @@ Match::Match(const MatchSettings& settings_, const Rules& rules_)
 
 ObjectId Match::addHuman()
 {
-    ++humansSeen;
-    return addShip(smallerTeam(), true, "Pilot " + std::to_string(humansSeen));
+    ++humansJoined;
+    return addShip(smallerTeam(), true, "Pilot " + std::to_string(humansJoined));
 }
 
-/// Raiders are away more often, on their way back from death; so there are more of them.
+/// Three of eight bots defend their own carrier. More attack: they die more often and have a long way back.
 ObjectId Match::addBot()
 {
     const std::size_t index = bots.size();
     const Team team = index % 2 == 0 ? Team::blue : Team::red;
-    const auto role = index / 2 % 8 % 3 == 0 ? BotPilot::Role::guard : BotPilot::Role::raider;
+    const bool isDefender = index / 2 % 8 % 3 == 0;
+    const Team carrier = isDefender == (team == Team::blue) ? Team::blue : Team::red;
     const ObjectId id = addShip(team, false, botName(index));
-    bots.emplace_back(id, role, drawSkill(settings.difficulty, random));
+    bots.emplace_back(id, carrier, drawSkill(settings.difficulty, random));
     return id;
 }
 
@@ -55,9 +58,8 @@ ObjectId Match::addShip(Team team, bool human, const std::string& name)
     ship.name = name;
     ship.team = team;
     ship.human = human;
-    ship.respawnIn = restLeft;
-    if (restLeft <= 0.0F) {
-        enter(ship);
+    if (intermissionLeft <= 0.0F) {
+        spawn(ship);
     }
     return ship.id;
 }
@@ -70,18 +72,17 @@ Team Match::smallerTeam() const
 }
 
 /// Puts a ship that is not alive into the world, at rest and whole.
-void Match::enter(Ship& ship)
+void Match::spawn(Ship& ship)
 {
-    ship.position = clearPlace(startPoints.next(ship.team, random), ships);
+    ship.position = startPoints.next(ship.team, ships, random);
     ship.velocity = Vector3();
     // A human's view does not follow the ship, so the ship starts where the human already looks.
     ship.orientation = ship.human ? ship.input.orientation : lookAlong(-ship.position);
     ship.health = rules.fullHealth;
-    ship.reload = 0.0F;
-    ship.shownFor = 0.0F;
-    ship.fired = false;
+    ship.sinceSpawn = 0.0F;
+    ship.firedInLife = false;
     ship.alive = true;
-    tell([&](MatchObserver& observer) { observer.shipAppeared(ship); });
+    notify(&MatchObserver::shipAppeared, ship);
 }
 
 void Match::removeShip(ObjectId id)
@@ -91,10 +92,10 @@ void Match::removeShip(ObjectId id)
         return;
     }
     if (found->alive) {
-        tell([&](MatchObserver& observer) { observer.shipVanished(*found); });
+        notify(&MatchObserver::shipVanished, *found);
     }
     ships.erase(found);
-    bots.erase(std::remove_if(bots.begin(), bots.end(), [id](const BotPilot& b) { return b.shipId() == id; }),
+    bots.erase(std::remove_if(bots.begin(), bots.end(), [id](const Bot& b) { return b.shipId() == id; }),
                bots.end());
 }
 
@@ -125,27 +126,28 @@ void Match::releaseControls(ObjectId id)
 
 void Match::step()
 {
-    ++steps;  // first, so that what the observers hear carries the time of the state they see
+    ++steps;  // first, so that events carry the time of the state after the step
     steerBots();
     flyShips();
     moveShots();
     fireShots();
     if (isOver()) {
-        finish();
+        endMatch();
     }
-    passTime();
+    updateTimers();
 }
 
 void Match::steerBots()
 {
-    shipViews.clear();
+    std::vector<ShipView> views;
+    views.reserve(ships.size());
     for (const Ship& ship : ships) {
         if (ship.alive) {
-            shipViews.push_back(viewOf(ship));
+            views.push_back(viewOf(ship));
         }
     }
-    const BotView view{shipViews, rules, static_cast<float>(steps) * stepTime, stepTime};
-    for (BotPilot& bot : bots) {
+    const BotView view{views, rules, static_cast<float>(steps) * stepTime, stepTime};
+    for (Bot& bot : bots) {
         Ship* ship = editShip(bot.shipId());
         if (ship != nullptr && ship->alive) {
             ship->input = bot.steer(*ship, view, random);
@@ -167,9 +169,8 @@ void Match::moveShots()
     std::vector<Shot> flying;
     flying.reserve(shots.size());
     for (Shot& shot : shots) {
-        Ship* victim = firstHit(shot);
-        if (victim != nullptr) {
-            strike(shot, *victim);
+        if (Ship* victim = firstHit(shot, ships, rules, settings.friendlyFire, stepTime)) {
+            applyHit(shot, *victim);
             continue;
         }
         shot.position += shot.velocity * stepTime;
@@ -177,77 +178,52 @@ void Match::moveShots()
         if (shot.age < rules.shotRange / rules.shotSpeed) {
             flying.push_back(shot);
         } else {
-            tell([&](MatchObserver& observer) { observer.shotEnded(shot); });
+            notify(&MatchObserver::shotEnded, shot);
         }
     }
     shots = std::move(flying);
 }
 
-/// The ship that the shot meets first in this step; ships have already moved, the shot has not.
-Ship* Match::firstHit(const Shot& shot)
+void Match::applyHit(const Shot& shot, Ship& victim)
 {
-    Ship* hit = nullptr;
-    float earliest = 2.0F;  // later than any contact
-    for (Ship& ship : ships) {
-        if (!mayHit(shot, ship)) {
-            continue;
-        }
-        const Vector3 shipBefore = ship.position - ship.velocity * stepTime;
-        const auto contact = contactTime(shot.position - shipBefore,
-                                         (shot.velocity - ship.velocity) * stepTime, rules.hitRadius);
-        if (contact && *contact < earliest) {
-            earliest = *contact;
-            hit = &ship;
-        }
-    }
-    return hit;
-}
-
-bool Match::mayHit(const Shot& shot, const Ship& ship) const
-{
-    return ship.alive && ship.id != shot.shooter && (ship.team != shot.team || settings.friendlyFire);
-}
-
-void Match::strike(const Shot& shot, Ship& victim)
-{
-    tell([&](MatchObserver& observer) { observer.shotEnded(shot); });
+    notify(&MatchObserver::shotEnded, shot);
     victim.health -= rules.shotDamage;
     if (victim.health <= 0.0F) {
         kill(victim, shot);
     } else {
-        tell([&](MatchObserver& observer) { observer.shipDataChanged(victim); });
+        notify(&MatchObserver::shipDataChanged, victim);
     }
 }
 
-/// The kill counts for the shooter, who may be dead or gone by now, and for the shot's team; against both if
-/// the victim was a friend.
+/// Credits the kill to the shooter, who may be dead or gone, and to the shot's team. Killing a friend costs
+/// both a point.
 void Match::kill(Ship& victim, const Shot& shot)
 {
     victim.health = 0.0F;
     victim.alive = false;
-    victim.newcomer = false;
+    victim.firstLife = false;
     victim.respawnIn = rules.respawnTime;
     ++victim.deaths;
     const int credit = victim.team == shot.team ? -1 : 1;
-    scoreOf(shot.team) += credit;
+    (shot.team == Team::blue ? blueScore : redScore) += credit;
     if (Ship* shooter = editShip(shot.shooter)) {
         shooter->score += credit;
     }
-    tell([&](MatchObserver& observer) { observer.shipExploded(victim); });
-    tell([&](MatchObserver& observer) { observer.shipVanished(victim); });
-    showScores(shot.shooter);
+    notify(&MatchObserver::shipExploded, victim);
+    notify(&MatchObserver::shipVanished, victim);
+    announceScores(shot.shooter);
 }
 
-/// A team's score travels with any ship that is shown; best with the one whose own score has changed too.
-void Match::showScores(ObjectId preferred)
+/// The data of any living ship carries the teams' scores. The preferred ship's own score has changed too.
+void Match::announceScores(ObjectId preferred)
 {
-    const Ship* shown = findShip(preferred);
-    if (shown == nullptr || !shown->alive) {
+    const Ship* announced = findShip(preferred);
+    if (announced == nullptr || !announced->alive) {
         const auto alive = std::find_if(ships.begin(), ships.end(), [](const Ship& s) { return s.alive; });
-        shown = alive == ships.end() ? nullptr : &*alive;
+        announced = alive == ships.end() ? nullptr : &*alive;
     }
-    if (shown != nullptr) {
-        tell([&](MatchObserver& observer) { observer.shipDataChanged(*shown); });
+    if (announced != nullptr) {
+        notify(&MatchObserver::shipDataChanged, *announced);
     }
 }
 
@@ -256,73 +232,66 @@ void Match::fireShots()
     for (Ship& ship : ships) {
         ship.reload = std::max(0.0F, ship.reload - stepTime);
         if (ship.alive && ship.reload <= 0.0F && (ship.input.controls & control::fire) != 0) {
-            fireFrom(ship);
+            ship.reload = rules.reloadTime;
+            ship.firedInLife = true;
+            shots.push_back(shotFrom(ship, nextId++, rules));
+            notify(&MatchObserver::shotFired, shots.back());
         }
     }
 }
 
-void Match::fireFrom(Ship& ship)
+void Match::updateTimers()
 {
-    shots.push_back(shotFrom(ship, nextId++, rules));
-    ship.reload = rules.reloadTime;
-    ship.fired = true;
-    tell([&](MatchObserver& observer) { observer.shotFired(shots.back()); });
-}
-
-void Match::passTime()
-{
-    if (restLeft > 0.0F) {
-        restLeft -= stepTime;
-        if (restLeft <= 0.0F) {
-            beginAnew();
+    if (intermissionLeft > 0.0F) {
+        intermissionLeft -= stepTime;
+        if (intermissionLeft <= 0.0F) {
+            startNextMatch();
         }
         return;
     }
     for (Ship& ship : ships) {
-        ship.shownFor += stepTime;
+        ship.sinceSpawn += stepTime;
         if (ship.alive) {
             continue;
         }
         ship.respawnIn -= stepTime;
         if (ship.respawnIn <= 0.0F) {
-            enter(ship);
+            spawn(ship);
         }
     }
 }
 
-// One match after another.
-
 bool Match::isOver() const
 {
-    if (restLeft > 0.0F) {
+    if (intermissionLeft > 0.0F) {
         return false;
     }
     const bool scored = settings.scoreLimit > 0 && std::max(redScore, blueScore) >= settings.scoreLimit;
     const std::uint64_t timeLimit = static_cast<std::uint64_t>(settings.timeLimit) * stepsPerSecond;
-    return scored || (timeLimit > 0 && steps - beganAt >= timeLimit);
+    return scored || (timeLimit > 0 && steps - startStep >= timeLimit);
 }
 
-/// Takes everything off the field; the scores stay until the next match begins.
-void Match::finish()
+/// Removes all ships and shots from the world. The scores stay until the next match.
+void Match::endMatch()
 {
-    result = summary();
+    result = makeResult();
     for (const Shot& shot : shots) {
-        tell([&](MatchObserver& observer) { observer.shotEnded(shot); });
+        notify(&MatchObserver::shotEnded, shot);
     }
     shots.clear();
     for (Ship& ship : ships) {
         if (ship.alive) {
             ship.alive = false;
-            tell([&](MatchObserver& observer) { observer.shipVanished(ship); });
+            notify(&MatchObserver::shipVanished, ship);
         }
     }
-    restLeft = rules.intermission;
+    intermissionLeft = rules.intermission;
 }
 
-MatchResult Match::summary() const
+MatchResult Match::makeResult() const
 {
     MatchResult end{
-        matchNumber, static_cast<unsigned>((steps - beganAt) / stepsPerSecond), redScore, blueScore, {}};
+        matchNumber, static_cast<unsigned>((steps - startStep) / stepsPerSecond), redScore, blueScore, {}};
     for (const Ship& ship : ships) {
         end.standings.push_back({ship.name, ship.team, ship.score, ship.deaths});
     }
@@ -332,42 +301,25 @@ MatchResult Match::summary() const
     return end;
 }
 
-void Match::beginAnew()
+void Match::startNextMatch()
 {
     ++matchNumber;
-    beganAt = steps;
+    startStep = steps;
     redScore = 0;
     blueScore = 0;
-    for (Ship& ship : ships) {  // before anyone enters: who does tells everyone all the scores
+    for (Ship& ship : ships) {  // all of them before the first spawns, because its data carries all scores
         ship.score = 0;
         ship.deaths = 0;
-        ship.newcomer = false;
+        ship.firstLife = false;
     }
     for (Ship& ship : ships) {
-        enter(ship);
+        spawn(ship);
     }
 }
 
 std::optional<MatchResult> Match::takeResult()
 {
     return std::exchange(result, std::nullopt);
-}
-
-std::uint64_t Match::stateHash() const
-{
-    StateHash hash;
-    hash.add(steps);
-    hash.add(matchNumber);
-    hash.add(restLeft);
-    hash.add(redScore);
-    hash.add(blueScore);
-    for (const Ship& ship : ships) {
-        hash.add(ship);
-    }
-    for (const Shot& shot : shots) {
-        hash.add(shot);
-    }
-    return hash.value();
 }
 
 }  // namespace practice

@@ -1,16 +1,13 @@
 #pragma once
 
-#include "server/match/BotPilot.h"
-#include "server/match/MatchObserver.h"
+#include "server/match/Bot.h"
 #include "server/match/MatchResult.h"
-#include "server/match/MatchSettings.h"
 #include "server/match/Random.h"
 #include "server/match/Rules.h"
 #include "server/match/Ship.h"
 #include "server/match/Shot.h"
 #include "server/match/StartPoints.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,11 +15,28 @@
 
 namespace practice {
 
-/// The rules of a match: ships, shots, scores and bots, and nothing of sockets or clocks.
+/// Receives the events of a match in their order.
 ///
-/// Time passes only in `step`. The same settings, rules and calls give the same match, bit for bit; with
-/// starting points on a grid, also the same scene is needed (see StartPoints). One match follows another: at
-/// the score or time limit all ships vanish, and after an intermission they start anew with no scores.
+/// The match calls it from within its own operations. An observer may read the match but not change it.
+class MatchObserver
+{
+public:
+    virtual ~MatchObserver() = default;
+
+    virtual void shipAppeared(const Ship& ship) = 0;     ///< joined or returned from death
+    virtual void shipVanished(const Ship& ship) = 0;     ///< died, or left while alive
+    virtual void shipDataChanged(const Ship& ship) = 0;  ///< health, own score or a team's score
+    virtual void shotFired(const Shot& shot) = 0;
+    virtual void shotEnded(const Shot& shot) = 0;     ///< hit something or reached its range
+    virtual void shipExploded(const Ship& ship) = 0;  ///< just before a dying ship vanishes
+};
+
+/// The rules of a match: ships, shots, scores and bots. It knows no sockets and no clock, and shares nothing
+/// with other matches.
+///
+/// Time passes only in `step`. The same settings, rules and calls give the same match, bit for bit. One match
+/// follows another: at the score or time limit all ships vanish, and after an intermission they start again
+/// with no scores.
 class Match
 {
 public:
@@ -34,24 +48,24 @@ public:
 
     explicit Match(const MatchSettings& settings_, const Rules& rules_ = Rules());
 
-    /// Not owned; must outlive the match. Observers hear of everything in the order in which they were added.
+    /// Not owned; must outlive the match.
     void addObserver(MatchObserver* observer) { observers.push_back(observer); }
 
     /// Adds a ship flown by `setInput` to the team with fewer ships.
     ObjectId addHuman();
     /// Adds a ship that flies itself; bots alternate between the teams.
     ObjectId addBot();
-    /// Takes a ship out of the match; its shots fly on. Unknown ids are ignored.
+    /// Takes a ship out of the match; its shots fly on. Ignores unknown ids.
     void removeShip(ObjectId id);
 
-    /// What the ship's pilot wants from now on. The orientation must be a unit quaternion.
+    /// Sets the pilot's wishes until the next call. The orientation must be a unit quaternion.
     void setInput(ObjectId id, const ShipInput& input);
-    /// Lets go of every control of a ship, for a pilot who fell silent.
+    /// Releases all controls of a ship, for a pilot who fell silent.
     void releaseControls(ObjectId id);
 
     void step();
 
-    /// How the match ended, once after the step in which it did.
+    /// The result of a match, once after the step that ended it.
     std::optional<MatchResult> takeResult();
 
     const std::vector<Ship>& allShips() const { return ships; }
@@ -59,10 +73,8 @@ public:
     const Ship* findShip(ObjectId id) const;
     int teamScore(Team team) const { return team == Team::blue ? blueScore : redScore; }
     std::uint64_t stepCount() const { return steps; }
-    /// Match time in milliseconds, wrapping like the wire's timestamps.
+    /// Match time in milliseconds, wrapping like the timestamps of messages.
     std::uint32_t timestamp() const { return static_cast<std::uint32_t>(steps * 1000 / stepsPerSecond); }
-    /// Differs, in all likelihood, between any two different states of ships, shots and scores.
-    std::uint64_t stateHash() const;
 
     /// For set-ups that place ships by hand; null if the id is unknown.
     Ship* editShip(ObjectId id);
@@ -75,47 +87,42 @@ private:
     std::vector<MatchObserver*> observers;
     std::vector<Ship> ships;
     std::vector<Shot> shots;
-    std::vector<BotPilot> bots;
-    std::vector<ShipView> shipViews;  ///< kept between steps for its memory alone
+    std::vector<Bot> bots;
     ObjectId nextId = firstId;
     std::uint64_t steps = 0;
-    std::uint64_t beganAt = 0;  ///< step at which the present match began
-    float restLeft = 0.0F;      ///< seconds of intermission left
+    std::uint64_t startStep = 0;    ///< of the present match
+    float intermissionLeft = 0.0F;  ///< seconds; 0 during a match
     unsigned matchNumber = 1;
     std::optional<MatchResult> result;
     int redScore = 0;
     int blueScore = 0;
-    unsigned humansSeen = 0;
+    unsigned humansJoined = 0;
 
-    template <typename Event>
-    void tell(Event event)
+    template <typename Subject>
+    void notify(void (MatchObserver::*event)(const Subject&), const Subject& subject)
     {
         for (MatchObserver* observer : observers) {
-            event(*observer);
+            (observer->*event)(subject);
         }
     }
 
     ObjectId addShip(Team team, bool human, const std::string& name);
     Team smallerTeam() const;
-    void enter(Ship& ship);
-    int& scoreOf(Team team) { return team == Team::blue ? blueScore : redScore; }
+    void spawn(Ship& ship);
 
     void steerBots();
     void flyShips();
-    void fireShots();
-    void fireFrom(Ship& ship);
     void moveShots();
-    Ship* firstHit(const Shot& shot);
-    bool mayHit(const Shot& shot, const Ship& ship) const;
-    void strike(const Shot& shot, Ship& victim);
+    void applyHit(const Shot& shot, Ship& victim);
     void kill(Ship& victim, const Shot& shot);
-    void showScores(ObjectId preferred);
-    void passTime();
+    void announceScores(ObjectId preferred);
+    void fireShots();
+    void updateTimers();
 
     bool isOver() const;
-    void finish();
-    MatchResult summary() const;
-    void beginAnew();
+    void endMatch();
+    MatchResult makeResult() const;
+    void startNextMatch();
 };
 
 }  // namespace practice

@@ -23,7 +23,10 @@ struct MatchResult
     unsigned seconds;
     int redScore;
     int blueScore;
-    std::vector<Standing> standings;  ///< everyone who was there at the end, most kills first
+    std::vector<Standing> standings;  ///< all ships present at the end, most kills first
 };
+
+/// The table of a finished match: a headline and one line for each player.
+std::vector<std::string> scoreTable(const MatchResult& result);
 
 }  // namespace practice

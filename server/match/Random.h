@@ -7,8 +7,8 @@ namespace practice {
 
 /// The only source of chance in a match.
 ///
-/// The engine's sequence is fixed by the language standard, the library's distributions are not;
-/// the mapping to floats is therefore our own and a seed means the same match everywhere.
+/// The language standard fixes the engine's sequence, but not the library's distributions. So we map to
+/// floats ourselves, and a seed gives the same match everywhere.
 class Random
 {
 public:

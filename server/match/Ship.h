@@ -19,8 +19,8 @@ enum class Team : std::uint8_t
     blue
 };
 
-/// The control bits of a client's update. The ship's nose points along its +z, up is +y; its right
-/// is then -x, because the viewer looks along +z.
+/// The control bits of a client's update. A ship's nose points along its +z, up is +y. Its right is -x,
+/// because the viewer looks along +z.
 namespace control {
 constexpr std::uint32_t forward = 1;
 constexpr std::uint32_t backward = 2;
@@ -31,7 +31,7 @@ constexpr std::uint32_t down = 32;
 constexpr std::uint32_t fire = 0x40000000;
 }  // namespace control
 
-/// What a pilot, human or bot, asks of a ship.
+/// The wishes of a ship's pilot, human or bot.
 struct ShipInput
 {
     Quaternion orientation;  ///< unit; the ship turns towards it
@@ -46,23 +46,26 @@ struct Ship
     bool human = false;
     bool alive = false;
     Vector3 position;
-    Vector3 velocity;
+    Vector3 velocity;  ///< units/s
     Quaternion orientation;
     float health = 0.0F;
-    std::int32_t score = 0;   ///< kills of this match
-    std::int32_t deaths = 0;  ///< in this match
-    float reload = 0.0F;      ///< seconds until the next shot may leave
-    float respawnIn = 0.0F;   ///< seconds until a dead ship returns
-    float shownFor = 0.0F;    ///< seconds since it last appeared
-    bool newcomer = true;     ///< has not died yet since it joined
-    bool fired = false;       ///< since it last appeared
+    std::int32_t score = 0;    ///< kills of this match
+    std::int32_t deaths = 0;   ///< in this match
+    float reload = 0.0F;       ///< seconds until it may fire again
+    float respawnIn = 0.0F;    ///< seconds until a dead ship returns
+    float sinceSpawn = 0.0F;   ///< seconds since it last appeared
+    bool firstLife = true;     ///< in its first life of its first match
+    bool firedInLife = false;  ///< has fired since it last appeared
     ShipInput input;
 };
 
-/// The direction, in the ship's own frame, in which the pressed keys push; zero or unit length.
-Vector3 thrustDirection(std::uint32_t controls);
-
-/// Moves a ship by one step of its input: turn, thrust, damping, speed limit, border.
+/// Moves a ship by one step of `dt` seconds: turn, thrust, damping, speed limit, border.
 void flyShip(Ship& ship, const Rules& rules, float dt);
+
+/// The upright orientation whose nose points along `direction`, of any length but zero.
+Quaternion lookAlong(const Vector3& direction);
+
+/// The unit direction of an orientation's nose.
+Vector3 noseOf(const Quaternion& orientation);
 
 }  // namespace practice

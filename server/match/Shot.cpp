@@ -1,9 +1,5 @@
 #include "server/match/Shot.h"
 
-#include "scene/LineSegment.h"
-#include "scene/Sphere.h"
-#include "server/match/Steering.h"
-
 #include <cmath>
 
 namespace practice {
@@ -20,15 +16,29 @@ Shot shotFrom(const Ship& ship, ObjectId id, const Rules& rules)
     return shot;
 }
 
-std::optional<float> contactTime(Vector3 offset, Vector3 motion, float reach)
+Ship* firstHit(const Shot& shot, std::vector<Ship>& ships, const Rules& rules, bool friendlyFire, float dt)
 {
-    Vector3 centre;
-    const Sphere hull(&centre, reach);
-    const LineSegment path(&offset, &motion);
-    if (!hull.collidesWith(path)) {
-        return std::nullopt;
+    Ship* hit = nullptr;
+    float earliest = 2.0F;  // later than any contact
+    for (Ship& ship : ships) {
+        const bool isEnemy = ship.team != shot.team || friendlyFire;
+        if (!ship.alive || !isEnemy || ship.id == shot.shooter) {
+            continue;
+        }
+        const Vector3 shipBefore = ship.position - ship.velocity * dt;
+        const auto contact =
+            contactTime(shot.position - shipBefore, (shot.velocity - ship.velocity) * dt, rules.hitRadius);
+        if (contact && *contact < earliest) {
+            earliest = *contact;
+            hit = &ship;
+        }
     }
-    // The volumes answer generously: a hull beside the path's extension counts as met. So the time decides.
+    return hit;
+}
+
+/// The earlier root of |offset + motion·t| = reach.
+std::optional<float> contactTime(const Vector3& offset, const Vector3& motion, float reach)
+{
     const float gap = offset.lengthSquared() - reach * reach;
     if (gap <= 0.0F) {
         return 0.0F;

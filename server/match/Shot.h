@@ -3,6 +3,7 @@
 #include "server/match/Ship.h"
 
 #include <optional>
+#include <vector>
 
 namespace practice {
 
@@ -12,16 +13,20 @@ struct Shot
     ObjectId shooter = noObject;  ///< may have left the match since
     Team team = Team::red;
     Vector3 position;
-    Vector3 velocity;
+    Vector3 velocity;  ///< units/s
     float age = 0.0F;  ///< seconds since it left the muzzle
 };
 
-/// The shot that leaves the ship's muzzle now.
+/// A new shot at the ship's muzzle.
 Shot shotFrom(const Ship& ship, ObjectId id, const Rules& rules);
 
-/// When, as a share of the step in [0, 1], two bodies that both move in straight lines come within
-/// `reach` of each other; nothing if they do not. `offset` is their distance vector at the start,
-/// `motion` how it changes over the step.
-std::optional<float> contactTime(Vector3 offset, Vector3 motion, float reach);
+/// The ship that the shot meets first in the step of `dt` seconds, or null. The ships have moved in this step
+/// already, the shot has not. A shot never hits its shooter, and its own team only under friendly fire.
+Ship* firstHit(const Shot& shot, std::vector<Ship>& ships, const Rules& rules, bool friendlyFire, float dt);
+
+/// The time at which two bodies come within `reach` of each other, as a share of the step in [0, 1], or
+/// nothing. Both move in straight lines. `offset` is the vector between them at the start, `motion` is its
+/// change over the step.
+std::optional<float> contactTime(const Vector3& offset, const Vector3& motion, float reach);
 
 }  // namespace practice

@@ -1,49 +1,57 @@
 #include "server/match/StartPoints.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace practice {
 
 namespace {
 
-constexpr float room = 14.0F;  ///< units between ships that have just started; a ship is 4 long
+constexpr float spacing = 14.0F;  ///< units between ships that have just started; a ship is 4 long
 
 bool isClear(const Vector3& place, const std::vector<Ship>& ships)
 {
     return std::none_of(ships.begin(), ships.end(), [&](const Ship& other) {
-        return other.alive && place.distanceSquared(other.position) < room * room;
+        return other.alive && place.distanceSquared(other.position) < spacing * spacing;
     });
 }
 
-}  // namespace
-
-Vector3 StartPoints::next(Team team, Random& random)
-{
-    General& general = *General::getInstance();
-    general.mode = mode;
-    general.blueSlot = blueSlot;
-    general.redSlot = redSlot;
-    general.seeded = true;  // by us, not by the clock
-    std::srand(random.next());
-    const Vector3 start = team == Team::blue ? general.blueStart() : general.redStart();
-    blueSlot = general.blueSlot;
-    redSlot = general.redSlot;
-    return start;
-}
-
+/// Tries rows along the runway, that is along +z, until it ends. Each next row lies above.
 Vector3 clearPlace(const Vector3& wanted, const std::vector<Ship>& ships)
 {
-    constexpr int rowLength = 8;  // places along the runway, that is along +z, until it ends
+    constexpr int rowLength = 8;
     for (int i = 0;; ++i) {
-        const int row = i / rowLength;
-        const int column = i % rowLength;
-        const Vector3 place =
-            wanted + Vector3(0.0F, room * static_cast<float>(row), room * static_cast<float>(column));
+        const auto row = static_cast<float>(i / rowLength);
+        const auto column = static_cast<float>(i % rowLength);
+        const Vector3 place = wanted + Vector3(0.0F, spacing * row, spacing * column);
         if (isClear(place, ships)) {
             return place;
         }
     }
+}
+
+Vector3 randomPoint(const Vector3& centre, const Vector3& size, Random& random)
+{
+    const float x = random.between(-0.5F, 0.5F);  // one a line: the language fixes no order of arguments
+    const float y = random.between(-0.5F, 0.5F);
+    const float z = random.between(-0.5F, 0.5F);
+    return centre + Vector3(size.x * x, size.y * y, size.z * z);
+}
+
+}  // namespace
+
+Vector3 StartPoints::next(Team team, const std::vector<Ship>& ships, Random& random)
+{
+    // One draw in every mode, so that the mode changes nothing else of a match.
+    Random own(random.next());
+    Vector3 start = team == Team::blue ? General::blueBase : General::redBase;
+    if (mode == General::RANDOM) {
+        start = randomPoint(start, General::teamBox, own);
+    } else if (mode == General::GRID) {
+        int& slot = team == Team::blue ? blueSlot : redSlot;
+        slot += 2;
+        start = General::gridPoint(General::gridCentre, General::gridBox, slot, ships.size());
+    }
+    return clearPlace(start, ships);
 }
 
 }  // namespace practice

@@ -1,7 +1,9 @@
 #include "server/net/MeasurementLog.h"
 
 #include "instrumentation/Logger.h"
+#include "scene/SceneGraph.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -15,7 +17,7 @@ namespace practice {
 
 namespace {
 
-/// A rate is computed anew only where more than a second, in whole milliseconds, has passed.
+/// The logger computes rates anew only after more than a second, in whole milliseconds.
 constexpr std::chrono::milliseconds period{1005};
 
 void requireFile(const std::string& name)
@@ -23,7 +25,7 @@ void requireFile(const std::string& name)
     const auto refuse = [&name](const std::string& reason) {
         throw std::runtime_error("cannot write measurements to '" + name + "': " + reason);
     };
-    std::error_code unknown;  // is told by the attempt to open it
+    std::error_code unknown;  // opening the file reports it
     const auto status = std::filesystem::status(name, unknown);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         refuse("not a regular file");
@@ -33,7 +35,7 @@ void requireFile(const std::string& name)
     }
 }
 
-/// Bytes; 0 where there is no such file.
+/// Bytes; 0 if there is no such file.
 std::uintmax_t sizeOf(const std::string& name)
 {
     std::error_code error;
@@ -41,41 +43,45 @@ std::uintmax_t sizeOf(const std::string& name)
     return error ? 0 : size;
 }
 
+/// The logger counts the objects of the process's scene. A server draws nothing, so null entries will do.
+void fillScene(const Match& match)
+{
+    const auto& ships = match.allShips();
+    const auto alive = std::count_if(ships.begin(), ships.end(), [](const Ship& s) { return s.alive; });
+    using Objects = std::list<Transform*>;
+    SceneGraph::getInstance()->typeLists = {{SGT_PLAYER, Objects(static_cast<std::size_t>(alive))},
+                                            {SGT_PROJECTILE, Objects(match.allShots().size())}};
+}
+
 }  // namespace
 
-MeasurementLog::MeasurementLog(boost::asio::io_context& io, const std::string& file, Say say_)
-    : timer(io), name(file), say(std::move(say_))
+MeasurementLog::MeasurementLog(boost::asio::io_context& io, const Match& match_, const std::string& file,
+                               LogOnce::Log log)
+    : match(match_), timer(io), name(file), errors(std::move(log))
 {
     requireFile(file);
     Logger::getInstance()->setFileToWriteTo(file);
     schedule();
 }
 
-void MeasurementLog::stop()
-{
-    boost::system::error_code ignored;  // there is nothing more to do about it
-    timer.cancel(ignored);
-}
-
 void MeasurementLog::schedule()
 {
     timer.expires_after(period);
-    timer.async_wait([this](const boost::system::error_code& cancelled) {
-        if (!cancelled) {
-            writeRow();
-            schedule();
-        }
+    timer.async_wait([this](const boost::system::error_code&) {
+        writeRow();
+        schedule();
     });
 }
 
 void MeasurementLog::writeRow()
 {
+    fillScene(match);
     Logger* logger = Logger::getInstance();
-    const std::uintmax_t sizeBefore = sizeOf(name);  // the logger itself does not notice a full disk
+    const std::uintmax_t sizeBefore = sizeOf(name);  // the logger does not report a full disk
     logger->calcPrS();
     logger->writeMeasurementToFile();
-    if (sizeOf(name) <= sizeBefore && !std::exchange(failing, true)) {
-        say("cannot write measurements to '" + name + "' any more");
+    if (sizeOf(name) <= sizeBefore) {
+        errors.log("cannot write measurements to '" + name + "' any more");
     }
 }
 

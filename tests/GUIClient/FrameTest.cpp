@@ -9,7 +9,7 @@ namespace {
 class Frame : public FreshWorld
 {
 protected:
-    // A frame that sends nothing within the same few milliseconds.
+    // The first frame sends nothing and takes a few milliseconds at most.
     Frame()
     {
         controller->update(1.0F);
@@ -20,8 +20,8 @@ protected:
 
 }  // namespace
 
-// All its calls are compared in tests/end_to_end.
-TEST_F(Frame, TakesTheInputDrawsTheSceneThenTheDisplayAndShowsThem)
+// tests/end_to_end compares all calls of a frame.
+TEST_F(Frame, TakesInputDrawsTheSceneThenTheDisplay)
 {
     VT.window.width = 640;
     VT.window.height = 480;
@@ -34,7 +34,7 @@ TEST_F(Frame, TakesTheInputDrawsTheSceneThenTheDisplayAndShowsThem)
                "glTranslatef 0 0 0; gluOrtho2D 0 640 0 480; glTranslatef 0 -480 0; SDL_GL_SwapBuffers"));
 }
 
-TEST_F(Frame, TheCameraFollowsTheOwnShipInTheShipsFrameAndTheSkyFollowsTheCamera)
+TEST_F(Frame, TheCameraFollowsTheShipAndTheSkyTheCamera)
 {
     auto* ship = new Player(0ULL, false, 100);
     graph->attach(ship);
@@ -53,7 +53,7 @@ TEST_F(Frame, TheCameraFollowsTheOwnShipInTheShipsFrameAndTheSkyFollowsTheCamera
     EXPECT_EQ(glRecorder.take("LookAt"), script("gluLookAt 5 22 30 5 22 31 0 1 0"));
 }
 
-TEST_F(Frame, AShotWhoseTimeIsOverIsNotDrawn)
+TEST_F(Frame, AnExpiredShotIsNotDrawn)
 {
     auto* stays = new Projectile(1ULL);
     auto* leaves = new Projectile(2ULL);

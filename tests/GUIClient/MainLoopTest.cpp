@@ -1,15 +1,18 @@
 #include "GUIClient/Helpers.h"
-#include "network/Timer.h"
+#include "GUIClient/drawGL.h"
+#include "scene/Projectile.h"
 #include "tests/engine/FreshWorld.h"
+#include "tests/network/FixedClock.h"
 
-#include <cstdint>
 #include <vector>
 
 namespace {
 
 using MainLoop = FreshWorld;
 
-// Functions of the loop carry no data: they work on these.
+constexpr std::int64_t hour = 3600000;
+
+// The loop's functions have no arguments: these are theirs.
 std::string order;
 std::vector<std::int64_t> planned, called;
 
@@ -24,12 +27,14 @@ void follower()
     order += 'f';
 }
 
-// Notes when the loop planned this call and when it came.
+// Records when the loop planned this call and when it came. Its third call sets the clock back.
 void ticker()
 {
     planned.push_back(mainLoopFunctionsList[0].nextCallTime);
     called.push_back(Timer::getCurrentTime());
-    if (called.size() == 6) {
+    if (called.size() == 3) {
+        FixedClock::offset = -1000 * hour;
+    } else if (called.size() == 6) {
         Helpers::stop();
     }
 }
@@ -41,25 +46,38 @@ TEST_F(MainLoop, AStopTakesEffectAfterTheWholePass)
     Helpers::registerMainLoopFunction(follower, 1000.0F);
     Helpers::registerMainLoopFunction(stopper, 1000.0F);
     Helpers::registerMainLoopFunction(follower, 1000.0F);
-    const std::int64_t start = Timer::getCurrentTime();
     order.clear();
+    const std::int64_t start = Timer::getCurrentTime();
     Helpers::run();
     EXPECT_EQ(order, "fsf");
-    EXPECT_GE(Timer::getCurrentTime(), start + 1);  // the pass includes its sleep
+    EXPECT_GE(Timer::getCurrentTime(), start + 1) << "the pass includes its sleep";
 }
 
-TEST_F(MainLoop, CallsAreAPeriodOfWholeMillisecondsApartAndAMillisecondLateAtTheEarliest)
+// If a clock set back delayed the calls, the test would time out.
+TEST_F(MainLoop, CallsComeAPeriodApartAlsoWhenTheClockIsSetBack)
 {
     order.clear();
     Helpers::registerMainLoopFunction(ticker, 60.0F);
     Helpers::registerMainLoopFunction(follower, 0.1F);
-    Helpers::stop();  // before the run it does not count
+    Helpers::stop();  // has no effect on a later run
     Helpers::run();
-    EXPECT_EQ(called.size(), 6U);
+    ASSERT_EQ(called.size(), 6U);
     for (std::size_t i = 1; i < called.size(); ++i) {
         EXPECT_GT(called[i], planned[i]);
-        EXPECT_GT(planned[i], planned[i - 1] + 16);
-        EXPECT_LE(planned[i], called[i - 1] + 16);
+        const std::int64_t setBack = i == 3 ? hour : 0;
+        EXPECT_GT(planned[i] + setBack, planned[i - 1] + 16);
+        EXPECT_LE(planned[i] + setBack, called[i - 1] + 16 + (i == 3 ? 5000 : 0))
+            << "the slack is the call's time";
     }
-    EXPECT_EQ(order, "f");  // due once in ten seconds
+    EXPECT_EQ(order, "f") << "due once in ten seconds";
+}
+
+TEST_F(MainLoop, AFrameNeverTakesNegativeTime)
+{
+    auto* shot = new Projectile(1ULL);
+    graph->attach(shot);
+    const float lifetime = shot->lifetime;
+    FixedClock::offset -= 1000 * hour;
+    drawGL();
+    EXPECT_EQ(shot->lifetime, lifetime);
 }

@@ -1,22 +1,60 @@
 #pragma once
 
+#include "GUIClient/Helpers.h"
 #include "GUIClient/VTEntryPoint.h"
 #include "engine/Engine.h"
 #include "engine/ResourceManager.h"
+#include "engine/VT_Skybox.h"
+#include "network/PacketSender.h"
+#include "scene/General.h"
 #include "scene/SceneGraph.h"
+#include "scene/SceneObjectFactory.h"
 #include "tests/engine/GLRecorder.h"
 #include "tests/math/Near.h"
 
 #include <gtest/gtest.h>
 
-/// A test that starts with an empty scene, empty caches and a camera at the origin: the program's singletons
-/// are put back, and nothing has been recorded.
+#include <string>
+#include <utility>
+
+/// A test that starts with an empty scene, empty caches and a camera at the origin. The program's singletons
+/// are renewed, and the recorder is empty.
 class FreshWorld : public testing::Test
 {
 protected:
-    FreshWorld();
+    FreshWorld()
+    {
+        resources->resourceFolder = "/there/";
+        controller->camera = Camera();
+        controller->thisPlayerID = 0;
+        VT.window = VT_Window();
+        VT.inputHandler = VT_InputHandler();
+        VT.skybox.reset();
+        *PacketSender::getInstance() = PacketSender();
+        mainLoopFunctionsList.clear();
+        done = false;
+        glRecorder = GLRecorder();
+    }
 
-    SceneGraph* graph;
-    ResourceManager* resources;
+    /// What the action writes to standard output.
+    template <class Action>
+    static std::string printedBy(Action action)
+    {
+        testing::internal::CaptureStdout();
+        action();
+        return testing::internal::GetCapturedStdout();
+    }
+
+    template <class Singleton>
+    static Singleton* renewed()
+    {
+        delete std::exchange(Singleton::instance, nullptr);
+        return Singleton::getInstance();
+    }
+
+    SceneGraph* graph = renewed<SceneGraph>();
+    General* general = renewed<General>();
+    SceneObjectFactory* factory = renewed<SceneObjectFactory>();
+    ResourceManager* resources = renewed<ResourceManager>();
     VTEntryPoint* controller = VTEntryPoint::getInstance();
 };

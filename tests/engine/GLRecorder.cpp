@@ -6,6 +6,8 @@
 #include <SDL_ttf.h>
 
 #include <cmath>
+#include <cstdio>
+#include <fstream>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -45,13 +47,16 @@ namespace {
 // clang-format off
 #define NAMED(constant) {#constant, constant}
 const std::map<std::string, int> constants = {
-    NAMED(GL_BGR), NAMED(GL_BGRA), NAMED(GL_BLEND), NAMED(GL_COMPILE), NAMED(GL_LINEAR),
-    NAMED(GL_ONE_MINUS_SRC_ALPHA), NAMED(GL_QUADS), NAMED(GL_RGB), NAMED(GL_RGBA), NAMED(GL_SRC_ALPHA),
-    NAMED(GL_TEXTURE_2D), NAMED(GL_TEXTURE_MAG_FILTER), NAMED(GL_TEXTURE_MIN_FILTER), NAMED(GL_TRIANGLES),
-    NAMED(GL_UNSIGNED_BYTE)};
+    NAMED(GL_BGR), NAMED(GL_BGRA), NAMED(GL_BLEND), NAMED(GL_COLOR_MATERIAL), NAMED(GL_COMPILE),
+    NAMED(GL_DEPTH_TEST), NAMED(GL_DIFFUSE), NAMED(GL_ENABLE_BIT), NAMED(GL_LESS), NAMED(GL_LIGHT0),
+    NAMED(GL_LIGHT1), NAMED(GL_LIGHTING), NAMED(GL_LIGHT_MODEL_AMBIENT), NAMED(GL_LINEAR), NAMED(GL_MODELVIEW),
+    NAMED(GL_ONE_MINUS_SRC_ALPHA), NAMED(GL_POSITION), NAMED(GL_PROJECTION), NAMED(GL_QUADS), NAMED(GL_RGB),
+    NAMED(GL_RGBA), NAMED(GL_SRC_ALPHA), NAMED(GL_TEXTURE_2D), NAMED(GL_TEXTURE_MAG_FILTER),
+    NAMED(GL_TEXTURE_MIN_FILTER), NAMED(GL_TRIANGLES), NAMED(GL_UNSIGNED_BYTE), NAMED(SDL_GL_DEPTH_SIZE),
+    NAMED(SDL_GL_DOUBLEBUFFER), NAMED(SDL_INIT_EVERYTHING), NAMED(SDL_OPENGL)};
 // clang-format on
 
-// The noise of a float that should be zero is zero.
+// A float next to zero counts as zero.
 template <class Value>
 Value tidy(Value value)
 {
@@ -80,6 +85,14 @@ std::string script(std::string text)
     return std::regex_replace(text, std::regex(";\\s*"), "\n") + '\n';
 }
 
+std::string golden(const std::string& file)
+{
+    std::ifstream in(VANTOR_TESTS + file);
+    std::string text;
+    std::getline(in, text, '\0');
+    return script(text.substr(0, text.size() - 1));
+}
+
 // One line per function, to be read as a table.
 // clang-format off
 #define RECORD(f, parameters, ...) void f parameters { record(#f, __VA_ARGS__); }
@@ -93,7 +106,7 @@ std::string script(std::string text)
 extern "C" {
 
 RECORD_0(glEnd) RECORD_0(glEndList) RECORD_0(glLoadIdentity) RECORD_0(glPopAttrib) RECORD_0(glPopMatrix)
-RECORD_0(glPushMatrix) RECORD_0(SDL_GL_SwapBuffers) RECORD_0(SDL_Quit)
+RECORD_0(glPushMatrix) RECORD_0(SDL_GL_SwapBuffers)
 RECORD_1(glBegin, GLenum) RECORD_1(glCallList, GLuint) RECORD_1(glClear, GLbitfield) RECORD_1(glDepthFunc, GLenum)
 RECORD_1(glDisable, GLenum) RECORD_1(glEnable, GLenum) RECORD_1(glMatrixMode, GLenum)
 RECORD_1(glPushAttrib, GLbitfield)
@@ -123,11 +136,12 @@ ANSWER(int, 0, SDL_GL_SetAttribute, (SDL_GLattr a, int b), a, b)
 ANSWER(SDL_Surface*, glRecorder.delivered(), SDL_SetVideoMode, (int w, int h, int depth, Uint32 flags), w, h, depth, flags)
 ANSWER(SDL_Surface*, glRecorder.delivered(), IMG_Load, (const char* path), path)
 void SDL_FreeSurface(SDL_Surface*) { record("SDL_FreeSurface"); }
-// some font, never looked into
+// a pointer that is no real font, never followed
 ANSWER(TTF_Font*, reinterpret_cast<TTF_Font*>(glRecorder.delivered()), TTF_OpenFont, (const char* path, int size), size, path)
 ANSWER(SDL_Surface*, glRecorder.delivered(), TTF_RenderText_Blended, (TTF_Font*, const char* text, SDL_Color c),
        int{c.r}, int{c.g}, int{c.b}, text)
 int TTF_Init() { return 0; }
+void SDL_Quit() { record("SDL_Quit"); std::fputs("SDL_Quit\n", stderr); }
 char* SDL_GetError() { static char message[] = "no such luck"; return message; }
 // clang-format on
 

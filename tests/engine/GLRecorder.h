@@ -6,18 +6,18 @@
 #include <deque>
 #include <string>
 
-/// Stands in for OpenGL, GLU, SDL, SDL_image and SDL_ttf: a test executable that links it has their functions
-/// from here. It writes down every call in order, and answers as the fields below say.
+/// Stands in for OpenGL, GLU, SDL, SDL_image and SDL_ttf: a test program that links it calls these functions
+/// instead. It records every call in order, and answers as the fields below say.
 struct GLRecorder
 {
-    /// From now on images, windows, fonts and rendered texts can be had: a surface without pixels.
+    /// From now on loading images, windows, fonts and texts succeeds: each is a surface without pixels.
     void deliver(int bytesPerPixel, unsigned int redMask, int width, int height);
     SDL_Surface* delivered() { return surface.format == nullptr ? nullptr : &surface; }
     /// Queues an event for SDL_PollEvent.
     void send(Uint8 type, SDLKey symbol = SDLK_UNKNOWN);
-    /// Those of the calls since the last take() that match the regular expression, one a line: the name, its
-    /// numbers to six digits, its text. A pointer to numbers is written as the numbers; other pointers are
-    /// left out.
+    /// Takes the recorded calls that match the regular expression and forgets the others. One call a line:
+    /// the name, its numbers to six digits, its text. Numbers behind a pointer are included; other pointers
+    /// are not.
     std::string take(const std::string& pattern = "");
 
     std::string calls;
@@ -32,6 +32,8 @@ struct GLRecorder
 
 extern GLRecorder glRecorder;
 
-/// The calls as take() tells them, from a text with a semicolon between two and OpenGL's names for its
-/// numbers.
+/// Calls in the form of take(), from a text with a semicolon or a line end between two calls and with
+/// OpenGL's names for numbers.
 std::string script(std::string text);
+/// script() of a file below tests/.
+std::string golden(const std::string& file);

@@ -13,13 +13,15 @@
 #include <set>
 #include <vector>
 
-/// A client without window and network: bytes go in where its TCP connection would deliver them, and frames
-/// run by hand. The scene is the process's one, so one Arena at a time.
+/// A client without a window and a network: the test delivers the bytes of its TCP connection and runs its
+/// frames. It uses the process's only scene, so one Arena at a time.
 class Arena
 {
 public:
-    /// From a scene of the two carriers: receives the pieces of a stream, each followed by so many frames, 60
-    /// a second. Then an honest ship comes, on a new connection, and leaves. What went wrong, or "".
+    Arena() { reset(); }
+
+    /// Starts again with the two carriers. Receives the pieces of a stream, each followed by so many frames.
+    /// Then an honest ship comes, on a new connection, and leaves. Returns what went wrong, or "".
     std::string play(const std::vector<std::string>& pieces, int framesBetween = 1)
     {
         reset();
@@ -39,11 +41,10 @@ public:
         if (shown == nullptr || !(shown->position == ship.position)) {
             return "an honest ship is not shown";
         }
-        receive(messages::destroyFrame(ship.id), 1);
+        receive(messages::destroyFrame(ship.id));
         return find(ship.id) == nullptr && isConsistent() ? "" : "an honest ship does not leave";
     }
 
-private:
     void reset()
     {
         delete SceneGraph::instance;
@@ -55,7 +56,9 @@ private:
         Timer::isSynced = false;
         leftover.clear();
     }
-    void receive(const std::string& bytes, int frames)
+
+    /// Each frame takes 1/60 second.
+    void receive(const std::string& bytes, int frames = 1)
     {
         for (const auto& event :
              MessageSerializer::deserializeMessageArray(bytes.data(), bytes.size(), &leftover)) {
@@ -67,11 +70,16 @@ private:
             SceneGraph::instance->applyRemoveList();
         }
     }
+
+    boost::asio::io_service service;
+    PacketReceiver receiver{&service, nullptr, SceneGraph::getInstance(), 3600};  // the watchdog never runs
+
+private:
     static Transform* find(std::uint64_t id)
     {
         return SceneGraph::instance->getOBjectById(static_cast<long long>(id));
     }
-    // Whether the lists of the types hold all that is in the scene's tree, once, and the tables nothing else.
+    // Whether the type lists hold each object of the scene's tree once, and the tables hold no other object.
     static bool isConsistent()
     {
         const SceneGraph& graph = *SceneGraph::instance;
@@ -86,8 +94,5 @@ private:
                areInTree(graph.udpTable) && areInTree(graph.tcpTable);
     }
 
-    boost::asio::io_service service;
     std::string leftover;
-    PacketReceiver receiver{&service, nullptr, SceneGraph::getInstance(),
-                            3600};  // an hour: no watchdog in here
 };

@@ -3,24 +3,27 @@
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "instrumentation/Logger.h"
 #include "network/Messages.h"
-#include "peer/ScriptedServer.h"
+#include "tests/network/Support.h"
 
-#include <gtest/gtest.h>
+#include <boost/make_shared.hpp>
+
+#include <atomic>
+#include <thread>
 
 namespace {
 
 using messages::destroyFrame;
 using tcp = boost::asio::ip::tcp;
 
-// Writes down what is handed over; every handler answers `goOn`.
+// Records what is dispatched; every handler returns `goOn`.
 class Recorder : public AbstractPacketReceiver
 {
 public:
     using AbstractPacketReceiver::AbstractPacketReceiver;
 
-    bool dispatchClosedConnection(tcp::socket*) override
+    bool dispatchClosedConnection(tcp::socket* socket) override
     {
-        calls += "closed ";
+        calls += socket->is_open() ? "open " : "closed ";
         return goOn;
     }
     bool dispatchObjectDestroy(Vantor::ObjectDestroy* message) override
@@ -37,14 +40,16 @@ public:
 class Reception : public testing::Test
 {
 protected:
-    void receiveTcp(std::string bytes) { receiver.handleTCPReceive({}, bytes.data(), bytes.size(), &stream); }
-    std::string printedByUdp(std::string datagram)
+    std::string printedByTcp(std::string bytes)
     {
-        testing::internal::CaptureStdout();
-        receiver.handleUDPReceive({}, datagram.data(), datagram.size(), &receiver.udpSocket);
-        return testing::internal::GetCapturedStdout();
+        return printedBy([&] { receiver.handleTCPReceive({}, bytes.data(), bytes.size(), &stream); });
     }
-    std::string handedOver()
+    std::string printedByUdp(std::string bytes)
+    {
+        return printedBy(
+            [&] { receiver.handleUDPReceive({}, bytes.data(), bytes.size(), &receiver.udpSocket); });
+    }
+    std::string dispatched()
     {
         receiver.calls.clear();
         receiver.getTCPPackets();
@@ -60,47 +65,85 @@ protected:
 
 }  // namespace
 
-TEST_F(Reception, AFrameSplitOverTwoReceivesArrivesOnceAndInOrder)
+TEST_F(Reception, AFrameInTwoReceivesArrivesOnce)
 {
-    receiveTcp(destroyFrame(1) + destroyFrame(2).substr(0, 3));
-    EXPECT_EQ(handedOver(), "1 ");
-    receiveTcp(destroyFrame(2).substr(3) + destroyFrame(3));
+    printedByTcp(destroyFrame(1) + destroyFrame(2).substr(0, 3));
+    EXPECT_EQ(dispatched(), "1 ");
+    printedByTcp(destroyFrame(2).substr(3) + destroyFrame(3));
     EXPECT_TRUE(receiver.leftovers.empty());
-    EXPECT_EQ(handedOver(), "2 3 ");
-    EXPECT_EQ(handedOver(), "");
+    EXPECT_EQ(dispatched(), "2 3 ");
+    EXPECT_EQ(dispatched(), "");
     EXPECT_EQ(logger.bytes[Logger::TCP_RECEIVED], 15U);
     EXPECT_EQ(logger.messages[Logger::TCP_RECEIVED], 3U);
 }
 
-TEST_F(Reception, ADatagramHoldsSeveralFramesAndItsTailIsDiscarded)
+TEST_F(Reception, NothingJoinsTwoDatagrams)
 {
-    EXPECT_EQ(printedByUdp(destroyFrame(1) + destroyFrame(2) + destroyFrame(3).substr(0, 2)),
-              "Error has leftovers after UDP 2 of 12 - \x03\n");
-    EXPECT_NE(printedByUdp(destroyFrame(3).substr(2) + destroyFrame(4)), "");
+    EXPECT_EQ(printedByUdp(destroyFrame(1) + destroyFrame(2) + "\x09"),
+              "Error has leftovers after UDP 1 of 11 - ?\n");
+    EXPECT_EQ(printedByUdp(std::string("\x09\0\x03\nX\x1B", 6)),
+              "Error has leftovers after UDP 6 of 6 - ?\n");
+    EXPECT_EQ(printedByUdp("\xFF\xFF\n[\x1B"), "Error has leftovers after UDP 5 of 5 - \xFF\xFF?[?\n");
     EXPECT_EQ(printedByUdp(destroyFrame(5)), "");
-    EXPECT_EQ(handedOver(), "1 2 5 ") << "nothing joins two datagrams";
-    EXPECT_EQ(logger.bytes[Logger::UDP_RECEIVED], 12U + 8U + 5U);
+    EXPECT_EQ(dispatched(), "1 2 5 ");
+    EXPECT_EQ(logger.bytes[Logger::UDP_RECEIVED], 11U + 6U + 5U + 5U);
     EXPECT_EQ(logger.messages[Logger::UDP_RECEIVED], 3U);
+}
+
+TEST_F(Reception, AStalledStreamKeepsOneMebibyte)
+{
+    EXPECT_EQ(printedByTcp(destroyFrame(1) + std::string(2, '\0')), "");
+    std::string printed;
+    for (int chunk = 0; chunk < 600; ++chunk) {
+        printed += printedByTcp(destroyFrame(2) + std::string(2043, 'x'));
+    }
+    EXPECT_EQ(printed, "TCP stream stalled by a frame of length 0: ignoring all further bytes\n");
+    EXPECT_EQ(receiver.leftovers.at(&stream)->size(), 2U + 512U * 2048U);
+    EXPECT_EQ(dispatched(), "1 ");
+    EXPECT_EQ(logger.packets[Logger::TCP_RECEIVED], 601U);
 }
 
 TEST_F(Reception, GoesOnAfterEachReceiveUntilAnError)
 {
-    receiveTcp(destroyFrame(1));
+    stream.open(tcp::v4());
+    printedByTcp(destroyFrame(1));
     printedByUdp(destroyFrame(2));
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(service.run(), 2U) << "one more of each, and both fail";
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "TCP connection CLOSED err:Bad file descriptor\nError in handleUDPReceive: Bad file descriptor "
-              "(9)\n");
-    EXPECT_EQ(handedOver(), "1 closed 2 ");
+    EXPECT_EQ(printedBy([&] { service.run(); }),
+              "TCP connection CLOSED err:Transport endpoint is not connected\n"
+              "Error in handleUDPReceive: Bad file descriptor (9)\n");
+    EXPECT_EQ(dispatched(), "1 closed 2 ");
     EXPECT_EQ(logger.packets[Logger::TCP_RECEIVED], 2U) << "a failed receive counts, too";
 }
 
-TEST_F(Reception, AFalseAnswerDropsTheRestOfItsQueueOnly)
+TEST_F(Reception, AFalseResultDropsTheRestOfItsQueue)
 {
-    receiveTcp(destroyFrame(1) + destroyFrame(2));
+    printedByTcp(destroyFrame(1) + destroyFrame(2));
     printedByUdp(destroyFrame(3) + destroyFrame(4));
     receiver.goOn = false;
-    EXPECT_EQ(handedOver(), "1 3 ");
-    EXPECT_EQ(handedOver(), "");
+    EXPECT_EQ(dispatched(), "1 3 ");
+    EXPECT_EQ(dispatched(), "");
+}
+
+// Without the locks, events would get lost or the program would crash.
+TEST_F(Reception, AnotherThreadMayFillTheQueues)
+{
+    constexpr std::size_t count = 20000;
+    const auto event = boost::make_shared<NetworkEvent>();
+    event->kind = NetworkEvent::CLOSED_CONNECTION;
+    event->socket = &stream;
+    std::atomic<bool> finished = false;
+    std::thread network([&] {
+        for (std::size_t n = 0; n < count; ++n) {
+            receiver.addTCPNetworkEvent(event);
+            receiver.addUDPNetworkEvent(event);
+        }
+        finished = true;
+    });
+    std::size_t received = 0;
+    while (!finished) {
+        received += dispatched().size();
+    }
+    network.join();
+    received += dispatched().size();
+    EXPECT_EQ(received, 2 * count * std::string("closed ").size());
 }

@@ -5,8 +5,9 @@
 #include <cstdint>
 #include <ctime>
 
-/// While one exists, this program's time of day stands still: gettimeofday, and so Timer and all that reads
-/// it. To be included once in a program; nothing of Asio's timers may run meanwhile.
+/// While one exists, this program's time of day stands still: gettimeofday, and so Timer and its users.
+///
+/// Include it in one file of a program. Asio's timers must not run meanwhile.
 struct FixedClock
 {
     explicit FixedClock(std::int64_t milliseconds) { set(milliseconds); }
@@ -14,16 +15,17 @@ struct FixedClock
     /// Milliseconds since the Unix epoch, and microseconds on top of them.
     void set(std::int64_t milliseconds, std::int64_t micro = 0) { now = milliseconds * 1000 + micro; }
 
-    static inline std::int64_t now = -1;  ///< microseconds since the Unix epoch; -1: the real clock
+    static inline std::int64_t now = -1;    ///< microseconds since the Unix epoch; -1: the clock runs
+    static inline std::int64_t offset = 0;  ///< microseconds between the real clock and a running one
 };
 
-// Takes the place of the C library's in the whole test program.
+// Replaces the C library's function in the whole test program.
 extern "C" int gettimeofday(timeval* time, void*) noexcept
 {
     timespec real = {};
     clock_gettime(CLOCK_REALTIME, &real);
-    const std::int64_t then = real.tv_sec * 1000000 + real.tv_nsec / 1000;
-    const std::int64_t shown = FixedClock::now >= 0 ? FixedClock::now : then;
+    const std::int64_t running = real.tv_sec * 1000000 + real.tv_nsec / 1000 + FixedClock::offset;
+    const std::int64_t shown = FixedClock::now >= 0 ? FixedClock::now : running;
     *time = {shown / 1000000, shown % 1000000};
     return 0;
 }

@@ -1,24 +1,22 @@
-#include "network/MessageSerializer.h"
-
 #include "Common/Protobuf/Object/Object.pb.h"
+#include "network/MessageSerializer.h"
 #include "network/Messages.h"
 #include "network/NetworkEvent.h"
-#include "peer/ScriptedServer.h"
-#include "tests/network/Steering.h"
+#include "tests/network/Support.h"
 
-#include <gtest/gtest.h>
 #include <boost/algorithm/hex.hpp>
+#include <boost/make_shared.hpp>
 
 namespace {
 
-// The frames that the events of a run came from, one behind the other.
+// The frames of the events that a run of bytes yields, joined.
 std::string cut(const std::string& data, std::string& leftover)
 {
     std::string frames;
     for (const auto& event :
          MessageSerializer::deserializeMessageArray(data.data(), data.size(), &leftover)) {
-        frames += peer::rawFrame(static_cast<unsigned char>(event->messageType),
-                                 event->message->SerializeAsString());
+        frames +=
+            rawFrame(static_cast<std::uint8_t>(event->messageType), event->message->SerializeAsString());
     }
     return frames;
 }
@@ -34,24 +32,24 @@ const std::pair<std::string, const char*> everyKind[] = {
     {messages::updateFrame(3, 4, {5, 6, 7}),
      "2C0002080310041A0F0D0000A040150000C0401D0000E04022140D0000000015000000001D00000000250000803F"},
     {messages::destroyFrame(8), "0300030808"},
-    {steering, "1900040A140D0000004015000040401D00008040250000803F1007"},
+    {messages::steeringFrame(0xFE34, {{1, 2, 3, 4}, 7}).substr(framing::qportSize),
+     "1900040A140D0000004015000040401D00008040250000803F1007"},
     {messages::welcomeFrame({9}, 10), "1B00050809100A1A140D0000C84210001A0550696C6F74200028003000"}};
 
 const std::string good = messages::destroyFrame(8);
 
 }  // namespace
 
-TEST(Framing, TheBytesAreThoseThatServersSpeak)
+TEST(Framing, BytesMatchTheProtocol)
 {
     for (const auto& [frame, bytes] : everyKind) {
         EXPECT_EQ(boost::algorithm::hex(frame), bytes);
     }
-    messages::ShipState talkative;
-    talkative.name = std::string(600, 'n');
-    EXPECT_EQ(messages::infoFrame(talkative).substr(0, 3), "\x9A\x02\x01") << "the low byte first";
+    EXPECT_EQ(messages::steeringFrame(0xFE34, {}).substr(0, 2), "\x34\xFE");
+    EXPECT_EQ(rawFrame(1, std::string(600, 'n')).substr(0, 3), "\x59\x02\x01") << "the low byte first";
 }
 
-TEST(Framing, ARunSplitAnywhereArrivesOnceAndWholeAndTheNextBeginningIsKept)
+TEST(Framing, ASplitRunArrivesOnceAndWhole)
 {
     std::string run;
     for (const auto& [frame, bytes] : everyKind) {
@@ -66,42 +64,40 @@ TEST(Framing, ARunSplitAnywhereArrivesOnceAndWholeAndTheNextBeginningIsKept)
     }
 }
 
-TEST(Framing, ABadFrameIsReportedAndTheNextOneArrives)
-{
-    const std::string badType = "Unknown message type received (type byte: 0x";
-    const std::string badBody = "Error in parseing message \n";
-    const std::pair<std::string, std::string> table[] = {
-        {peer::rawFrame(0, "body"), badType + "0) info \n"},
-        {peer::rawFrame(255, ""), badType + "ff) info \n"},
-        {peer::rawFrame(1, ""), badBody},
-        {peer::rawFrame(5, "\x08\x01"), badBody},       // a required field is missing
-        {peer::rawFrame(1, "\x22\x7F\x01"), badBody}};  // a field that lies about its length
-    for (const auto& [frame, diagnostic] : table) {
-        testing::internal::CaptureStdout();
-        testing::internal::CaptureStderr();
-        std::string leftover;
-        EXPECT_EQ(cut(frame + good, leftover), good);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), diagnostic + "Error in deserializing of message\n");
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    }
-}
-
-TEST(Framing, ALengthOfZeroIsNeverPassed)
-{
-    const std::string stuck = std::string(2, '\0') + good;
-    std::string leftover;
-    EXPECT_EQ(cut(good + stuck, leftover), good);
-    EXPECT_EQ(cut(good, leftover), "");
-    EXPECT_EQ(leftover, stuck + good);
-}
-
 TEST(Framing, TheLongestFrameArrives)
 {
-    // A field that nobody knows is skipped, whatever its size.
-    const std::string filler = "\x7A\xF8\xFF\x03" + std::string(65528, 'x');
-    const std::string longest = peer::rawFrame(3, good.substr(3) + filler);
+    const std::string filler = "\x7A\xF8\xFF\x03" + std::string(65528, 'x');  // a field of unknown number
+    const std::string longest = rawFrame(3, good.substr(3) + filler);
     ASSERT_EQ(longest.size(), 2U + 65535U);
     std::string leftover;
     EXPECT_EQ(cut(longest.substr(0, 40000), leftover), "");
     EXPECT_EQ(cut(longest.substr(40000), leftover), longest);
+}
+
+TEST(Framing, ABadFrameIsReportedAndTheNextArrives)
+{
+    const std::string badType = "Unknown message type received (type byte: 0x";
+    const std::string badBody = "Error in parseing message \n";
+    const std::pair<std::string, std::string> table[] = {
+        {rawFrame(0, "body"), badType + "0) info \n"},
+        {rawFrame(255, ""), badType + "ff) info \n"},
+        {rawFrame(1, ""), badBody},
+        {rawFrame(5, "\x08\x01"), badBody},       // a required field is missing
+        {rawFrame(1, "\x22\x7F\x01"), badBody}};  // a field that is shorter than its length says
+    for (const auto& [frame, diagnostic] : table) {
+        testing::internal::CaptureStderr();
+        std::string leftover;
+        EXPECT_EQ(printedBy([&] { EXPECT_EQ(cut(frame + good, leftover), good); }),
+                  diagnostic + "Error in deserializing of message\n");
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    }
+}
+
+TEST(Framing, AnEventIsReusableAndFreesWhatItOwns)
+{
+    const auto event = boost::make_shared<NetworkEvent>();
+    event->endpoint = new boost::asio::ip::udp::endpoint;
+    EXPECT_TRUE(MessageSerializer::deserializeMessage(good.substr(2), event));
+    EXPECT_TRUE(MessageSerializer::deserializeMessage(good.substr(2), event));
+    EXPECT_FALSE(MessageSerializer::deserializeMessage("", event));
 }

@@ -2,16 +2,15 @@
 
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "instrumentation/Logger.h"
-#include "tests/network/Steering.h"
+#include "network/Messages.h"
+#include "tests/network/Support.h"
 
-#include <gtest/gtest.h>
 #include <boost/asio.hpp>
 
 using boost::asio::ip::tcp;
 using boost::asio::ip::udp;
 
-// What arrives in datagrams is compared in tests/end_to_end.
-TEST(Sending, PutsTheQportInFrontOfTheFrameAndSaysWhyItFailed)
+TEST(Sending, PrependsTheQportAndReportsFailures)
 {
     boost::asio::io_service service;
     udp::socket unopened(service), datagrams(service, udp::v4());
@@ -23,15 +22,14 @@ TEST(Sending, PutsTheQportInFrontOfTheFrameAndSaysWhyItFailed)
     const Logger& logger = *Logger::getInstance() = Logger();
     PacketSender sender;
     const auto printedBySending = [&] {
-        testing::internal::CaptureStdout();
         Vantor::ClientUpdate message;
-        message.ParseFromString(steering.substr(3));
+        messages::set(*message.mutable_orientation(), {1, 2, 3, 4});
+        message.set_boosterson(7);
         sender.send(message);
         sender.sendMessageTcp(MessageTypes::CLIENT_UPDATE, message);
-        message.Clear();  // the bytes are already on their way
+        message.Clear();  // the sender has copied it
         service.restart();
-        service.run();
-        return testing::internal::GetCapturedStdout();
+        return printedBy([&] { service.run(); });
     };
 
     sender.setSocket(&unopened);
@@ -43,9 +41,10 @@ TEST(Sending, PutsTheQportInFrontOfTheFrameAndSaysWhyItFailed)
     sender.setQPort(0xFE34);
     EXPECT_EQ(printedBySending(), "");
 
-    std::string bytes(2 + steering.size(), '?');
+    const std::string expected = messages::steeringFrame(0xFE34, {{1, 2, 3, 4}, 7});
+    std::string bytes(expected.size(), '?');
     boost::asio::read(server, boost::asio::buffer(bytes));
-    EXPECT_EQ(bytes, "\x34\xFE" + steering);
+    EXPECT_EQ(bytes, expected);
     for (const int channel : {Logger::TCP_SENT, Logger::UDP_SENT}) {
         EXPECT_EQ(logger.packets[channel], 1U) << "a failure does not count";
         EXPECT_EQ(logger.bytes[channel], bytes.size());

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-constexpr std::int64_t noon = 1700000000000;  // some day's; far above 2^32 milliseconds
+constexpr std::int64_t noon = 1700000000000;  // far above 2^32 milliseconds
 
 TEST(Clock, RunsOnFromTheServersTimeAndWraps)
 {
@@ -24,7 +24,7 @@ TEST(Clock, RunsOnFromTheServersTimeAndWraps)
     }
 }
 
-TEST(Stopwatch, MeasuresSinceTheLastCallInWholeMilliseconds)
+TEST(Stopwatch, MeasuresSinceTheLastCallInMilliseconds)
 {
     FixedClock clock(noon);
     Timer stopwatch;

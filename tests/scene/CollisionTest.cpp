@@ -8,8 +8,6 @@
 
 namespace {
 
-const Vector3 origin;
-
 std::string responses;
 
 struct Hit : CollisionObject
@@ -47,8 +45,8 @@ TEST(Collision, ASegmentHitsTheSphereOnItsLine)
         {"just clear of it", {10, 0, 0}, {5, 1.01F, 0}, false},
         {"beside the extension beyond the end", {3, 4, 0}, {30 + 0.79F, 40 - 0.59F, 0}, true},
         {"beside the extension before the start", {1, 0, 0}, {-50, 0.9F, 0}, true},
-        {"starts inside, a point without direction", origin, {0.5F, 0, 0}, true},
-        {"a point outside", origin, {2, 0, 0}, false},
+        {"starts inside, a point without direction", {}, {0.5F, 0, 0}, true},
+        {"a point outside", {}, {2, 0, 0}, false},
     };
     for (auto [what, direction, offset, hit] : cases) {
         Vector3 start(7, 8, 9), center = start + offset;
@@ -56,41 +54,38 @@ TEST(Collision, ASegmentHitsTheSphereOnItsLine)
     }
 }
 
-TEST(Collision, OnlySphereAndSphereOrSphereAndSegmentCollideAndTheFirstVolumeStays)
+TEST(Collision, ObjectsCollideByTheirFirstVolume)
 {
-    Hit nothing('n', origin), sphere('s', {9.0F, 0.0F, 0.0F}), segment('l', origin);
+    // the segment turns with its object, here to +x; from the sphere's side only its start counts
+    Hit nothing('n', {}), sphere('s', {9, 0, 0}), segment('l', {}), far('f', {4, 0, 0}), side('d', {0, 0, 4});
     sphere.setSphere(1.0F);
-    sphere.setLineSegment({1.0F, 0.0F, 0.0F});
-    sphere.position = origin;  // the volume follows
-    segment.setLineSegment({1.0F, 0.0F, 0.0F});
+    sphere.setLineSegment({1, 0, 0});
+    sphere.position = {};  // the volume follows
+    segment.setLineSegment({0, 0, 5});
     segment.setSphere(1.0F);
+    segment.orientation = Quaternion::FromAxisAngle(1.5707964F, {0, 1, 0});
+    far.setSphere(1.0F);
+    side.setSphere(1.0F);
     std::string hits;
-    for (Hit* a : {&nothing, &sphere, &segment}) {
-        for (Hit* b : {&nothing, &sphere, &segment}) {
+    for (Hit* a : {&nothing, &sphere, &segment, &far, &side}) {
+        for (Hit* b : {&nothing, &sphere, &segment, &far, &side}) {
             hits += a->collidesWith(*b) ? a->name + b->name + ' ' : "";
         }
     }
-    EXPECT_EQ(hits, "ss sl ls ");
-}
+    EXPECT_EQ(hits, "ss sl ls lf ff dd ");
 
-TEST(Collision, ASegmentTurnsWithItsObjectButFromTheSpheresSideOnlyItsStartCounts)
-{
-    Hit segment('l', origin);
-    segment.setLineSegment({0.0F, 0.0F, 5.0F});
-    segment.orientation = Quaternion::FromAxisAngle(1.5707964F, {0.0F, 1.0F, 0.0F});  // now along +x
-    for (const Vector3& place : {Vector3(4.0F, 0.0F, 0.0F), Vector3(0.0F, 0.0F, 4.0F)}) {
-        Hit sphere('s', place);
-        sphere.setSphere(1.0F);
-        for (int pass = 0; pass < 2; ++pass) {  // no test leaves a trace that the next could see
-            EXPECT_EQ(segment.collidesWith(sphere), place.x == 4.0F);
-            EXPECT_FALSE(sphere.collidesWith(segment));
-        }
+    for (Hit* object : {&sphere, &segment}) {
+        object->init();
+        EXPECT_FALSE(object->collidesWith(far));
+        EXPECT_TRUE(object->sphere == nullptr && object->lineSegment == nullptr);
+        object->setSphere(5.0F);
+        EXPECT_TRUE(object->collidesWith(far)) << "any volume may follow init";
     }
 }
 
-TEST(Collision, TheHandlerTellsBothObjectsOfEachHitInOrder)
+TEST(Collision, TheHandlerReportsEachHitToBothInOrder)
 {
-    Hit a('a', origin), b('b', {10.0F, 0, 0}), c('c', {1.0F, 0, 0}), d('d', {2.0F, 0, 0});
+    Hit a('a', {}), b('b', {10, 0, 0}), c('c', {1, 0, 0}), d('d', {2, 0, 0});
     for (Hit* object : {&a, &b, &c, &d}) {
         object->setSphere(1.0F);
     }

@@ -1,0 +1,292 @@
+#include "server/match/Bot.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace practice {
+
+namespace {
+
+// Distances are in world units.
+constexpr float closeIn = 60.0F;       ///< beyond this distance a bot flies at its enemy, within it drifts
+constexpr float approachRate = 0.7F;   ///< units/s of closing speed for each unit still to go
+constexpr float tooClose = 30.0F;      ///< within this distance of its enemy it breaks away
+constexpr float clearance = 22.0F;     ///< kept from every other ship
+constexpr float fightRadius = 65.0F;   ///< around a fight's centre
+constexpr float returnShare = 0.6F;    ///< of the radius, within which a returning bot fights again
+constexpr float engageRange = 220.0F;  ///< a returning bot turns on an enemy this near
+constexpr float fireRange = 190.0F;    ///< beyond it a bot holds its fire
+constexpr float fireCone = 0.999F;     ///< cosine of 2.6 degrees between nose and aim
+constexpr float burstTime = 1.0F;      ///< seconds of fire before a pause
+
+// The cost of a target is a distance.
+constexpr float offCentreCost = 0.3F;  ///< for each unit between the enemy and the fight's centre
+constexpr float chaserCost = 40.0F;    ///< for each friend that chases the enemy
+constexpr float humanFactor = 0.35F;   ///< humans seem nearer: they have come to see action
+constexpr float chaseCone = 0.97F;     ///< cosine of 14 degrees: a ship chases the enemy that it points at
+constexpr float chaseRange = 200.0F;
+
+// Seconds of spawn protection.
+constexpr float firstSpawnProtection = 22.0F;  ///< time to look around
+constexpr float respawnProtection = 4.0F;
+
+/// The controls that push towards a direction of the world.
+std::uint32_t controlsTowards(const Vector3& direction, const Quaternion& orientation)
+{
+    const Vector3 local = (~orientation).rotate(direction);
+    const float threshold = 0.4F * local.length();
+    std::uint32_t controls = 0;
+    controls |= local.x > threshold ? control::left : 0U;
+    controls |= local.x < -threshold ? control::right : 0U;
+    controls |= local.y > threshold ? control::up : 0U;
+    controls |= local.y < -threshold ? control::down : 0U;
+    controls |= local.z > threshold ? control::forward : 0U;
+    controls |= local.z < -threshold ? control::backward : 0U;
+    return controls;
+}
+
+/// The direction away from all ships within the clearance; zero if there are none.
+Vector3 awayFromOthers(const Ship& self, const std::vector<ShipView>& ships)
+{
+    Vector3 away;
+    for (const ShipView& other : ships) {
+        const Vector3 gap = self.position - other.position;
+        if (other.id != self.id && gap.lengthSquared() < clearance * clearance) {
+            away += gap;
+        }
+    }
+    return away;
+}
+
+const ShipView* findView(const std::vector<ShipView>& ships, ObjectId id)
+{
+    const auto found =
+        std::find_if(ships.begin(), ships.end(), [id](const ShipView& s) { return s.id == id; });
+    return found == ships.end() ? nullptr : &*found;
+}
+
+/// Bots do not fire first at a ship that has just appeared.
+bool hasSpawnProtection(const ShipView& ship)
+{
+    return !ship.firedInLife &&
+           ship.sinceSpawn <= (ship.firstLife ? firstSpawnProtection : respawnProtection);
+}
+
+bool isChasing(const ShipView& friendly, const ShipView& enemy)
+{
+    const Vector3 offset = enemy.position - friendly.position;
+    const float distance = offset.length();
+    return distance < chaseRange && noseOf(friendly.orientation).dotProduct(offset) > chaseCone * distance;
+}
+
+float targetCost(const Ship& self, const ShipView& enemy, const BotView& view, const Vector3& centre)
+{
+    const auto chasers = std::count_if(view.ships.begin(), view.ships.end(), [&](const ShipView& friendly) {
+        return friendly.team == self.team && friendly.id != self.id && isChasing(friendly, enemy);
+    });
+    const float way =
+        self.position.distance(enemy.position) + offCentreCost * centre.distance(enemy.position);
+    return way * (enemy.human ? humanFactor : 1.0F) + chaserCost * static_cast<float>(chasers);
+}
+
+/// Full thrust from afar; near the enemy slow enough to keep it before the nose.
+std::uint32_t throttle(float distance, float closingSpeed)
+{
+    const float wanted = (distance - closeIn) * approachRate;
+    return closingSpeed < wanted ? control::forward : closingSpeed > wanted + 10.0F ? control::backward : 0U;
+}
+
+/// The smallest positive root of a·t² + 2·b·t + c, or 0 if there is none.
+float firstPositiveRoot(float a, float b, float c)
+{
+    const float discriminant = b * b - a * c;
+    if (discriminant < 0.0F || std::fabs(a) < 1e-6F) {
+        return 0.0F;
+    }
+    const float root = std::sqrt(discriminant);
+    const float early = std::min((-b - root) / a, (-b + root) / a);
+    const float late = std::max((-b - root) / a, (-b + root) / a);
+    return early > 0.0F ? early : std::max(late, 0.0F);
+}
+
+/// The unit direction in which a shot meets the enemy, or straight at an enemy that no shot can catch.
+/// A shot inherits its shooter's velocity, so only relative motion counts.
+Vector3 aimDirection(const Ship& self, const ShipView& enemy, float shotSpeed)
+{
+    const Vector3 offset = enemy.position - self.position;
+    const Vector3 motion = enemy.velocity - self.velocity;
+    const float time = firstPositiveRoot(motion.lengthSquared() - shotSpeed * shotSpeed,
+                                         offset.dotProduct(motion), offset.lengthSquared());
+    Vector3 direction = offset + motion * time;
+    direction.normalise();
+    return direction;
+}
+
+}  // namespace
+
+BotSkill drawSkill(Difficulty difficulty, Random& random)
+{
+    BotSkill skill;
+    if (difficulty == Difficulty::easy) {
+        skill.aimError = 0.15F;
+        skill.aimPeriod = 0.9F;
+        skill.dodgeShare = 0.3F;
+        skill.burstPause = 3.5F;
+    } else if (difficulty == Difficulty::hard) {
+        skill.aimError = 0.06F;
+        skill.aimPeriod = 0.4F;
+        skill.dodgeShare = 1.0F;
+        skill.burstPause = 0.0F;
+    }
+    const float clumsiness = random.between(0.75F, 1.25F);
+    skill.aimError *= clumsiness;
+    skill.aimPeriod *= clumsiness;
+    skill.breakAwayChance /= clumsiness;
+    skill.dodgeShare /= clumsiness;
+    skill.burstPause *= clumsiness;
+    return skill;
+}
+
+Vector3 fightCentre(Team carrier, float time)
+{
+    constexpr Vector3 pivot(500.0F, 45.0F, -50.0F);  // above red's carrier; blue's has the opposite x
+    constexpr float distance = 240.0F;               // units from there; the bow is at 180
+    constexpr float swing = 0.2F;                    // rad to each side of the bow
+    constexpr float period = 150.0F;                 // seconds for one swing to and fro
+    constexpr float twoPi = 6.2831853F;
+    const float angle = swing * std::sin(std::fmod(time, period) * (twoPi / period));
+    const float side = carrier == Team::blue ? -1.0F : 1.0F;
+    const Vector3 fromPivot(-side * std::sin(angle), 0.0F, std::cos(angle));
+    return Vector3(side * pivot.x, pivot.y, pivot.z) + fromPivot * distance;
+}
+
+ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
+{
+    const Vector3 centre = fightCentre(carrier, view.time);
+    updateTimers(view, random);
+    reactToHit(self, random);
+    chooseTarget(self, view, centre, random);
+    const ShipView* enemy = findView(view.ships, target);
+    const bool engaged = enemy != nullptr && self.position.distance(enemy->position) < engageRange;
+    updateReturning(self, centre, engaged);
+    ShipInput input;
+    if (returning) {
+        input = flyTowards(centre - self.position);
+    } else if (breakAwayLeft > 0.0F || enemy == nullptr) {
+        input = flyTowards(breakAwayDirection);
+    } else {
+        input = attack(self, *enemy, view, random);
+    }
+    const Vector3 away = awayFromOthers(self, view.ships);
+    if (!(away == Vector3())) {
+        input.controls = (input.controls & control::fire) | controlsTowards(away, self.orientation);
+    }
+    return input;
+}
+
+void Bot::updateTimers(const BotView& view, Random& random)
+{
+    for (float* timer : {&targetChoiceIn, &aimErrorIn, &dodgeIn, &breakAwayLeft, &burstLeft}) {
+        *timer -= view.dt;
+    }
+    if (aimErrorIn <= 0.0F) {
+        drawAimError(random);
+    }
+    if (dodgeIn <= 0.0F) {
+        drawDodge(random);
+    }
+    if (burstLeft <= -skill.burstPause) {
+        burstLeft = burstTime;
+    }
+}
+
+void Bot::drawAimError(Random& random)
+{
+    aimErrorIn = skill.aimPeriod * random.between(0.6F, 1.4F);
+    const float yaw = random.between(-skill.aimError, skill.aimError);
+    const float pitch = random.between(-skill.aimError, skill.aimError);
+    aimError =
+        Quaternion::FromAxisAngle(yaw, Vector3(0, 1, 0)) * Quaternion::FromAxisAngle(pitch, Vector3(1, 0, 0));
+}
+
+void Bot::drawDodge(Random& random)
+{
+    dodgeIn = random.between(0.6F, 1.4F);
+    constexpr std::array<std::uint32_t, 4> dodges = {control::left, control::right, control::up,
+                                                     control::down};
+    const std::uint32_t drawn = dodges[static_cast<std::size_t>(random.between(0.0F, 4.0F))];
+    dodge = random.unit() < skill.dodgeShare ? drawn : 0U;
+}
+
+void Bot::reactToHit(const Ship& self, Random& random)
+{
+    if (self.health < lastHealth && breakAwayLeft <= 0.0F && random.unit() < skill.breakAwayChance) {
+        startBreakAway(self, random);
+    }
+    lastHealth = self.health;
+}
+
+void Bot::chooseTarget(const Ship& self, const BotView& view, const Vector3& centre, Random& random)
+{
+    if (targetChoiceIn > 0.0F && findView(view.ships, target) != nullptr) {
+        return;
+    }
+    targetChoiceIn = random.between(2.0F, 4.0F);
+    target = noObject;
+    float least = std::numeric_limits<float>::max();
+    for (const ShipView& enemy : view.ships) {
+        if (enemy.team == self.team || hasSpawnProtection(enemy)) {
+            continue;
+        }
+        const float cost = targetCost(self, enemy, view, centre);
+        if (cost < least) {
+            least = cost;
+            target = enemy.id;
+        }
+    }
+}
+
+void Bot::startBreakAway(const Ship& self, Random& random)
+{
+    breakAwayLeft = random.between(0.8F, 1.6F);
+    const float x = random.between(-1.0F, 1.0F);
+    const float y = random.between(-0.6F, 0.6F);
+    const float z = random.between(-1.0F, 1.0F);
+    breakAwayDirection = noseOf(self.orientation) + Vector3(x, y, z);
+}
+
+/// A bot that has left the fight flies back well inside before it fights again. It fights an enemy on its
+/// way, unless it is very far out.
+void Bot::updateReturning(const Ship& self, const Vector3& centre, bool engaged)
+{
+    const float limit = returning ? fightRadius * returnShare : fightRadius;
+    const float distance = self.position.distance(centre);
+    returning = distance > limit && (!engaged || distance > 2.0F * fightRadius);
+}
+
+ShipInput Bot::attack(const Ship& self, const ShipView& enemy, const BotView& view, Random& random)
+{
+    const Vector3 offset = enemy.position - self.position;
+    const float distance = offset.length();
+    const float closingSpeed = (self.velocity - enemy.velocity).dotProduct(offset) / distance;
+    ShipInput input;
+    input.orientation = lookAlong(aimDirection(self, enemy, view.rules.shotSpeed)) * aimError;
+    input.controls = dodge | throttle(distance, closingSpeed);
+    const bool onTarget = noseOf(self.orientation).dotProduct(noseOf(input.orientation)) > fireCone;
+    if (onTarget && burstLeft > 0.0F && distance < fireRange) {
+        input.controls |= control::fire;
+    }
+    if (distance < tooClose) {
+        startBreakAway(self, random);
+    }
+    return input;
+}
+
+ShipInput Bot::flyTowards(const Vector3& direction) const
+{
+    return {lookAlong(direction), control::forward | dodge};
+}
+
+}  // namespace practice

@@ -1,0 +1,125 @@
+// The calls of OpenGL and SDL behind the picture.
+#include "GUIClient/drawGL.h"
+#include "scene/Billboard.h"
+#include "scene/Player.h"
+#include "scene/Projectile.h"
+#include "scene/TestCube.h"
+#include "tests/engine/FreshWorld.h"
+#include "tests/network/FixedClock.h"
+
+#include <limits>
+#include <regex>
+
+namespace {
+
+constexpr float quarterTurn = 1.5707964F;
+
+class Drawing : public FreshWorld
+{
+protected:
+    Drawing() { glRecorder.deliver(4, 0xFF0000, 40, 20); }
+
+    // The display's colours and texts, without the rest of the calls.
+    std::string display()
+    {
+        controller->hud();
+        return std::regex_replace(glRecorder.take("glColor3f|RenderText"),
+                                  std::regex("TTF_RenderText_Blended 255 255 255 |glColor3f "), "");
+    }
+
+    Player* addOwnShip()
+    {
+        auto* ship = new Player(0ULL, true, 100);
+        graph->attach(ship);
+        return ship;
+    }
+
+    FixedClock clock{1000};
+};
+
+}  // namespace
+
+TEST_F(Drawing, StartAndFrameMakeTheGoldenCalls)
+{
+    resources->models = {{"carrier.obj", 101}, {"fighter.obj", 102}, {"shot.obj", 103}};
+    VT.init();
+    controller->init();
+    EXPECT_EQ(glRecorder.take(), golden("engine/golden/start.txt"));
+
+    controller->hud();
+    timer.getTimeDiff();  // the frame takes no time, for the display and for the scene
+    Player* ship = addOwnShip();
+    ship->smoothPosition = {10.0F, 20.0F, 30.0F};
+    ship->velocity[0] = {3.0F, -4.0F, 0.0F};
+    ship->score = -7;
+    general->redTeamScore = 12;
+    ship->smoothOrientation = Quaternion::FromAxisAngle(quarterTurn, {0.0F, 1.0F, 0.0F});
+    graph->attach(new Projectile(8));
+    auto* explosion = new Billboard(9, {1.0F, 2.0F, 3.0F});
+    graph->attach(explosion);
+    explosion->scale(1.0F, 3.0F, 2.0F);
+    explosion->scale({2.0F, 1.0F, 2.0F});
+    explosion->translate(1.0F, 5.0F, 6.0F);
+    explosion->rotate(quarterTurn, {0.0F, 1.0F, 0.0F});
+    explosion->rotate(quarterTurn, {1.0F, 0.0F, 0.0F});  // acts first: +y goes to +z and on to +x
+    explosion->attach(new Transform(10));
+    glRecorder.take();
+    glRecorder.mouseX = 440;
+    drawGL();
+    EXPECT_EQ(glRecorder.take(), golden("engine/golden/frame.txt"));
+}
+
+TEST_F(Drawing, OnlyTheLastFramesRateIsShownWithoutAShip)
+{
+    graph->attach(new TestCube(0, true, true));  // found under 0, the id before the welcome
+    display();
+    EXPECT_EQ(display(), "fps: inf\n") << "within one millisecond";
+    clock.set(1050);
+    EXPECT_EQ(display(), "fps: 20.00\n");
+    clock.set(1066);
+    EXPECT_EQ(display(), "fps: 62.50\n") << "without the frames before";
+}
+
+TEST_F(Drawing, HealthBelowTwentyIsRedAndLongTextsAreCut)
+{
+    Player* ship = addOwnShip();
+    const std::tuple<float, std::string> cases[] = {{20.0F, "\n0 1 0\nhealth: 20.00%\n"},
+                                                    {19.99F, "\n1 0 0\nhealth: 19.99%\n"},
+                                                    {std::nanf(""), "\n0 1 0\nhealth: nan%\n"}};
+    for (const auto& [health, lines] : cases) {
+        ship->health = health;
+        EXPECT_NE(display().find(lines), std::string::npos) << lines;
+    }
+    const float largest = std::numeric_limits<float>::max();
+    ship->position = {-largest, largest, -largest};
+    const std::string lines = display();
+    const std::size_t start = lines.find("(-340282346638528859811704183484516925440.000000,340");
+    EXPECT_EQ(lines.size() - start, 100U) << "99 characters and the line's end";
+}
+
+TEST_F(Drawing, TheCameraTurnsAboutItsOwnAxes)
+{
+    // quarter turns: yaw, roll, pitch; a frame is drawn at each | and at the end
+    const std::tuple<std::string, Vector3, Vector3> cases[] = {
+        {"y", {1, 0, 0}, {0, 1, 0}},    {"r", {0, 0, 1}, {-1, 0, 0}},
+        {"p", {0, 1, 0}, {0, 0, -1}},   {"yp", {0, 1, 0}, {-1, 0, 0}},  // within a frame the pitch acts first
+        {"ry", {0, 1, 0}, {-1, 0, 0}},                                  // about the old up
+        {"y|r|", {1, 0, 0}, {0, 0, 1}},
+    };
+    for (const auto& [turns, direction, up] : cases) {
+        SCOPED_TRACE(turns);
+        Camera camera;
+        for (const char turn : turns + '|') {
+            camera.yaw(turn == 'y' ? quarterTurn : 0.0F);
+            camera.roll(turn == 'r' ? quarterTurn : 0.0F);
+            camera.pitch(turn == 'p' ? quarterTurn : 0.0F);
+            if (turn == '|') {
+                camera.setCamera();
+            }
+        }
+        expectNear(camera.direction, direction);
+        expectNear(camera.up, up);
+        expectNear(camera.getOrientation().rotate({0.0F, 0.0F, 1.0F}), direction);
+        expectNear(camera.getOrientation().rotate({0.0F, 1.0F, 0.0F}), up);
+    }
+}

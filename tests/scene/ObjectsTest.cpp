@@ -1,0 +1,130 @@
+// Game objects and starting points.
+#include "scene/Billboard.h"
+#include "scene/Player.h"
+#include "scene/Projectile.h"
+#include "scene/TestCube.h"
+#include "tests/engine/FreshWorld.h"
+
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <tuple>
+
+using GameObjects = FreshWorld;
+using StartingPoints = FreshWorld;
+
+TEST_F(GameObjects, LoadAheadAndACarrierNeverMoves)
+{
+    EXPECT_EQ(Player(1U, 2U, true, 100).id, 0x100000002ULL);
+    TestCube carrier(7, true, true);
+    EXPECT_EQ(resources->textures.count("texture-white.png"), 1U);
+    EXPECT_EQ(resources->textures.count("carrier-texture-white.png"), 1U);
+    EXPECT_EQ(resources->models.count("carrier.obj"), 1U);
+    Vector3 elsewhere(100.0F, 0.0F, 0.0F);
+    carrier.updateInfo(1000, elsewhere, carrier.orientation, true);
+    carrier.update(1.0F);
+    EXPECT_EQ(carrier.position, Vector3());
+}
+
+TEST_F(GameObjects, AShotLeavesAfterTwentySeconds)
+{
+    auto* shot = new Projectile(1ULL);
+    graph->attach(shot);
+    Vector3 start(3.0F, 0.0F, 0.0F);
+    shot->updateInfo(0, start, shot->orientation, true);
+    shot->currentVelocity = {8.0F, 0.0F, 0.0F};
+    graph->update(20.0F);
+    EXPECT_TRUE(graph->removeList.empty());
+    EXPECT_EQ(shot->position.x, 163.0F);
+    graph->update(0.25F);
+    EXPECT_EQ(graph->removeList.size(), 1U);
+    EXPECT_EQ(shot->position.x, 165.0F) << "moves in its last frame too";
+}
+
+TEST_F(GameObjects, AnExplosionFacesTheCameraForASecond)
+{
+    const Quaternion view = Quaternion::FromAxisAngle(1.0F, {0.0F, 1.0F, 0.0F});
+    controller->setCameraOrientation(view);
+    auto* explosion = new Billboard(1, {4.0F, 5.0F, 6.0F});
+    controller->setCameraOrientation(Quaternion());
+    graph->attach(explosion);
+    explosion->currentVelocity = {9.0F, 0.0F, 0.0F};
+    graph->update(0.5F);
+    graph->update(0.5F);
+    EXPECT_TRUE(graph->removeList.empty());
+    EXPECT_EQ(explosion->position, Vector3(4.0F, 5.0F, 6.0F));
+    EXPECT_EQ(explosion->orientation, view);
+    graph->update(0.001F);
+    EXPECT_EQ(graph->removeList.size(), 1U);
+
+    // with an orientation: i * (cos 90 + j sin 90), the angle in radians, and normalised
+    expectNear(Billboard(3, {}, {0, 2, 0, 0}).orientation, {0, -0.4480736F, 0, 0.8939967F});
+}
+
+TEST_F(GameObjects, TheFactoryMakesExplosionsOnly)
+{
+    for (const long long id : {2LL, 3LL, static_cast<long long>(INT_MIN)}) {
+        Transform* made = factory->create(SGT_BILLBOARD);
+        EXPECT_EQ(made->type, SGT_BILLBOARD);
+        factory->ship(made);
+        EXPECT_EQ(graph->getOBjectById(id), made);
+        factory->nextId = id == 3 ? INT_MAX : factory->nextId;  // the next id wraps
+    }
+    EXPECT_EQ(printedBy([&] { EXPECT_EQ(factory->create(SGT_PROJECTILE), nullptr); }),
+              "Error creating type of 1");
+}
+
+TEST_F(StartingPoints, TheGridGrowsWithTheNumberOfPlayers)
+{
+    const Vector3 centre(1.0F, 2.0F, 3.0F), box(500.0F, 200.0F, 200.0F);
+    const std::tuple<std::size_t, int, Vector3> cases[] = {
+        {0, 5, {-250, -100, -100}},            // one cell
+        {25, 29, {150, 33.33333F, 0}},         // five columns, three rows, two layers: the last cell
+        {25, 30, {-250, -100, -100}},          // and the first again
+        {100, -1, {-305.55556F, -100, -100}},  // nine by three by three, a signed remainder
+    };
+    for (const auto& [players, slot, point] : cases) {
+        expectNear(General::gridPoint(centre, box, slot, players), point + centre);
+    }
+    // 65,537 by 65,537 cells in one layer are more than an int counts
+    expectNear(General::gridPoint({}, {1.0F, 1.0F, 3.55264e-15F}, 140000, 1),
+               {-0.363802F, -0.4999695F, 0.0F});
+}
+
+TEST_F(StartingPoints, TheTeamsTakeAlternateSlotsOfTheGrid)
+{
+    general->mode = General::GRID;
+    for (unsigned int id = 1; id <= 25; ++id) {
+        graph->attach(new Player(id, true, 100));
+    }
+    expectNear(general->redStart(), {50.0F, -100.0F, -100.0F});       // slot 3
+    expectNear(general->blueStart(), {-50.0F, -100.0F, -100.0F});     // slot 2
+    expectNear(general->blueStart(), {150.0F, -100.0F, -100.0F});     // slot 4
+    expectNear(general->redStart(), {-250.0F, -33.33333F, -100.0F});  // slot 5
+}
+
+TEST_F(StartingPoints, RandomPointsLieInTheTeamsBoxes)
+{
+    general->mode = General::RANDOM;
+    for (int i = 0; i < 500; ++i) {
+        const Vector3 blue = general->blueStart() - General::blueBase;
+        const Vector3 red = general->redStart() - General::redBase;
+        EXPECT_FALSE(blue.y == red.y && blue.z == red.z) << "seeded anew within a second";
+        for (const Vector3& point : {blue, red}) {
+            EXPECT_TRUE(Vector3(-0.5001F, -50.001F, -50.001F) < point);
+            EXPECT_TRUE(point < Vector3(0.5001F, 50.001F, 50.001F));
+        }
+    }
+}
+
+TEST_F(StartingPoints, ASeedGivesTheSamePointEachTime)
+{
+    std::srand(7);
+    const float x = 5.0F - static_cast<float>(std::rand() % 400) / 100.0F + 2.0F;
+    std::rand();  // a side without any depth draws like the others
+    const float z = -static_cast<float>(std::rand() % 20000) / 100.0F + 100.0F;
+    general->seeded = true;  // a seed of its own counts none the less
+    for (int i = 0; i < 2; ++i) {
+        expectNear(general->getStartingPointWithin({5, 2, 0}, {4, 0, 200}, true, 7), {x, 2.0F, z});
+    }
+}
