@@ -20,9 +20,8 @@ using peer::Clock;
 constexpr std::chrono::seconds warmUp = 3s;
 constexpr std::chrono::milliseconds steeringPeriod = 50ms;
 constexpr unsigned steeringsPerCourse = 20;
-constexpr double leastSnapshotRate =
-    19.5;                             ///< a second; the ends of the measured time may cut a snapshot off
-constexpr std::uint32_t forward = 1;  ///< control bits
+constexpr double leastSnapshotRate = 19.5;  ///< a second; both ends of the measured time may cut one off
+constexpr std::uint32_t forward = 1;        ///< control bits
 constexpr std::uint32_t fire = 0x40000000;
 
 /// Takes a course by chance once a second, and fires on about half of the courses.
@@ -30,6 +29,7 @@ struct Pilot
 {
     Pilot(boost::asio::io_context& io, std::uint16_t port, unsigned number) : client(io, port), random(number)
     {
+        nextSteering += steeringPeriod * (number % 16) / 16;  // so that not all steer at the same moment
     }
 
     void steer()
