@@ -17,7 +17,7 @@ class MeasurementLog
 {
 public:
     /// Throws std::runtime_error unless `file` is, or can become, a regular file that we may append to. Logs
-    /// once that a row did not make the file longer, as on a full disk.
+    /// once that a row did not make the file longer, as on a full disk. `match` must outlive the log.
     MeasurementLog(boost::asio::io_context& io, const Match& match, const std::string& file,
                    LogOnce::Log log);
 
