@@ -74,3 +74,23 @@ function(vantor_program target)
   target_link_libraries(${target} PRIVATE ${ARG_LIBRARIES})
   set_target_properties(${target} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${VANTOR_PROGRAMS})
 endfunction()
+
+# vantor_messages(<target> <schema>): a static library of the message classes generated from <schema>.proto.
+function(vantor_messages target schema)
+  set(generated ${PROJECT_BINARY_DIR}/generated)
+  cmake_path(GET schema PARENT_PATH folder)
+  file(MAKE_DIRECTORY ${generated}/${folder})
+  add_custom_command(
+    OUTPUT ${generated}/${schema}.pb.cc ${generated}/${schema}.pb.h
+    COMMAND protobuf::protoc --proto_path=${PROJECT_SOURCE_DIR} --cpp_out=${generated}
+            ${PROJECT_SOURCE_DIR}/${schema}.proto
+    DEPENDS ${PROJECT_SOURCE_DIR}/${schema}.proto
+    COMMENT "Generating ${schema}.pb.h"
+    VERBATIM)
+  add_library(${target} STATIC ${generated}/${schema}.pb.cc ${generated}/${schema}.pb.h)
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  target_include_directories(${target} SYSTEM PUBLIC ${generated})
+  target_compile_options(${target} PRIVATE -w)  # not our code: whatever the warnings, they are not ours to mend
+  vantor_harden(${target})
+  target_link_libraries(${target} PUBLIC protobuf::libprotobuf)
+endfunction()

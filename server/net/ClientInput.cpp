@@ -1,4 +1,4 @@
-#include "server/net/ClientFrame.h"
+#include "server/net/ClientInput.h"
 
 #include "network/MessageTypes.h"
 #include "network/Messages.h"
@@ -13,8 +13,7 @@ namespace {
 constexpr std::uint32_t knownControls = control::forward | control::backward | control::right |
                                         control::left | control::up | control::down | control::fire;
 
-/// A camera's orientation has length 1 but for rounding; anything near zero or beyond reason is no
-/// orientation.
+/// A client sends length 1, but for rounding. Lengths far from it cannot be normalised safely.
 bool isOrientation(const Quaternion& q)
 {
     const float length = q.length();
@@ -22,6 +21,35 @@ bool isOrientation(const Quaternion& q)
 }
 
 }  // namespace
+
+bool cutStream(std::string& stream, const FrameHandler& handle)
+{
+    std::size_t used = 0;
+    framing::ClientFrame frame;
+    framing::Cut result = framing::Cut::frame;
+    while ((result = framing::cutClientFrame(stream.data() + used, stream.size() - used, frame)) ==
+           framing::Cut::frame) {
+        handle(frame);
+        used += frame.size();
+    }
+    stream.erase(0, used);
+    return result != framing::Cut::broken;
+}
+
+bool cutDatagram(const char* data, std::size_t size, std::uint16_t qport, const FrameHandler& handle)
+{
+    framing::ClientFrame frame;
+    for (std::size_t used = 0; used < size; used += frame.size()) {
+        if (framing::cutClientFrame(data + used, size - used, frame) != framing::Cut::frame) {
+            return false;
+        }
+        if (frame.qport != qport) {
+            return true;
+        }
+        handle(frame);
+    }
+    return true;
+}
 
 FrameMeaning readSteering(const framing::ClientFrame& frame, ShipInput& input)
 {
