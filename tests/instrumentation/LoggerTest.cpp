@@ -48,6 +48,10 @@ TEST(MeasurementLog, RatesNeedMoreThanASecond)
         EXPECT_FLOAT_EQ(logger.messageRate[Logger::UDP_RECEIVED], messages) << after;
         EXPECT_EQ(logger.packetRate[Logger::UDP_RECEIVED], 0.0F);
     }
+    logger.countMessage(Logger::UDP_RECEIVED);
+    clock.set(start + 5001);
+    logger.calcPrS();
+    EXPECT_EQ(logger.messageRate[Logger::UDP_RECEIVED], 0.5F) << "over the last two seconds alone";
 }
 
 TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
