@@ -1,10 +1,15 @@
 #include "relay/Recording.h"
 
-#include <algorithm>
+#include "network/Framing.h"
+#include "relay/Recording.pb.h"
+
+#include <google/protobuf/io/coded_stream.h>
+#include <google/protobuf/io/zero_copy_stream_impl.h>
+#include <google/protobuf/util/delimited_message_util.h>
+
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -12,156 +17,140 @@ namespace relay {
 
 namespace {
 
-const std::string header = std::string("VTRELAY\x01", 8);
-constexpr std::size_t chunkHeaderSize = 19;
+namespace io = google::protobuf::io;
+
+constexpr const char* format = "vantor-relay recording";
+constexpr std::uint32_t version = 2;
+constexpr std::size_t largestMessage = largestChunk + 64;  ///< the other fields take less than 64 bytes
+constexpr std::uint64_t longestRecording = 365ULL * 24 * 3600 * 1'000'000;  ///< µs; sums cannot overflow
 
 std::runtime_error systemError(const std::string& what, const std::string& path)
 {
     return std::runtime_error("cannot " + what + " " + path + ": " + std::strerror(errno));
 }
 
-void appendNumber(std::string& out, std::uint64_t value, unsigned bytes)
+enum class Read : std::uint8_t
 {
-    for (unsigned i = 0; i < bytes; ++i) {
-        out.push_back(static_cast<char>(value >> (8 * i) & 0xFFU));
-    }
-}
-
-std::uint64_t numberAt(const char* data, unsigned bytes)
-{
-    std::uint64_t value = 0;
-    for (unsigned i = 0; i < bytes; ++i) {
-        value |= std::uint64_t(static_cast<unsigned char>(data[i])) << (8 * i);
-    }
-    return value;
-}
-
-/// What is left of the file, or so many bytes of it.
-std::string readUpTo(std::size_t most, std::FILE* file)
-{
-    std::string bytes;
-    for (std::size_t got = 1; got > 0 && bytes.size() < most;) {
-        const std::size_t size = bytes.size();
-        bytes.resize(size + std::min(most - size, largestChunk));
-        got = std::fread(&bytes[size], 1, bytes.size() - size, file);
-        bytes.resize(size + got);
-    }
-    return bytes;
-}
-
-/// All of a recording but its header, which is checked before any more is read.
-std::string chunksOf(const std::string& path)
-{
-    std::error_code unknown;  // what cannot be looked at cannot be opened either, and that says why
-    const std::filesystem::file_status status = std::filesystem::status(path, unknown);
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-        throw std::runtime_error(path + " is no regular file");
-    }
-    const FilePtr file(std::fopen(path.c_str(), "rbe"));
-    if (file == nullptr) {
-        throw systemError("read", path);
-    }
-    if (readUpTo(header.size(), file.get()) != header) {
-        throw std::runtime_error(path + " is no recording of this version");
-    }
-    std::string chunks = readUpTo(std::string::npos, file.get());
-    if (std::ferror(file.get()) != 0) {
-        throw systemError("read", path);
-    }
-    return chunks;
-}
-
-/// Takes the chunks of a file one by one; what the file says is believed only after a check.
-class Reader
-{
-public:
-    explicit Reader(const std::string& path_) : path(path_), file(chunksOf(path_)) {}
-
-    /// Nothing at the end, and where a chunk is not whole.
-    std::optional<Chunk> next()
-    {
-        const char* const at = file.data() + offset;
-        if (file.size() - offset < chunkHeaderSize) {
-            return std::nullopt;
-        }
-        const std::size_t size = numberAt(at + 15, 4);
-        Chunk chunk = headerOf(at, size);
-        if (file.size() - offset - chunkHeaderSize < size) {
-            return std::nullopt;
-        }
-        chunk.bytes.assign(at + chunkHeaderSize, size);
-        offset += chunkHeaderSize + size;
-        return chunk;
-    }
-    std::size_t left() const { return file.size() - offset; }
-    std::string place() const { return " at offset " + std::to_string(header.size() + offset); }
-
-private:
-    std::string path;
-    std::string file;
-    std::size_t offset = 0;
-    std::uint64_t lastTime = 0;
-
-    Chunk headerOf(const char* at, std::size_t size)
-    {
-        constexpr std::uint64_t longest = 365ULL * 24 * 3600 * 1'000'000;  // no sum of such times overflows
-        const std::uint64_t time = numberAt(at, 8);
-        const auto transport = static_cast<unsigned char>(at[12]);
-        const auto direction = static_cast<unsigned char>(at[13]);
-        const auto kind = static_cast<unsigned char>(at[14]);
-        if (time < lastTime || time > longest || transport > 1 || direction > 1 || kind > 2 ||
-            size > (kind == 0 ? largestChunk : 0)) {
-            throw std::runtime_error(path + " is garbled" + place());
-        }
-        lastTime = time;
-        const Flow flow = {Transport(transport), static_cast<std::uint32_t>(numberAt(at + 8, 4)),
-                           Direction(direction)};
-        return {Duration(static_cast<Duration::rep>(time)), flow, Chunk::Kind(kind), {}};
-    }
+    message,
+    endOfFile,
+    incomplete,  ///< the file ends within the message
+    garbled
 };
+
+/// Reads one message. Checks its length before anything is read or reserved.
+Read readMessage(io::ZeroCopyInputStream& file, google::protobuf::Message& message)
+{
+    io::CodedInputStream input(&file);
+    const void* unused = nullptr;
+    int left = 0;
+    if (!input.GetDirectBufferPointer(&unused, &left)) {
+        return Read::endOfFile;
+    }
+    std::uint64_t size = 0;
+    if (!input.ReadVarint64(&size)) {
+        return input.GetDirectBufferPointer(&unused, &left) ? Read::garbled : Read::incomplete;
+    }
+    if (size > largestMessage) {
+        return Read::garbled;
+    }
+    std::string bytes;
+    if (!input.ReadString(&bytes, static_cast<int>(size))) {
+        return Read::incomplete;
+    }
+    return framing::parseBody(message, bytes.data(), bytes.size()) ? Read::message : Read::garbled;
+}
+
+/// The parser has refused unknown enumerators: their fields would be missing.
+bool isValid(const recording::Chunk& chunk, Duration previous)
+{
+    const bool mayHaveBytes = chunk.kind() == recording::Chunk::BYTES;
+    return chunk.microseconds() >= static_cast<std::uint64_t>(previous.count()) &&
+           chunk.microseconds() <= longestRecording &&
+           chunk.bytes().size() <= (mayHaveBytes ? largestChunk : 0);
+}
+
+Read readChunk(io::ZeroCopyInputStream& file, Duration previous, Chunk& chunk)
+{
+    recording::Chunk message;
+    const Read result = readMessage(file, message);
+    if (result != Read::message) {
+        return result;
+    }
+    if (!isValid(message, previous)) {
+        return Read::garbled;
+    }
+    chunk = {Duration(static_cast<Duration::rep>(message.microseconds())),
+             {Transport(message.transport()), message.number(), Direction(message.direction())},
+             Chunk::Kind(message.kind()),
+             std::move(*message.mutable_bytes())};
+    return Read::message;
+}
 
 }  // namespace
 
-RecordingWriter::RecordingWriter(const std::string& path_)
-    : path(path_), file(std::fopen(path_.c_str(), "wbe"))
+RecordingWriter::RecordingWriter(const std::string& path_) : path(path_), file(path_, std::ios::binary)
 {
-    if (file == nullptr) {
-        throw systemError("record into", path);
-    }
+    recording::Header header;
+    header.set_format(format);
+    header.set_version(version);
     put(header);
 }
 
 void RecordingWriter::write(const Flow& flow, Chunk::Kind kind, const char* data, std::size_t size)
 {
     const auto elapsed = std::chrono::duration_cast<Duration>(Clock::now() - start);
-    std::string bytes;
-    appendNumber(bytes, static_cast<std::uint64_t>(elapsed.count()), 8);
-    appendNumber(bytes, flow.number, 4);
-    appendNumber(bytes, static_cast<std::uint8_t>(flow.transport), 1);
-    appendNumber(bytes, static_cast<std::uint8_t>(flow.direction), 1);
-    appendNumber(bytes, static_cast<std::uint8_t>(kind), 1);
-    appendNumber(bytes, size, 4);
-    bytes.append(data == nullptr ? "" : data, size);
-    put(bytes);
+    recording::Chunk chunk;
+    chunk.set_microseconds(static_cast<std::uint64_t>(elapsed.count()));
+    chunk.set_transport(recording::Chunk::Transport(flow.transport));
+    chunk.set_number(flow.number);
+    chunk.set_direction(recording::Chunk::Direction(flow.direction));
+    chunk.set_kind(recording::Chunk::Kind(kind));
+    if (size > 0) {
+        chunk.set_bytes(data, size);
+    }
+    put(chunk);
 }
 
-void RecordingWriter::put(const std::string& bytes)
+void RecordingWriter::put(const google::protobuf::Message& message)
 {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size() ||
-        std::fflush(file.get()) != 0) {
+    if (!google::protobuf::util::SerializeDelimitedToOstream(message, &file) || !file.flush()) {
         throw systemError("record into", path);
     }
 }
 
 std::vector<Chunk> readRecording(const std::string& path, const Warn& warn)
 {
-    Reader reader(path);
-    std::vector<Chunk> chunks;
-    while (std::optional<Chunk> chunk = reader.next()) {
-        chunks.push_back(std::move(*chunk));
+    std::error_code unknown;  // opening fails as well then, and that error is reported
+    const std::filesystem::file_status status = std::filesystem::status(path, unknown);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        throw std::runtime_error(path + " is no regular file");
     }
-    if (reader.left() > 0) {
-        warn(path + " breaks off within a chunk" + reader.place() + "; all before it is used");
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        throw systemError("read", path);
+    }
+    io::IstreamInputStream stream(&file);
+    recording::Header header;
+    if (readMessage(stream, header) != Read::message || header.format() != format ||
+        header.version() != version) {
+        throw std::runtime_error(path + " is no recording of this version");
+    }
+    std::vector<Chunk> chunks;
+    Duration previous{0};
+    Read result = Read::message;
+    for (Chunk chunk; (result = readChunk(stream, previous, chunk)) == Read::message;) {
+        previous = chunk.at;
+        chunks.push_back(std::move(chunk));
+    }
+    const std::string place = "chunk " + std::to_string(chunks.size() + 1);
+    if (file.bad()) {
+        throw systemError("read", path);
+    }
+    if (result == Read::garbled) {
+        throw std::runtime_error(path + " is garbled at " + place);
+    }
+    if (result == Read::incomplete) {
+        warn(path + " breaks off within " + place + "; all before it is used");
     }
     return chunks;
 }

@@ -1,25 +1,27 @@
 #pragma once
 
-#include "relay/Impairment.h"
+#include "relay/BadNetwork.h"
 
 #include <cstddef>
-#include <cstdint>
-#include <cstdio>
+#include <fstream>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
+namespace google::protobuf {
+class Message;
+}
+
 namespace relay {
 
-/// Something that one side said, or did.
+/// Something that one side sent or did.
 struct Chunk
 {
     enum class Kind : std::uint8_t
     {
         bytes,  ///< a piece of the stream, or one whole datagram
         opened,
-        closed  ///< the side that `flow.direction` comes from says no more
+        closed  ///< the side that `flow.direction` comes from sends no more
     };
 
     Duration at;  ///< since the recording began; never less than the chunk before it
@@ -30,27 +32,10 @@ struct Chunk
 
 constexpr std::size_t largestChunk = 65536;  ///< more than any datagram holds
 
-struct FileCloser
-{
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
-
-/// Writes chunks into a file as they come, as the relay received them: before any fault.
+/// Writes chunks into a file as they come. Recording.proto describes the file.
 ///
-/// The file, little-endian: the eight bytes "VTRELAY" and the version, 1; then for each chunk
-///
-///     offset  size
-///     0       8     microseconds since the recording began
-///     8       4     number of the connection or flow, from 1
-///     12      1     transport: 0 stream, 1 datagrams
-///     13      1     direction: 0 to the server, 1 to the client
-///     14      1     kind: 0 bytes, 1 opened, 2 closed
-///     15      4     how many bytes follow, at most 65,536; 0 for opened and closed
-///     19      ...   the bytes
-///
-/// Each chunk is with the system when `write` returns. A relay that is killed, or a full disk, leaves whole
-/// chunks and perhaps the beginning of one more.
+/// The system has each chunk when `write` returns. A killed relay or a full disk leaves whole chunks and
+/// perhaps the beginning of one more.
 class RecordingWriter
 {
 public:
@@ -61,17 +46,16 @@ public:
 
 private:
     std::string path;
-    FilePtr file;
+    std::ofstream file;
     Time start = Clock::now();
 
-    void put(const std::string& bytes);
+    void put(const google::protobuf::Message& message);
 };
 
 using Warn = std::function<void(const std::string& line)>;
 
-/// Reads a whole recording; warns where it breaks off within its last chunk, which is left out. Throws
-/// std::runtime_error, with one line that names the file, where it is none, and also the offset where it is
-/// garbled.
+/// Reads a whole recording. Leaves out a last chunk that is not complete, with a warning. Throws
+/// std::runtime_error with one line that names the file, and the chunk where one is garbled.
 std::vector<Chunk> readRecording(const std::string& path, const Warn& warn);
 
 }  // namespace relay

@@ -1,5 +1,8 @@
 #include "relay/Relay.h"
 
+#include "relay/TcpLink.h"
+#include "relay/UdpFlow.h"
+
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -22,41 +25,38 @@ tcp::endpoint resolve(boost::asio::io_context& io, const RelayConfig& config)
     }
 }
 
-/// Whether a connection to there comes in at such a door of ours, which is 127.0.0.1's.
-bool leadsTo(const Listener& door, const tcp::endpoint& server)
+/// Whether a connection to `server` reaches `port` of 127.0.0.1.
+bool leadsTo(std::uint16_t port, const tcp::endpoint& server)
 {
     namespace ip = boost::asio::ip;
     const ip::address& to = server.address();
     const bool isMapped = to.is_v6() && to.to_v6().is_v4_mapped();
     const ip::address plain = isMapped ? ip::make_address_v4(ip::v4_mapped, to.to_v6()) : to;
     const bool isHere = plain == ip::address_v4::loopback() || plain == ip::address_v4::any();
-    return isHere && server.port() == door.port();
+    return isHere && server.port() == port;
 }
 
 }  // namespace
 
 Relay::Relay(boost::asio::io_context& io, const RelayConfig& config_)
-    : config(config_), server(resolve(io, config_)), door(io, config_.port, config_.log)
+    : Listener(io, config_.port, config_.log),
+      config(config_),
+      server(resolve(io, config_)),
+      linksRefused(config_.log),
+      flowsRefused(config_.log)
 {
-    if (leadsTo(door, server)) {
+    if (leadsTo(port(), server)) {
         throw std::runtime_error("the server cannot be the relay itself, which has port " +
-                                 std::to_string(door.port()));
+                                 std::to_string(port()));
     }
-}
-
-void Relay::start()
-{
-    door.open([this](tcp::socket socket) { handleConnection(std::move(socket)); },
-              [this](const UdpFlow::Endpoint& client, const char* data, std::size_t size) {
-                  if (const auto flow = flowOf(client)) {
-                      flow->fromClient(data, size);
-                  }
-              });
+    if (!config.recordPath.empty()) {  // only now: an error above must not replace an older recording
+        config.recording = std::make_shared<RecordingWriter>(config.recordPath);
+    }
 }
 
 void Relay::stop()
 {
-    door.close();
+    Listener::stop();
     for (const auto& [number, link] : links) {
         link->close();
     }
@@ -67,18 +67,13 @@ void Relay::stop()
     flows.clear();
 }
 
-void Relay::handleConnection(tcp::socket socket)
+void Relay::handleConnection(TcpSocket socket)
 {
-    if (links.size() < mostLinks) {
-        linksRefused.over();
-        addLink(std::move(socket));
-    } else {
-        linksRefused.say("turning away connections: " + std::to_string(mostLinks) + " are open");
+    if (links.size() >= mostLinks) {
+        linksRefused.log("turning away connections: " + std::to_string(mostLinks) + " are open");
+        return;
     }
-}
-
-void Relay::addLink(tcp::socket socket)
-{
+    linksRefused.clear();
     const std::uint32_t number = ++linkCount;
     const std::string name = "connection " + std::to_string(number);
     config.log(name + ": opened");
@@ -90,8 +85,15 @@ void Relay::addLink(tcp::socket socket)
     });
 }
 
-/// None where there are too many.
-std::shared_ptr<UdpFlow> Relay::flowOf(const UdpFlow::Endpoint& client)
+void Relay::handleDatagram(const Endpoint& client, const char* data, std::size_t size)
+{
+    if (const auto flow = flowOf(client)) {
+        flow->handleClientDatagram(data, size);
+    }
+}
+
+/// None where there are too many, or no socket is left.
+std::shared_ptr<UdpFlow> Relay::flowOf(const Endpoint& client)
 {
     if (const auto known = flows.find(client); known != flows.end()) {
         return known->second;
@@ -99,34 +101,27 @@ std::shared_ptr<UdpFlow> Relay::flowOf(const UdpFlow::Endpoint& client)
     if (flows.size() >= mostFlows) {
         dropIdleFlows();
     }
-    if (flows.size() < mostFlows) {
-        return addFlow(client);
+    if (flows.size() >= mostFlows) {
+        flowsRefused.log("ignoring new senders of datagrams: " + std::to_string(mostFlows) + " are active");
+        return nullptr;
     }
-    flowsRefused.say("ignoring new senders of datagrams: " + std::to_string(mostFlows) + " are active");
-    return nullptr;
-}
-
-std::shared_ptr<UdpFlow> Relay::addFlow(const UdpFlow::Endpoint& client)
-{
-    const UdpFlow::Endpoint serverAddress(server.address(), server.port());
     try {
-        auto flow = std::make_shared<UdpFlow>(door.udp(), client, serverAddress, flowCount + 1, config);
+        const Endpoint serverAddress(server.address(), server.port());
+        const auto flow = std::make_shared<UdpFlow>(udp(), client, serverAddress, flowCount + 1, config);
         ++flowCount;
-        flow->start();
-        flows[client] = flow;
-        flowsRefused.over();
-        return flow;
+        flow->receive();
+        flowsRefused.clear();
+        return flows[client] = flow;
     } catch (const boost::system::system_error& error) {
-        flowsRefused.say("ignoring new senders of datagrams: " + error.code().message());
+        flowsRefused.log("ignoring new senders of datagrams: " + error.code().message());
         return nullptr;
     }
 }
 
 void Relay::dropIdleFlows()
 {
-    const Time oldest = Clock::now() - idleLimit;
     for (auto flow = flows.begin(); flow != flows.end();) {
-        if (flow->second->lastHeard() < oldest) {
+        if (flow->second->isIdleFor(idleLimit)) {
             flow->second->close();
             flow = flows.erase(flow);
         } else {

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "relay/DelayQueue.h"
 #include "relay/RelayConfig.h"
+#include "relay/WhileOpen.h"
 #include "service/LogOnce.h"
 
 #include <boost/asio/ip/udp.hpp>
 #include <boost/asio/steady_timer.hpp>
 
-#include <cstdint>
-#include <memory>
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -16,51 +15,137 @@ namespace relay {
 
 /// The datagrams between one client address and the server.
 ///
-/// The server sees a socket of the flow's own, so it tells clients apart by address as ever. Answers leave
-/// from the socket that the client sent to. Lives on that socket's single-threaded executor.
-class UdpFlow : public std::enable_shared_from_this<UdpFlow>
+/// The flow has a socket of its own towards the server, so the server still tells clients apart by address.
+/// Answers leave from the socket that the client sent to. Lives on that socket's single-threaded executor.
+class UdpFlow : public WhileOpen<UdpFlow>
 {
 public:
+    using Socket = boost::asio::ip::udp::socket;
     using Endpoint = boost::asio::ip::udp::endpoint;
+    using Error = boost::system::error_code;
 
     /// `listening` and the config outlive the flow. Throws boost::system::system_error without a socket.
-    UdpFlow(boost::asio::ip::udp::socket& listening, const Endpoint& client, const Endpoint& server,
-            std::uint32_t number, const RelayConfig& config);
+    UdpFlow(Socket& listening_, const Endpoint& client_, const Endpoint& server, std::uint32_t number,
+            const RelayConfig& config_)
+        : listening(listening_),
+          upstream(listening_.get_executor()),
+          client(client_),
+          config(config_),
+          up({Transport::datagrams, number, Direction::toServer}, config_),
+          down({Transport::datagrams, number, Direction::toClient}, config_),
+          receiveError(config_.log),
+          timer(listening_.get_executor()),
+          cutTime(config_.cutTime()),
+          received(largestChunk)
+    {
+        upstream.connect(server);
+        upstream.non_blocking(true);
+        config.record(up.flow, Chunk::Kind::opened);
+    }
 
-    /// Starts to take what the server says.
-    void start() { receive(); }
-    void fromClient(const char* data, std::size_t size);
-    Time lastHeard() const { return heardAt; }
+    /// Receives from the server. Errors do not end the flow: a stopped server refuses datagrams until it is
+    /// back.
+    void receive()
+    {
+        upstream.async_receive(boost::asio::buffer(received),
+                               whileOpen([this](const Error& error, std::size_t bytes) {
+                                   if (!error) {
+                                       receiveError.clear();
+                                       push(down, received.data(), bytes);
+                                   } else if (error != boost::asio::error::connection_refused) {
+                                       receiveError.log(line(error.message()));
+                                   }
+                                   if (isOpen()) {
+                                       receive();
+                                   }
+                               }));
+    }
+
+    void handleClientDatagram(const char* data, std::size_t size)
+    {
+        lastReceived = Clock::now();
+        if (isOpen()) {
+            push(up, data, size);
+        }
+    }
+
+    /// Whether the client has sent nothing for so long.
+    bool isIdleFor(Duration limit) const { return lastReceived < Clock::now() - limit; }
+
     /// Passes nothing any more.
-    void close();
+    void close()
+    {
+        Error ignored;  // closing is all we can do
+        timer.cancel(ignored);
+        upstream.close(ignored);
+    }
+
+    bool isOpen() const { return upstream.is_open(); }
 
 private:
     /// What is under way in one direction.
-    struct Way
+    struct Pipe
     {
+        Pipe(const Flow& flow_, const RelayConfig& config)
+            : flow(flow_), queue(Impairment(config.conditions, config.seed, flow_)), overflow(config.log)
+        {
+        }
+
         Flow flow;
-        DelayQueue line;
-        LogOnce overfull;
+        DelayQueue queue;
+        LogOnce overflow;
     };
 
-    boost::asio::ip::udp::socket& listening;
-    boost::asio::ip::udp::socket upstream;
+    Socket& listening;
+    Socket upstream;
     Endpoint client;
     const RelayConfig& config;
-    Way up, down;
-    LogOnce trouble;  ///< with hearing from the server
+    Pipe up, down;
+    LogOnce receiveError;
     boost::asio::steady_timer timer;
-    Time heardAt = Clock::now();
-    Time cutAt = Time::max();
-    bool closed = false;
+    Time lastReceived = Clock::now();
+    Time cutTime;
     std::vector<char> received;
 
-    void receive();
-    void handleReceive(const boost::system::error_code& error, std::size_t bytes);
-    void say(LogOnce& complaint, const std::string& what);
-    void take(Way& way, const char* data, std::size_t size);
-    void deliver();
-    void schedule();
+    std::string line(const std::string& text) const
+    {
+        return "datagrams " + std::to_string(up.flow.number) + ": " + text;
+    }
+
+    void push(Pipe& pipe, const char* data, std::size_t size)
+    {
+        const Time now = Clock::now();
+        if (now >= cutTime) {
+            config.log(line("cut"));
+            close();
+            return;
+        }
+        config.record(pipe.flow, Chunk::Kind::bytes, data, size);
+        if (pipe.queue.push(now, std::string(data, size))) {
+            pipe.overflow.clear();
+        } else {
+            pipe.overflow.log(line("too many are under way, some are lost"));
+        }
+        deliver();
+    }
+
+    /// What a socket does not take at once is lost, as on any full link.
+    void deliver()
+    {
+        Error ignored;
+        while (const auto datagram = up.queue.pop(Clock::now())) {
+            upstream.send(boost::asio::buffer(*datagram), 0, ignored);
+        }
+        while (const auto datagram = down.queue.pop(Clock::now())) {
+            listening.send_to(boost::asio::buffer(*datagram), client, 0, ignored);
+        }
+        timer.expires_at(std::min(up.queue.nextDue(), down.queue.nextDue()));
+        timer.async_wait(whileOpen([this](const Error& cancelled) {
+            if (!cancelled) {
+                deliver();
+            }
+        }));
+    }
 };
 
 }  // namespace relay

@@ -1,29 +1,23 @@
 #include "Common/PrintableText.h"
 #include "relay/Relay.h"
-#include "relay/RelayOptions.h"
-#include "relay/Replayer.h"
-#include "service/LegacyCommandLine.h"
+#include "relay/Replay.h"
 #include "service/StatusLine.h"
 
 #include <boost/asio/signal_set.hpp>
 
 #include <csignal>
 #include <cstdio>
-#include <optional>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace {
 
-void tell(const std::string& line)
+void report(const std::string& line)
 {
     std::fprintf(stderr, "vantor-relay: %s\n", printable(line).c_str());
 }
 
 /// Runs a relay or a replayer until a signal asks for the end.
-template <class Service>
-int serve(boost::asio::io_context& io, Service& service, const std::string& role)
+int serve(boost::asio::io_context& io, relay::Listener& service, const std::string& role)
 {
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
     signals.async_wait([&service](const boost::system::error_code&, int) { service.stop(); });
@@ -34,54 +28,36 @@ int serve(boost::asio::io_context& io, Service& service, const std::string& role
     return 0;
 }
 
-int passOn(const relay::RelayOptions& options)
+int passOn(const relay::RelayConfig& config)
 {
-    relay::RelayConfig config = options.config;
-    config.log = writeStatusLine;
-    std::optional<relay::RecordingWriter> recording;
     boost::asio::io_context io(1);
     relay::Relay relay(io, config);
-    if (!options.recordPath.empty()) {  // only now: without a port no older recording is overwritten
-        recording.emplace(options.recordPath);
-        relay.recordInto(*recording);
-    }
-    return serve(io, relay,
-                 "to " + config.serverHost + ":" + config.serverPort + ", " + relay::describe(config));
+    return serve(io, relay, "to " + config.serverHost + ":" + config.serverPort + ", " + describe(config));
 }
 
-relay::ServerTrack scriptIn(const std::string& path)
-{
-    const std::vector<relay::Chunk> recording = relay::readRecording(path, tell);
-    try {
-        return relay::serverSide(recording);
-    } catch (const std::runtime_error& error) {
-        throw std::runtime_error(path + ": " + error.what());
-    }
-}
-
-int replay(const relay::RelayOptions& options)
+int replay(const relay::RelayConfig& config)
 {
     boost::asio::io_context io(1);
-    relay::Replayer replayer(io, options.config.port, scriptIn(options.replayPath), options.replaySpeed,
-                             writeStatusLine);
-    return serve(io, replayer, "replaying " + printable(options.replayPath));
+    relay::Replayer replayer(io, config.port, relay::readServerTrack(config.replayPath, report),
+                             config.replaySpeed, config.log);
+    return serve(io, replayer, "replaying " + printable(config.replayPath));
 }
 
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    std::signal(SIGPIPE, SIG_IGN);  // a reader that is gone must not end the line
+    std::signal(SIGPIPE, SIG_IGN);  // a reader of our output that left must not end the relay
     std::signal(SIGXFSZ, SIG_IGN);  // a recording at the limit is an error, with a message
     try {
-        const auto parsed = relay::readRelayOptions(argc, argv);
-        if (const auto* end = std::get_if<commandline::End>(&parsed)) {
-            return commandline::show(*end);
+        relay::RelayConfig config;
+        config.log = writeStatusLine;
+        if (const auto status = relay::readCommandLine(argc, argv, config)) {
+            return *status;
         }
-        const auto& options = std::get<relay::RelayOptions>(parsed);
-        return options.replayPath.empty() ? passOn(options) : replay(options);
+        return config.replayPath.empty() ? passOn(config) : replay(config);
     } catch (const std::exception& error) {
-        tell(error.what());
+        report(error.what());
         return 1;
     }
 }

@@ -4,27 +4,28 @@
 #include <string>
 #include <utility>
 
-/// Tells a log once of a trouble that lasts, and not each time that it is met.
+/// Logs a lasting error once instead of each time it occurs.
 ///
-/// For one thread, or the handlers of one executor. What is silenced costs a comparison of two lines; what
-/// the log throws is passed on.
+/// For one thread, or the handlers of one executor. A repeated line costs one comparison of strings. What the
+/// log throws is passed on.
 class LogOnce
 {
 public:
     using Log = std::function<void(const std::string& line)>;
 
-    explicit LogOnce(Log log_) : log(std::move(log_)) {}
+    explicit LogOnce(Log sink_) : sink(std::move(sink_)) {}
 
-    /// Silent where this is what it said last and the trouble has not been over since.
-    void say(const std::string& line)
+    /// Logs the line, unless it is the last one logged and nothing cleared it since.
+    void log(const std::string& line)
     {
         if (std::exchange(last, line) != line) {
-            log(line);
+            sink(line);
         }
     }
-    void over() { last.clear(); }
+    /// The error is over: the next line is logged in any case.
+    void clear() { last.clear(); }
 
 private:
-    Log log;
-    std::string last;  ///< none where there is no trouble
+    Log sink;
+    std::string last;  ///< empty while there is no error
 };

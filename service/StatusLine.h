@@ -2,6 +2,6 @@
 
 #include <string>
 
-/// Writes one line to standard output, unless that would block: whoever started a server may have stopped
-/// reading, and its clients must not be able to stall it by making it write.
+/// Writes one line to standard output, or nothing if writing would block: a reader that stopped must not
+/// stall a server.
 void writeStatusLine(const std::string& line);

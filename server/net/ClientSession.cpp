@@ -2,38 +2,35 @@
 
 #include "instrumentation/Logger.h"
 
-#include <boost/asio/post.hpp>
 #include <boost/asio/write.hpp>
-
-#include <utility>
 
 namespace practice {
 
 ClientSession::ClientSession(boost::asio::ip::tcp::socket socket_, std::size_t queueLimit_)
     : socket(std::move(socket_)), queueLimit(queueLimit_)
 {
-    boost::system::error_code ignored;  // a peer that is gone already shows at the first receive
+    boost::system::error_code ignored;  // if the peer has left, the first receive fails
     remote = socket.remote_endpoint(ignored);
     socket.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
-    // Left alone, the system's own queue for a client that does not read would grow to megabytes.
+    // By default the system's own queue for a client that does not read would grow to megabytes.
     socket.set_option(boost::asio::socket_base::send_buffer_size(static_cast<int>(queueLimit / 2)), ignored);
 }
 
-void ClientSession::start(Frame onFrame_, End onEnd_)
+void ClientSession::start(FrameHandler onFrame_)
 {
     onFrame = std::move(onFrame_);
-    onEnd = std::move(onEnd_);
     receive();
 }
 
 void ClientSession::send(const std::string& frame)
 {
-    if (ended) {
+    if (current != State::open) {
         return;
     }
-    if (queued.size() + inFlight.size() + frame.size() > queueLimit) {
-        end("does not read what it is sent, " + std::to_string(queued.size() + inFlight.size()) +
-            " bytes wait");
+    const std::size_t waiting = queued.size() + inFlight.size();
+    if (waiting + frame.size() > queueLimit) {
+        reason = "does not read what it is sent, " + std::to_string(waiting) + " bytes wait";
+        end(State::cutOff);
         return;
     }
     queued += frame;
@@ -41,23 +38,15 @@ void ClientSession::send(const std::string& frame)
 
 void ClientSession::flush()
 {
-    if (!ended && inFlight.empty() && !queued.empty()) {
+    if (current == State::open && inFlight.empty() && !queued.empty()) {
         write();
     }
-}
-
-void ClientSession::close()
-{
-    ended = true;
-    onFrame = nullptr;
-    onEnd = nullptr;
-    shutDown();
 }
 
 void ClientSession::receive()
 {
     socket.async_receive(
-        boost::asio::buffer(received),
+        boost::asio::buffer(buffer),
         [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) {
             self->handleReceive(error, bytes);
         });
@@ -65,18 +54,19 @@ void ClientSession::receive()
 
 void ClientSession::handleReceive(const boost::system::error_code& error, std::size_t bytes)
 {
-    if (ended) {
+    if (current != State::open) {
         return;
     }
     if (error) {
-        end("");
+        end(State::hungUp);
         return;
     }
     Logger::getInstance()->countPacket(Logger::TCP_RECEIVED, bytes);
     receivedBytes += bytes;
-    stream.feed(received.data(), bytes, onFrame);
-    if (stream.isLost()) {
-        end("sent bytes on TCP that are no message");
+    stream.append(buffer.data(), bytes);
+    if (!cutStream(stream, onFrame)) {
+        reason = "sent bytes on TCP that are no message";
+        end(State::cutOff);
         return;
     }
     receive();
@@ -89,7 +79,7 @@ void ClientSession::write()
         socket, boost::asio::buffer(inFlight),
         [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) {
             self->inFlight.clear();
-            // A failed write is left to the receive, which fails too.
+            // After a failed write the receive fails too, and ends the session.
             if (!error) {
                 Logger::getInstance()->countPacket(Logger::TCP_SENT, bytes);
                 self->flush();
@@ -97,20 +87,9 @@ void ClientSession::write()
         });
 }
 
-/// The owner hears of the end later, from the executor: it may be in the middle of sending to everyone.
-void ClientSession::end(const std::string& fault)
+void ClientSession::end(State state)
 {
-    ended = true;
-    boost::asio::post(socket.get_executor(), [self = shared_from_this(), fault] {
-        if (self->onEnd) {
-            self->onEnd(fault);
-        }
-    });
-    shutDown();
-}
-
-void ClientSession::shutDown()
-{
+    current = state;
     boost::system::error_code ignored;  // closing is all we can do
     socket.close(ignored);
 }

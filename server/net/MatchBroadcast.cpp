@@ -1,11 +1,10 @@
 #include "server/net/MatchBroadcast.h"
 
 #include "network/Messages.h"
-#include "server/net/DatagramPacker.h"
-#include "server/net/StateFrames.h"
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <cmath>
 #include <utility>
 
@@ -13,14 +12,14 @@ namespace practice {
 
 namespace {
 
-/// Steps (0.15 s) that a client must have shown a projectile before its end: it shows the explosion where the
-/// projectile was last drawn, so one that ends in the frame of its creation would explode at the origin.
+/// Steps (0.15 s) for which a client must have shown a projectile before its end. The client shows the
+/// explosion where it last drew the projectile, or at the origin if it never drew it.
 constexpr std::uint64_t leastShownSteps = 9;
 
-/// Far above any id that a match hands out in years.
+/// Far above any id that a match assigns in years.
 constexpr ObjectId firstDebris = Match::firstId << 8U;
 
-/// A dying ship bursts into debris, projectiles as the clients see it, that explode one after the other.
+/// A dying ship bursts into debris that explodes piece by piece. Clients get the debris as projectiles.
 struct Debris
 {
     Vector3 offset;       ///< world units from the ship
@@ -30,12 +29,52 @@ const std::array<Debris, 3> burst = {{{Vector3(0, 0, 0), leastShownSteps},
                                       {Vector3(4, 3, -2), leastShownSteps + 6},
                                       {Vector3(-3, -2, 4), leastShownSteps + 12}}};
 
-std::uint64_t stepsSince(float seconds)
+std::uint64_t stepsIn(float seconds)
 {
     return static_cast<std::uint64_t>(std::lround(seconds / Match::stepTime));
 }
 
+/// Appends a frame to the last datagram, or to a new one if it does not fit. Never splits a frame.
+void pack(std::vector<std::string>& datagrams, const std::string& frame)
+{
+    assert(frame.size() <= MatchBroadcast::largestDatagram);
+    if (datagrams.back().size() + frame.size() > MatchBroadcast::largestDatagram) {
+        datagrams.emplace_back();
+    }
+    datagrams.back() += frame;
+}
+
+messages::ShipState stateOf(const Ship& ship, const Match& match)
+{
+    return {ship.id,
+            ship.team == Team::blue,
+            ship.position,
+            ship.orientation,
+            ship.health,
+            ship.name,
+            ship.score,
+            match.teamScore(Team::red),
+            match.teamScore(Team::blue),
+            match.timestamp()};
+}
+
 }  // namespace
+
+std::string welcomeFrame(const Ship& ship, std::uint16_t qport, const Match& match)
+{
+    return messages::welcomeFrame(stateOf(ship, match), qport);
+}
+
+std::string shipInfoFrame(const Ship& ship, const Match& match)
+{
+    return messages::infoFrame(stateOf(ship, match));
+}
+
+std::string shotInfoFrame(const Shot& shot, std::uint32_t timestamp)
+{
+    return messages::infoFrame(
+        messages::ShotState{shot.id, shot.team == Team::blue, shot.position, shot.velocity, timestamp});
+}
 
 MatchBroadcast::MatchBroadcast(const Match& match_, ReliableSink sink_)
     : match(match_), sink(std::move(sink_)), nextDebris(firstDebris)
@@ -58,76 +97,48 @@ std::vector<std::string> MatchBroadcast::introduction() const
 
 void MatchBroadcast::afterStep()
 {
-    const auto later =
-        std::stable_partition(dueDestroys.begin(), dueDestroys.end(),
-                              [this](const DueDestroy& due) { return due.step <= match.stepCount(); });
-    std::for_each(dueDestroys.begin(), later,
-                  [this](const DueDestroy& due) { sink(messages::destroyFrame(due.id)); });
-    dueDestroys.erase(dueDestroys.begin(), later);
+    const auto later = destroyAt.upper_bound(match.stepCount());
+    for (auto due = destroyAt.begin(); due != later; due = destroyAt.erase(due)) {
+        sink(messages::destroyFrame(due->second));
+    }
 }
 
 std::vector<std::string> MatchBroadcast::takeSnapshot()
 {
-    DatagramPacker packer;
+    std::vector<std::string> datagrams(1);
     for (const Ship& ship : match.allShips()) {
-        if (!ship.alive || isAnnouncedNow(ship.id)) {
+        const auto announced = announcedAt.find(ship.id);
+        if (!ship.alive || (announced != announcedAt.end() && announced->second == match.stepCount())) {
             continue;
         }
         if (changed.count(ship.id) != 0) {
             announce(ship);
         } else {
-            packer.add(messages::updateFrame(ship.id, match.timestamp(), ship.position, ship.orientation));
+            pack(datagrams,
+                 messages::updateFrame(ship.id, match.timestamp(), ship.position, ship.orientation));
         }
     }
     changed.clear();
-    return packer.take();
+    return datagrams;
 }
 
 void MatchBroadcast::announce(const Ship& ship)
 {
-    if (announcedAt != match.stepCount()) {
-        announced.clear();
-        announcedAt = match.stepCount();
-    }
-    announced.insert(ship.id);
+    announcedAt[ship.id] = match.stepCount();
     changed.erase(ship.id);
     sink(shipInfoFrame(ship, match));
 }
 
-bool MatchBroadcast::isAnnouncedNow(ObjectId id) const
-{
-    return announcedAt == match.stepCount() && announced.count(id) != 0;
-}
-
-void MatchBroadcast::destroyAfter(ObjectId id, std::uint64_t steps)
-{
-    dueDestroys.push_back({id, match.stepCount() + steps});
-}
-
-void MatchBroadcast::shipAppeared(const Ship& ship)
-{
-    announce(ship);
-}
-
 void MatchBroadcast::shipVanished(const Ship& ship)
 {
+    announcedAt.erase(ship.id);
     changed.erase(ship.id);
     sink(messages::destroyFrame(ship.id));
 }
 
-void MatchBroadcast::shipDataChanged(const Ship& ship)
-{
-    changed.insert(ship.id);
-}
-
-void MatchBroadcast::shotFired(const Shot& shot)
-{
-    sink(shotInfoFrame(shot, match.timestamp()));
-}
-
 void MatchBroadcast::shotEnded(const Shot& shot)
 {
-    const std::uint64_t shown = stepsSince(shot.age);
+    const std::uint64_t shown = stepsIn(shot.age);
     if (shown >= leastShownSteps) {
         sink(messages::destroyFrame(shot.id));
     } else {

@@ -17,7 +17,7 @@ namespace practice {
 
 namespace {
 
-/// A rate is computed anew only where more than a second, in whole milliseconds, has passed.
+/// The logger computes rates anew only after more than a second, in whole milliseconds.
 constexpr std::chrono::milliseconds period{1005};
 
 void requireFile(const std::string& name)
@@ -25,7 +25,7 @@ void requireFile(const std::string& name)
     const auto refuse = [&name](const std::string& reason) {
         throw std::runtime_error("cannot write measurements to '" + name + "': " + reason);
     };
-    std::error_code unknown;  // is told by the attempt to open it
+    std::error_code unknown;  // opening the file reports it
     const auto status = std::filesystem::status(name, unknown);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         refuse("not a regular file");
@@ -35,7 +35,7 @@ void requireFile(const std::string& name)
     }
 }
 
-/// Bytes; 0 where there is no such file.
+/// Bytes; 0 if there is no such file.
 std::uintmax_t sizeOf(const std::string& name)
 {
     std::error_code error;
@@ -56,28 +56,20 @@ void fillScene(const Match& match)
 }  // namespace
 
 MeasurementLog::MeasurementLog(boost::asio::io_context& io, const Match& match_, const std::string& file,
-                               Say say_)
-    : match(match_), timer(io), name(file), say(std::move(say_))
+                               LogOnce::Log log)
+    : match(match_), timer(io), name(file), errors(std::move(log))
 {
     requireFile(file);
     Logger::getInstance()->setFileToWriteTo(file);
     schedule();
 }
 
-void MeasurementLog::stop()
-{
-    boost::system::error_code ignored;  // there is nothing more to do about it
-    timer.cancel(ignored);
-}
-
 void MeasurementLog::schedule()
 {
     timer.expires_after(period);
-    timer.async_wait([this](const boost::system::error_code& cancelled) {
-        if (!cancelled) {
-            writeRow();
-            schedule();
-        }
+    timer.async_wait([this](const boost::system::error_code&) {
+        writeRow();
+        schedule();
     });
 }
 
@@ -85,11 +77,11 @@ void MeasurementLog::writeRow()
 {
     fillScene(match);
     Logger* logger = Logger::getInstance();
-    const std::uintmax_t sizeBefore = sizeOf(name);  // the logger itself does not notice a full disk
+    const std::uintmax_t sizeBefore = sizeOf(name);  // the logger does not report a full disk
     logger->calcPrS();
     logger->writeMeasurementToFile();
-    if (sizeOf(name) <= sizeBefore && !std::exchange(failing, true)) {
-        say("cannot write measurements to '" + name + "' any more");
+    if (sizeOf(name) <= sizeBefore) {
+        errors.log("cannot write measurements to '" + name + "' any more");
     }
 }
 

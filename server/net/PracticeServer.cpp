@@ -1,7 +1,6 @@
 #include "server/net/PracticeServer.h"
 
 #include "instrumentation/Logger.h"
-#include "server/net/StateFrames.h"
 
 #include <algorithm>
 #include <utility>
@@ -14,11 +13,12 @@ using boost::asio::ip::tcp;
 using boost::system::error_code;
 
 constexpr std::chrono::nanoseconds stepPeriod{1'000'000'000 / Match::stepsPerSecond};
-constexpr int mostStepsAtOnce = 6;             ///< then the sockets get their turn
-constexpr unsigned stepsPerSnapshot = 3;       ///< 20 snapshots per second, exactly 50 ms of match time apart
-constexpr std::uint64_t silentSteps = 60;      ///< a pilot unheard for a second lets go of the controls
-constexpr unsigned mostWelcomesPerStep = 4;    ///< a full server is complete in a third of a second
-constexpr std::uint64_t turnedAwayPause = 60;  ///< steps between two lines about it
+constexpr int mostStepsAtOnce = 6;              ///< then the sockets get their turn
+constexpr unsigned stepsPerSnapshot = 3;        ///< 20 snapshots a second, exactly 50 ms of match time apart
+constexpr std::uint64_t silentSteps = 60;       ///< after a second without steering the controls are released
+constexpr int mostAcceptsPerStep = 128;         ///< more wait in the system's queue
+constexpr unsigned mostWelcomesPerStep = 4;     ///< fills the server in a third of a second
+constexpr std::uint64_t turnedAwayPeriod = 60;  ///< steps between two lines about connections turned away
 
 std::string joinLine(const Ship& ship, const tcp::endpoint& from)
 {
@@ -26,19 +26,36 @@ std::string joinLine(const Ship& ship, const tcp::endpoint& from)
            from.address().to_string() + ":" + std::to_string(from.port());
 }
 
+bool hasHungUp(tcp::socket& socket)
+{
+    char first = 0;
+    error_code error;
+    socket.remote_endpoint(error);
+    if (error) {
+        return true;  // reset; bytes sent before that could still be read
+    }
+    socket.non_blocking(true, error);
+    socket.receive(boost::asio::buffer(&first, 1), tcp::socket::message_peek, error);
+    return error && error != boost::asio::error::would_block;
+}
+
 }  // namespace
 
 PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& config_)
     : config(config_),
       ports(io, config_.port, config_.bind),
-      portNumber(ports.number()),
       clientLog(config.log),
-      pending(ports.acceptor, [this](const std::string& line) { say(line); }),
+      acceptErrors([this](const std::string& line) { clientLog.log(line, match.stepCount()); }),
       stepTimer(io),
       clock(stepPeriod),
       match(config_.match),
-      broadcast(match, [this](const std::string& frame) { sendToAll(frame); })
+      broadcast(match, [this](const std::string& frame) {
+          for (const Client& client : clients) {
+              client.session->send(frame);
+          }
+      })
 {
+    ports.acceptor.non_blocking(true);
     match.addObserver(&broadcast);
     for (unsigned i = 0; i < config.bots; ++i) {
         match.addBot();
@@ -48,38 +65,47 @@ PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& 
 void PracticeServer::start()
 {
     clock.start(std::chrono::steady_clock::now());
-    pending.open();
     receive();
     scheduleSteps();
 }
 
+/// Handlers that are due already still run; they do nothing once the UDP socket is closed.
 void PracticeServer::stop()
 {
-    stopped = true;      // a handler that is already on its way must not start anything anew
     error_code ignored;  // closing is all we can do
-    pending.close();
+    ports.acceptor.close(ignored);
     ports.udp.close(ignored);
     stepTimer.cancel(ignored);
     for (const Client& client : clients) {
         client.session->close();
     }
     clients.clear();
-    clientLog.tellLeftOut();
+    clientLog.flush();
 }
 
 // Joining and leaving.
 
-/// A full server sends everyone away at once: that costs nothing.
-void PracticeServer::letIn()
+/// Connections wait in the system's queue until a step takes them. Those that hung up meanwhile and those
+/// that a full server turns away cost next to nothing, so they delay nobody behind them.
+void PracticeServer::acceptConnections()
 {
-    pending.tidy();
-    for (unsigned welcomed = 0; welcomed < mostWelcomesPerStep;) {
-        auto socket = pending.next();
-        if (!socket) {
+    unsigned welcomed = 0;
+    for (int i = 0; i < mostAcceptsPerStep && welcomed < mostWelcomesPerStep; ++i) {
+        error_code error;
+        tcp::socket socket = ports.acceptor.accept(error);
+        if (error == boost::asio::error::would_block) {
             return;
         }
+        if (error) {
+            acceptErrors.log("cannot accept a connection: " + error.message());
+            return;
+        }
+        acceptErrors.clear();
+        if (hasHungUp(socket)) {
+            continue;
+        }
         if (clients.size() < config.mostClients) {
-            welcome(std::move(*socket));
+            welcome(std::move(socket));
             ++welcomed;
         } else {
             ++turnedAway;
@@ -87,71 +113,70 @@ void PracticeServer::letIn()
     }
 }
 
-/// One line for many, so that nobody can flood the log.
-void PracticeServer::tellOfTurnedAway()
-{
-    if (turnedAway == 0 || match.stepCount() < turnedAwayToldAt + turnedAwayPause) {
-        return;
-    }
-    config.log("turned away " + std::to_string(turnedAway) + " connections: all " +
-               std::to_string(config.mostClients) + " places are taken");
-    turnedAway = 0;
-    turnedAwayToldAt = match.stepCount();
-}
-
 void PracticeServer::welcome(tcp::socket socket)
 {
     auto session = std::make_shared<ClientSession>(std::move(socket), config.sendQueue);
-    const ObjectId shipId = match.addHuman();  // tells the other clients
+    const ObjectId shipId = match.addHuman();  // announces the ship to the other clients
     const Ship& ship = *match.findShip(shipId);
     const std::uint16_t qport = freshQport();
+    const std::uint64_t now = match.stepCount();
     session->send(welcomeFrame(ship, qport, match));
     for (const std::string& frame : broadcast.introduction()) {
         session->send(frame);
     }
     session->flush();
-    const std::uint64_t now = match.stepCount();
-    clients.push_back(
-        {session, shipId, ship.name, qport, now, ClientLimits(config.conduct, now), std::nullopt});
-    session->start(
-        [this, shipId](const framing::ClientFrame& frame) {
-            Logger::getInstance()->countMessage(Logger::TCP_RECEIVED);
-            Client* client = findClient(shipId);
-            if (client != nullptr && client->qport == frame.qport) {
-                handleFrame(*client, frame);
-            }
-        },
-        [this, shipId](const std::string& fault) { remove(shipId, fault); });
-    say(joinLine(ship, session->peer()));
+    session->start([this, shipId](const framing::ClientFrame& frame) {
+        Logger::getInstance()->countMessage(Logger::TCP_RECEIVED);
+        Client* client = findClient([shipId](const Client& c) { return c.ship == shipId; });
+        if (client != nullptr && client->qport == frame.qport) {
+            handleFrame(*client, frame);
+        }
+    });
+    clientLog.log(joinLine(ship, session->peer()), now);
+    clients.push_back({session, shipId, qport, now, ClientLimits(config.limits, now), {}});
 }
 
-void PracticeServer::remove(ObjectId ship, const std::string& fault)
+/// One line for many, so that nobody can flood the log.
+void PracticeServer::logTurnedAway()
 {
-    const auto gone =
-        std::find_if(clients.begin(), clients.end(), [ship](const Client& c) { return c.ship == ship; });
-    if (gone == clients.end()) {
+    if (turnedAway == 0 || match.stepCount() < turnedAwayLoggedAt + turnedAwayPeriod) {
         return;
     }
-    say(fault.empty() ? "leave " + gone->name : "drop " + gone->name + ": " + fault);
-    clients.erase(gone);
-    match.removeShip(ship);
+    config.log("turned away " + std::to_string(turnedAway) + " connections: all " +
+               std::to_string(config.mostClients) + " places are taken");
+    turnedAway = 0;
+    turnedAwayLoggedAt = match.stepCount();
 }
 
-void PracticeServer::dropOffenders()
+/// The only place where clients leave a running match.
+void PracticeServer::removeLeavers()
 {
-    const std::uint64_t now = match.stepCount();
-    std::vector<std::pair<ObjectId, std::string>> faults;
-    for (Client& client : clients) {
-        client.conduct.streamBytes(client.session->takeReceivedBytes(), now);
-        const std::string fault = client.conduct.fault(now);
-        if (!fault.empty()) {
-            client.session->close();
-            faults.emplace_back(client.ship, fault);
+    for (auto client = clients.begin(); client != clients.end();) {
+        const std::string line = leaveLine(*client);
+        if (line.empty()) {
+            ++client;
+            continue;
         }
+        clientLog.log(line, match.stepCount());
+        client->session->close();
+        const ObjectId ship = client->ship;
+        client = clients.erase(client);
+        match.removeShip(ship);
     }
-    for (const auto& [ship, fault] : faults) {
-        remove(ship, fault);
+}
+
+/// The log's line about a client that has left or must leave; empty if it stays.
+std::string PracticeServer::leaveLine(Client& client)
+{
+    const std::string& name = match.findShip(client.ship)->name;
+    client.limits.receivedStream(client.session->takeReceivedBytes(), match.stepCount());
+    if (client.session->state() == ClientSession::State::hungUp) {
+        return "leave " + name;
     }
+    const bool isCutOff = client.session->state() == ClientSession::State::cutOff;
+    const std::string reason =
+        isCutOff ? client.session->cutOffReason() : client.limits.reasonToDrop(match.stepCount());
+    return reason.empty() ? "" : "drop " + name + ": " + reason;
 }
 
 /// Never 0, which a client sends before its welcome, and never one in use.
@@ -159,9 +184,7 @@ std::uint16_t PracticeServer::freshQport()
 {
     for (;;) {
         const auto qport = static_cast<std::uint16_t>(qportSource());
-        const bool used = std::any_of(clients.begin(), clients.end(),
-                                      [qport](const Client& c) { return c.qport == qport; });
-        if (qport != 0 && !used) {
+        if (qport != 0 && findClient([qport](const Client& c) { return c.qport == qport; }) == nullptr) {
             return qport;
         }
     }
@@ -173,7 +196,7 @@ void PracticeServer::receive()
 {
     ports.udp.async_receive_from(boost::asio::buffer(datagram), sender,
                                  [this](const error_code& error, std::size_t bytes) {
-                                     if (stopped) {
+                                     if (!isRunning()) {
                                          return;
                                      }
                                      if (!error) {
@@ -183,44 +206,42 @@ void PracticeServer::receive()
                                  });
 }
 
-/// A datagram counts only up to the first frame that does not carry its sender's qport, and one from a
-/// stranger not at all, unless it is the first steering of a newcomer.
+/// A stranger's datagram has no effect, unless it is the first steering of a client that loads.
 void PracticeServer::handleDatagram(std::size_t bytes)
 {
     Logger::getInstance()->countPacket(Logger::UDP_RECEIVED, bytes);
-    framing::ClientFrame frame;
-    framing::cutClientFrame(datagram.data(), bytes, frame);
-    Client* const client = findSender(frame.qport);
+    framing::ClientFrame first;
+    framing::cutClientFrame(datagram.data(), bytes, first);
+    Client* const client = findSender(first.qport);
     if (client == nullptr) {
         return;
     }
-    if (client->address) {
-        client->conduct.datagram(match.stepCount());
-    }
-    for (std::size_t used = 0; used < bytes; used += frame.size()) {
-        if (framing::cutClientFrame(datagram.data() + used, bytes - used, frame) != framing::Cut::frame) {
-            if (client->address) {
-                client->conduct.garbage(match.stepCount());
-            }
-            return;
+    const std::uint64_t now = match.stepCount();
+    client->limits.receivedDatagram(now);
+    const auto handle = [&](const framing::ClientFrame& frame) {
+        Logger::getInstance()->countMessage(Logger::UDP_RECEIVED);
+        const FrameMeaning meaning = handleFrame(*client, frame);
+        if (meaning == FrameMeaning::steering) {
+            client->address = sender;
+            client->limits.receivedSteering(now);
+        } else if (meaning == FrameMeaning::garbage) {
+            client->limits.receivedGarbage(now);
         }
-        if (frame.qport != client->qport) {
-            return;
-        }
-        handleDatagramFrame(*client, frame);
+    };
+    if (!cutDatagram(datagram.data(), bytes, client->qport, handle)) {
+        client->limits.receivedGarbage(now);
     }
 }
 
-void PracticeServer::handleDatagramFrame(Client& client, const framing::ClientFrame& frame)
+FrameMeaning PracticeServer::handleFrame(Client& client, const framing::ClientFrame& frame)
 {
-    Logger::getInstance()->countMessage(Logger::UDP_RECEIVED);
-    const FrameMeaning meaning = handleFrame(client, frame);
+    ShipInput input;
+    const FrameMeaning meaning = readSteering(frame, input);
     if (meaning == FrameMeaning::steering) {
-        client.address = sender;
-        client.conduct.steeredByDatagram(match.stepCount());
-    } else if (meaning == FrameMeaning::garbage && client.address) {
-        client.conduct.garbage(match.stepCount());
+        match.setInput(client.ship, input);
+        client.steeredAt = match.stepCount();
     }
+    return meaning;
 }
 
 template <typename Condition>
@@ -230,32 +251,16 @@ PracticeServer::Client* PracticeServer::findClient(Condition condition)
     return found == clients.end() ? nullptr : &*found;
 }
 
-PracticeServer::Client* PracticeServer::findClient(ObjectId ship)
-{
-    return findClient([ship](const Client& c) { return c.ship == ship; });
-}
-
-/// The client of that qport, if the datagram comes from its address or, while that is not known, from the
-/// host it is connected from. Else whoever has that address: one socket may play again and again, while
-/// earlier connections of the same player still stand.
+/// The client with that qport, if the datagram comes from its address or, while that is unknown, from the
+/// host of its connection. Else the client with that address: one socket may play again while the player's
+/// earlier connections still stand.
 PracticeServer::Client* PracticeServer::findSender(std::uint16_t qport)
 {
     Client* const named = findClient([this, qport](const Client& c) {
         return c.qport == qport &&
-               (c.address ? *c.address == sender : c.session->peer().address() == sender.address());
+               (c.isPlaying() ? c.address == sender : c.session->peer().address() == sender.address());
     });
     return named != nullptr ? named : findClient([this](const Client& c) { return c.address == sender; });
-}
-
-FrameMeaning PracticeServer::handleFrame(Client& client, const framing::ClientFrame& frame)
-{
-    ShipInput input;
-    const FrameMeaning meaning = readSteering(frame, input);
-    if (meaning == FrameMeaning::steering) {
-        match.setInput(client.ship, input);
-        client.heardAt = match.stepCount();
-    }
-    return meaning;
 }
 
 // The clock of the match.
@@ -263,38 +268,36 @@ FrameMeaning PracticeServer::handleFrame(Client& client, const framing::ClientFr
 void PracticeServer::scheduleSteps()
 {
     stepTimer.expires_at(clock.nextStep());
-    stepTimer.async_wait([this](const error_code& cancelled) {
-        if (!stopped && !cancelled) {
-            runDueSteps();
-            scheduleSteps();
+    stepTimer.async_wait([this](const error_code&) {
+        if (!isRunning()) {
+            return;
         }
+        for (int i = 0; i < mostStepsAtOnce && clock.takeStep(std::chrono::steady_clock::now()); ++i) {
+            step();
+        }
+        scheduleSteps();
     });
-}
-
-void PracticeServer::runDueSteps()
-{
-    for (int i = 0; i < mostStepsAtOnce && clock.takeStep(std::chrono::steady_clock::now()); ++i) {
-        step();
-    }
 }
 
 void PracticeServer::step()
 {
     match.step();
     broadcast.afterStep();
-    tellResult();
-    dropOffenders();
-    releaseSilentPilots();
+    logResult();
+    removeLeavers();
+    releaseSilentControls();
     if (match.stepCount() % stepsPerSnapshot == 0) {
         sendSnapshot();
     }
-    flushAll();
-    letIn();
-    tellOfTurnedAway();
+    for (const Client& client : clients) {
+        client.session->flush();
+    }
+    acceptConnections();
+    logTurnedAway();
     clientLog.afterStep(match.stepCount());
 }
 
-void PracticeServer::tellResult()
+void PracticeServer::logResult()
 {
     if (const auto result = match.takeResult()) {
         for (const std::string& line : scoreTable(*result)) {
@@ -303,43 +306,29 @@ void PracticeServer::tellResult()
     }
 }
 
-void PracticeServer::releaseSilentPilots()
+void PracticeServer::releaseSilentControls()
 {
     for (const Client& client : clients) {
-        if (match.stepCount() - client.heardAt == silentSteps) {
+        if (match.stepCount() - client.steeredAt == silentSteps) {
             match.releaseControls(client.ship);
         }
     }
 }
 
-/// A datagram that the system does not take at once is lost like any other: the next snapshot replaces it.
+/// A datagram that the system does not take at once is lost; the next snapshot replaces it.
 void PracticeServer::sendSnapshot()
 {
     for (const std::string& packed : broadcast.takeSnapshot()) {
         for (const Client& client : clients) {
-            if (client.address) {
-                error_code error;
-                const std::size_t sent =
-                    ports.udp.send_to(boost::asio::buffer(packed), *client.address, 0, error);
-                if (!error) {
-                    Logger::getInstance()->countPacket(Logger::UDP_SENT, sent);
-                }
+            if (!client.isPlaying()) {
+                continue;
+            }
+            error_code error;
+            const std::size_t sent = ports.udp.send_to(boost::asio::buffer(packed), client.address, 0, error);
+            if (!error) {
+                Logger::getInstance()->countPacket(Logger::UDP_SENT, sent);
             }
         }
-    }
-}
-
-void PracticeServer::sendToAll(const std::string& frame)
-{
-    for (const Client& client : clients) {
-        client.session->send(frame);
-    }
-}
-
-void PracticeServer::flushAll()
-{
-    for (const Client& client : clients) {
-        client.session->flush();
     }
 }
 

@@ -1,26 +1,21 @@
 #pragma once
 
-#include "server/match/Rules.h"
-#include "service/LegacyCommandLine.h"
+#include "server/net/PracticeServer.h"
 
-#include <boost/asio/ip/address_v4.hpp>
-
-#include <cstdint>
+#include <optional>
 #include <string>
-#include <variant>
 
 namespace practice {
 
+/// What the server's command line sets.
 struct ServerOptions
 {
-    boost::asio::ip::address_v4 bind;
-    std::uint16_t port = 0;
-    unsigned bots = 0;
-    MatchSettings match;
+    ServerConfig server;
     std::string measurements;  ///< the file to append to; empty: none
 };
 
-/// Reads the command line of the server; takes nothing for granted.
-std::variant<ServerOptions, commandline::End> readServerOptions(int argc, const char* const* argv);
+/// Reads the command line into `options`. Returns the status to end with, if the program should not go on;
+/// see commandline::parse.
+std::optional<int> readServerOptions(int argc, const char* const* argv, ServerOptions& options);
 
 }  // namespace practice

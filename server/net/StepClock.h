@@ -1,35 +1,57 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 namespace practice {
 
-/// Says when the steps of a match are due, and remembers how well that was kept.
+/// Tells when the steps of a match are due, and measures how late they come.
 ///
-/// A step that comes late is followed by the next ones at once until the time is caught up; a server that was
-/// held up for longer than `mostBehind` gives the time up instead of racing through it.
+/// After a delay the missed steps follow at once until the time is caught up. After a delay of more than
+/// `longestCatchUp` the missed time is given up instead.
 class StepClock
 {
 public:
     using TimePoint = std::chrono::steady_clock::time_point;
     using Duration = std::chrono::nanoseconds;
 
-    static constexpr Duration mostBehind = std::chrono::milliseconds(100);
+    static constexpr Duration longestCatchUp = std::chrono::milliseconds(100);
 
     explicit StepClock(Duration period_) : period(period_) {}
 
-    /// The first step is due a period after this.
+    /// The first step is due one period after `now`.
     void start(TimePoint now) { next = now + period; }
 
     TimePoint nextStep() const { return next; }
 
-    /// True where a step is to be made now; the following one is due a period later.
-    bool takeStep(TimePoint now);
+    /// Returns true if a step is due; the following one is due one period later.
+    bool takeStep(TimePoint now)
+    {
+        const Duration behind = now - next;
+        if (behind < Duration::zero()) {
+            return false;
+        }
+        latest = std::max(latest, behind);
+        if (behind > longestCatchUp) {
+            givenUp += behind;
+            next = now;
+        }
+        next += period;
+        ++taken;
+        return true;
+    }
 
-    /// For the operator: "played N steps, latest X ms behind", and what was given up, if anything was.
-    std::string report() const;
+    /// "played N steps, latest X ms behind", and the time given up, if any.
+    std::string report() const
+    {
+        const std::string played =
+            "played " + std::to_string(taken) + " steps, latest " + milliseconds(latest) + " behind";
+        return givenUp == Duration::zero() ? played : played + ", " + milliseconds(givenUp) + " given up";
+    }
 
 private:
     Duration period;
@@ -37,6 +59,14 @@ private:
     Duration latest{0};
     std::uint64_t taken = 0;
     Duration givenUp{0};
+
+    static std::string milliseconds(Duration time)
+    {
+        std::array<char, 32> text{};
+        std::snprintf(text.data(), text.size(), "%.1f ms",
+                      std::chrono::duration<double, std::milli>(time).count());
+        return text.data();
+    }
 };
 
 }  // namespace practice

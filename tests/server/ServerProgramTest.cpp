@@ -1,3 +1,4 @@
+#include "server/net/ServerOptions.h"
 #include "tests/support/Process.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <filesystem>
 #include <thread>
 
+using namespace practice;
 using support::Process;
 using namespace std::chrono_literals;
 
@@ -26,7 +28,7 @@ std::string portOf(const Process& server)
     return line.substr(line.rfind(':') + 1, line.size() - line.rfind(':') - 2);
 }
 
-/// A name for a file of this test's own, which does not exist yet.
+/// The name of a file that does not exist yet.
 std::string freshFile(const std::string& name)
 {
     const auto path = std::filesystem::temp_directory_path() / (name + '.' + std::to_string(getpid()));
@@ -36,7 +38,27 @@ std::string freshFile(const std::string& name)
 
 }  // namespace
 
-TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
+TEST(ServerProgram, TakesItsOptions)
+{
+    const char* const arguments[] = {
+        "vantor-server", "--port=0", "--bind",          "0.0.0.0",      "--bots",  "64",
+        "--difficulty",  "hard",     "--seed",          "4294967295",   "--spawn", "grid",
+        "--log",         "m.csv",    "--score-limit=0", "--time-limit", "86400",   "--friendly-fire"};
+    ServerOptions given;
+    EXPECT_EQ(readServerOptions(static_cast<int>(std::size(arguments)), arguments, given), std::nullopt);
+    EXPECT_EQ(given.server.port, 0);
+    EXPECT_TRUE(given.server.bind.is_unspecified());
+    EXPECT_EQ(given.server.bots, 64U);
+    EXPECT_EQ(given.server.match.difficulty, Difficulty::hard);
+    EXPECT_EQ(given.server.match.seed, 4294967295U);
+    EXPECT_EQ(given.server.match.spawn, General::GRID);
+    EXPECT_EQ(given.server.match.scoreLimit, 0);
+    EXPECT_EQ(given.server.match.timeLimit, 86400);
+    EXPECT_TRUE(given.server.match.friendlyFire);
+    EXPECT_EQ(given.measurements, "m.csv");
+}
+
+TEST(ServerProgram, SaysInOneLineWhyItCannotServe)
 {
     const Process other = run({"--port", "0"});
     const struct
@@ -45,7 +67,23 @@ TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
         std::string end;
         std::string text;
     } cases[] = {
-        {{"--bots", "none"}, "status 2", "--bots wants a whole number from 0 to 64, not 'none'"},
+        {{"--bots", "none"}, "status 2", "--bots: wants a whole number from 0 to 64, not 'none'"},
+        {{"--port=65536"}, "status 2", "65535"},
+        {{"--bots=65"}, "status 2", "64"},
+        {{"--seed=4294967296"}, "status 2", "4294967295"},
+        {{"--score-limit=10001"}, "status 2", "10000"},
+        {{"--time-limit=86401"}, "status 2", "86400"},
+        {{"--bind=localhost"}, "status 2", "an IPv4 address"},
+        {{"--bind=224.0.0.1"}, "status 2", "an IPv4 address"},
+        {{"--bind=255.255.255.255"}, "status 2", "an IPv4 address"},
+        {{"--difficulty=easyy"}, "status 2", "easy,hard,normal"},
+        {{"--spawn=0"}, "status 2", "fixed,grid,random"},
+        {{"--bots=a\nb"}, "status 2", "a?b"},
+        {{"--log", ""}, "status 2", "the name of a file"},
+        {{"--log=", "--bots=3"}, "status 2", "--log= lacks a value"},
+        {{"--friendly-fire=no"}, "status 2", "friendly-fire"},
+        {{"--por", "0"}, "status 2", "--por"},
+        {{"--%original_token%"}, "status 2", "%original_token%"},
         {{"--port", portOf(other)}, "status 1", "Address already in use"},
         {{"--port", "0", "--bind", "192.0.2.1"}, "status 1", "Cannot assign requested address"},
         {{"--port", "0", "--log", "/no/such/folder"}, "status 1", "No such file or directory"},
@@ -63,28 +101,22 @@ TEST(ServerProgram, EndsWithAStatusAndOneLineWhereItCannotServe)
     EXPECT_EQ(Process({"sh", "-c", "exec \"$0\" --help >/dev/full", VANTOR_SERVER}).end(), "status 1");
 }
 
-TEST(ServerProgram, EndsInOrderAtASignal)
+TEST(ServerProgram, PrintsItsMatchesAndEndsAtASignal)
 {
+    const std::string table =
+        "match 1 over after 0:01: a draw, blue 0 red 0\n"
+        "  blue Altair             0 kills    0 deaths\n"
+        "  red  Bellatrix          0 kills    0 deaths\n";
     for (const int signal : {SIGINT, SIGTERM}) {
-        Process server = run({"--port", "0"});
-        portOf(server);
+        Process server = run({"--port", "0", "--bots", "2", "--time-limit", "1"});
+        EXPECT_TRUE(peer::eventually([&] { return server.hasPrinted(table); }, 30s)) << server.output();
         server.signal(signal);
         EXPECT_EQ(server.end(), "status 0");
         EXPECT_TRUE(server.hasPrinted(" ms behind")) << server.output();
     }
 }
 
-TEST(ServerProgram, PrintsTheTableOfEachMatchThatItsOptionsEnd)
-{
-    const Process server = run({"--port", "0", "--bots", "2", "--time-limit", "1"});
-    const std::string table =
-        "match 2 over after 0:01: a draw, blue 0 red 0\n"
-        "  blue Altair             0 kills    0 deaths\n"
-        "  red  Bellatrix          0 kills    0 deaths\n";
-    EXPECT_TRUE(peer::eventually([&] { return server.hasPrinted(table); }, 30s)) << server.output();
-}
-
-TEST(ServerProgram, SaysOnceThatItsMeasurementsNoLongerFitOnTheDisk)
+TEST(ServerProgram, ReportsAFullDiskOnce)
 {
     const std::string log = freshFile("vantor-full-disk");
     const Process server({"sh", "-c", "ulimit -f 2; exec \"$0\" --port 0 --log \"$1\"", VANTOR_SERVER, log});
@@ -96,7 +128,7 @@ TEST(ServerProgram, SaysOnceThatItsMeasurementsNoLongerFitOnTheDisk)
     std::filesystem::remove(log);
 }
 
-TEST(ServerProgram, LogsARowOfMeasurementsEachSecondThatCanBeDrawn)
+TEST(ServerProgram, LogsMeasurementsThatCanBeDrawn)
 {
     const std::string log = freshFile("vantor-measurements");
     const std::string picture = log + ".png";

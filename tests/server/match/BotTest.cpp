@@ -1,5 +1,5 @@
 #include "server/match/Match.h"
-#include "server/net/StateFrames.h"
+#include "server/net/MatchBroadcast.h"
 
 #include <gtest/gtest.h>
 

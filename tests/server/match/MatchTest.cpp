@@ -108,6 +108,7 @@ TEST(Match, AShotKillsTheFirstShipThatItMayHit)
         game.place({0, 0, 20}, 0.0F);
         game.match.editShip(shooter)->velocity = {0, 6, 0};
         game.fireOnce(shooter);
+        game.match.editShip(shooter)->alive = !friendlyFire;  // a dead shooter scores as well
         game.step(60);
         game.recordSnapshot();
         game.hold(enemy, control::fire | control::forward);  // the dead neither fly nor shoot
@@ -170,6 +171,7 @@ TEST(Match, OneMatchFollowsAnother)
     }
     EXPECT_TRUE(game.broadcast.introduction().empty());
     game.step(820);
+    EXPECT_FALSE(game.match.findShip(shooter)->firstLife);
     game.expectTranscript("matches");
 }
 
@@ -215,7 +217,6 @@ TEST(MeasurementLog, CountsLivingShipsAndShots)
     boost::asio::io_context io;
     MeasurementLog log(io, game.match, name, [](const std::string& line) { ADD_FAILURE() << line; });
     io.run_one();
-    log.stop();
     std::ifstream file(name);
     const std::string text{std::istreambuf_iterator<char>(file), {}};
     EXPECT_NE(text.find("              2,              1,"), std::string::npos) << text;

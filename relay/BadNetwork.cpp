@@ -1,0 +1,113 @@
+#include "relay/BadNetwork.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace relay {
+
+namespace {
+
+constexpr unsigned deepestReorder = 3;  ///< datagrams; parallel paths of one route do that
+
+Duration milliseconds(double value)
+{
+    return std::chrono::duration_cast<Duration>(std::chrono::duration<double, std::milli>(value));
+}
+
+std::mt19937 generator(std::uint32_t seed, const Flow& flow)
+{
+    std::seed_seq sequence{seed, static_cast<std::uint32_t>(flow.transport), flow.number,
+                           static_cast<std::uint32_t>(flow.direction)};
+    return std::mt19937(sequence);
+}
+
+}  // namespace
+
+Impairment::Impairment(const Conditions& conditions, std::uint32_t seed, const Flow& flow)
+    : latency(milliseconds(conditions.latency)),
+      jitter(milliseconds(conditions.jitter)),
+      loss(conditions.loss / 100),
+      duplicate(conditions.duplicate / 100),
+      reorder(conditions.reorder / 100),
+      engine(generator(seed, flow))
+{
+}
+
+// Every decision takes the same number of draws, so that losses and copies stay where they are when another
+// rate changes. Only a datagram behind a punctual one is drawn for a reordering: with the chance h, which
+// makes the share h / (1 + h) of all.
+Impairment::Decision Impairment::next()
+{
+    const bool lost = unit() < loss;
+    const bool doubled = unit() < duplicate;
+    const bool drawn = unit() < reorder / (1 - reorder);
+    const auto depth = 1 + static_cast<unsigned>(unit() * deepestReorder);
+    const double swing = 2 * unit() - 1;
+    const auto deviation = static_cast<Duration::rep>(swing * static_cast<double>(jitter.count()));
+    const unsigned copies = doubled ? 2 : 1;
+    const bool held = drawn && !lastWasHeld;
+    lastWasHeld = lost ? lastWasHeld : held;
+    return {lost ? 0 : copies, std::max(Duration(0), latency + Duration(deviation)), held ? depth : 0};
+}
+
+/// Uniform in [0, 1). The language standard fixes the engine's sequence, but not the library's distributions.
+double Impairment::unit()
+{
+    return static_cast<double>(engine()) * (1.0 / 4294967296.0);
+}
+
+bool DelayQueue::push(Time now, std::string datagram)
+{
+    const Impairment::Decision decision = impairment.next();
+    lastDue = std::max(lastDue, now + decision.delay);
+    Waiting coming = {lastDue, decision.copies, decision.overtakenBy, std::move(datagram)};
+    if (waitingBytes + coming.cost() > byteLimit) {
+        return false;
+    }
+    if (decision.copies > 0) {
+        waitingBytes += coming.cost();
+        waiting.push_back(std::move(coming));
+    }
+    return true;
+}
+
+std::optional<std::string> DelayQueue::pop(Time now)
+{
+    if (nextDue() > now) {
+        return std::nullopt;
+    }
+    const auto leaving = waiting.begin() + static_cast<std::ptrdiff_t>(next());
+    if (--leaving->copies > 0) {
+        return leaving->bytes;
+    }
+    waitingBytes -= leaving->cost();
+    for (auto overtaken = waiting.begin(); overtaken != leaving; ++overtaken) {
+        if (--overtaken->overtakenBy == 0) {
+            overtaken->due = leaving->due;
+        }
+    }
+    std::string bytes = std::move(leaving->bytes);
+    waiting.erase(leaving);
+    return bytes;
+}
+
+Time DelayQueue::nextDue() const
+{
+    if (waiting.empty()) {
+        return Time::max();
+    }
+    const Waiting& leaving = waiting[next()];
+    return leaving.due + (leaving.overtakenBy == 0 ? Duration(0) : holdLimit);
+}
+
+/// The index of the one that leaves next: the first one that is not held, or the first one of all where
+/// holdLimit ends before that. Only held ones stand before it.
+std::size_t DelayQueue::next() const
+{
+    const auto isFree = [](const Waiting& datagram) { return datagram.overtakenBy == 0; };
+    const auto first = std::find_if(waiting.begin(), waiting.end(), isFree);
+    const bool isTooLate = first == waiting.end() || waiting.front().due + holdLimit < first->due;
+    return isTooLate ? 0 : static_cast<std::size_t>(first - waiting.begin());
+}
+
+}  // namespace relay

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "relay/Listener.h"
+#include "relay/Recording.h"
+#include "service/LogOnce.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace relay {
+
+/// What a server sent to one client, and when.
+struct ServerTrack
+{
+    std::uint16_t qport;        ///< of the Welcome: the client's datagrams begin with it
+    std::vector<Chunk> chunks;  ///< the times count from the client's connection
+};
+
+/// Reads the server's side of a recording towards one client: the first welcomed one that sent its qport in a
+/// datagram, or else the first welcomed one. Throws std::runtime_error like readRecording, and where no
+/// client is welcomed.
+ServerTrack readServerTrack(const std::string& path, const Warn& warn);
+
+/// Stands in for a recorded server: plays its side, from the start, to one client after the other.
+///
+/// A recording has one qport, which cannot tell two clients of one host apart: a second client is turned away
+/// while the first one plays. The first recorded datagram, and all that follows it, waits until the client's
+/// own first datagram tells its address: so every replay sends the same in the same order. A client that
+/// reads too slowly loses datagrams, as with any server. Single-threaded, like its Listener.
+class Replayer final : public Listener
+{
+public:
+    /// Port 0: any free one. `speed`: 2 plays in half the time. Throws boost::system::system_error where the
+    /// port is taken.
+    Replayer(boost::asio::io_context& io, std::uint16_t port, ServerTrack track, double speed,
+             LogOnce::Log log);
+    ~Replayer() override { Replayer::stop(); }
+
+    void stop() override;
+
+private:
+    class Session;
+
+    ServerTrack track;
+    double speed;
+    LogOnce::Log log;
+    LogOnce refused;
+    std::shared_ptr<Session> session;  ///< the last one, which may have ended
+    std::uint32_t sessionCount = 0;    ///< ever
+
+    void handleConnection(TcpSocket socket) override;
+    void handleDatagram(const Endpoint& client, const char* data, std::size_t size) override;
+};
+
+}  // namespace relay
