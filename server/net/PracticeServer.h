@@ -30,7 +30,7 @@ struct ServerConfig
     std::size_t mostClients = 64;
     ClientLimits::Config limits;
     std::size_t sendQueue = ClientSession::defaultQueueLimit;  ///< bytes that may wait for one client
-    std::function<void(const std::string& line)> log = [](const std::string&) {};
+    std::function<void(const std::string& line)> log;          ///< must be set
 };
 
 /// A server that hosts one match.
