@@ -36,8 +36,8 @@ struct Player
         : client(support::clientCommand(display.name(), {"--host", "127.0.0.1", "--port", port}))
     {
     }
-    /// Whether something changes on the screen, above the own ship and below the texts, within 700 ms. A ship that
-    /// is 200 units away covers about 30 pixels.
+    /// Whether something changes on the screen, above the own ship and below the texts, within 700 ms. A ship
+    /// that is 200 units away covers about 30 pixels.
     bool seesMovement() const
     {
         const std::string files = testing::TempDir() + "seen-" + std::to_string(getpid());

@@ -107,6 +107,7 @@ TEST(Match, AShotKillsTheFirstShipThatItMayHit)
         game.place({0, 10, 0});
         game.place({0, 0, 20}, 0.0F);
         game.match.editShip(shooter)->velocity = {0, 6, 0};
+        game.match.editShip(enemy)->velocity = {0, 3, 0};
         game.fireOnce(shooter);
         game.match.editShip(shooter)->alive = !friendlyFire;  // a dead shooter scores as well
         game.step(60);
@@ -183,7 +184,7 @@ TEST(StartPoints, KeepShipsApartInEveryMode)
         float leastDistance;
         float reach;  ///< from the team's base
     } cases[] = {
-        {General::FIXED, 13.9F, 99.0F}, {General::RANDOM, 13.9F, 180.0F}, {General::GRID, 60.0F, 850.0F}};
+        {General::FIXED, 13.9F, 99.0F}, {General::RANDOM, 13.9F, 75.0F}, {General::GRID, 60.0F, 850.0F}};
     for (const auto& c : cases) {
         Random random(1);
         Random same(1);
