@@ -20,7 +20,7 @@ protected:
 
 }  // namespace
 
-// tests/end_to_end compares all calls of a frame.
+// tests/engine compares all calls of a frame.
 TEST_F(Frame, TakesInputDrawsTheSceneThenTheDisplay)
 {
     VT.window.width = 640;
