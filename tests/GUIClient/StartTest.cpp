@@ -34,10 +34,12 @@ const std::string report = "Could not connect to 127.0.0.1:1\nException: ";
 
 TEST(Start, WithoutDescriptorsOrThreadsFailsWithAMessage)
 {
+#ifndef __SANITIZE_ADDRESS__  // the sanitizers' check of virtual calls needs descriptors itself
     for (rlim_t descriptors = 0; descriptors <= 4; ++descriptors) {
         EXPECT_EXIT(start("--port=1", descriptors), failed, report + ".*: Too many open files")
             << descriptors;
     }
+#endif
     EXPECT_EXIT(start("--port=1"), failed, report + "connect: Connection refused");
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
