@@ -8,7 +8,7 @@ set_target_properties(vantor PROPERTIES
   OUTPUT_NAME Vantor  # the application's name, too
   MACOSX_BUNDLE_INFO_PLIST ${PROJECT_SOURCE_DIR}/GUIClient/macos/Info.plist.in)
 target_link_libraries(vantor PRIVATE "-framework Cocoa")
-set(VANTOR_CONTENTS ${CMAKE_CURRENT_BINARY_DIR}/Vantor.app/Contents)
+set(VANTOR_CONTENTS ${VANTOR_PROGRAMS}/Vantor.app/Contents)
 
 target_link_libraries(vantor_core PUBLIC "-framework CoreFoundation")
 target_compile_definitions(vantor_core PUBLIC GL_SILENCE_DEPRECATION)  # OpenGL is what the client draws with

@@ -1,24 +1,24 @@
 # shellcheck shell=bash
-# The processes of a match and their end: what ./play and vantor-practice have in common.
+# Starts and ends the processes of a match, for ./play and vantor-practice.
 #
-# For bash scripts with `set -euo pipefail`, which define `fail MESSAGE [STATUS]` (tells the player, and exits) and then
-# call open_session before all else. Whatever is started through this file ends with the script.
+# For bash scripts with `set -euo pipefail`. They define `fail MESSAGE [STATUS]`, which reports and exits, and call
+# open_session first. Every process that this file starts ends with the script.
 
 work= started=() client= interrupted=
 declare -A services=()
 
-# Sets work, a folder for this session's files, and the traps.
+# Sets work, a folder for the session's files, and the traps.
 open_session() {
     trap close_session EXIT
-    # Closing politely: the client takes it for a closed window and ends with its own status.
+    # The client takes the signal for a closed window and ends with its own status.
     trap '[ -z "$client" ] || kill "$client" 2>/dev/null || true; interrupted=yes' INT TERM HUP
     work=$(mktemp -d "${TMPDIR:-/tmp}/vantor.XXXXXX") || {
-        leave_if_interrupted
+        exit_if_interrupted
         fail 'no folder for the files of the session'
     }
 }
 
-# Ends all that was started. At the latest the script's end does; a second time there is nothing left to do.
+# Ends all started processes and deletes the folder. Does nothing the second time.
 close_session() {
     local pid
     for pid in "${started[@]}"; do
@@ -29,23 +29,23 @@ close_session() {
     work=
 }
 
-# Server and display get sessions of their own, so that Ctrl-C reaches nobody but this script and they outlive the
-# client; but not this script, even if it is killed. Call it with an &.
+# Runs the command in a session of its own, which Ctrl-C does not reach. It outlives the client, but not this script,
+# even if that is killed. Call it with an &.
 in_background() {
     exec setsid setpriv --pdeathsig TERM "$@"
 }
 
-# Who interrupts before the client runs has left, as one who closes its window: no error.
-leave_if_interrupted() {
+# An interrupt before the client runs counts as a closed window: no error.
+exit_if_interrupted() {
     [ -z "$interrupted" ] || exit 0
 }
 
-# await SECONDS FILE PATTERN PID: waits until a line of the file, which the process writes, matches; sets line to it.
-# Not for subshells, which hear of no interruption.
+# await SECONDS FILE PATTERN PID: waits for a matching line in the file that the process writes; sets line to it.
+# Not for subshells, which see no interrupt.
 await() {
     local tenths=$(($1 * 10))
     while [ "$tenths" -gt 0 ]; do
-        leave_if_interrupted
+        exit_if_interrupted
         line=$(grep -m 1 -E "$3" "$2" 2>/dev/null) && return 0
         kill -0 "$4" 2>/dev/null || return 1
         sleep 0.1
@@ -54,8 +54,8 @@ await() {
     return 1
 }
 
-# serve NAME COMMAND...: starts a service, and sets host and port to where it says that it is ready.
-serve() {
+# start_service NAME COMMAND...: waits until it is ready; sets host and port to its address.
+start_service() {
     local name=$1 pid status=1
     shift
     in_background "$@" >"$work/$name" 2>&1 &
@@ -70,8 +70,8 @@ serve() {
     host=${host%:*}
 }
 
-# Fails if a service has ended by itself; the client only saw the connection end, as when a match is closed.
-expect_services() {
+# Fails if a service has ended by itself. The client cannot tell that from the end of a match.
+check_services() {
     local name pid status
     for name in "${!services[@]}"; do
         pid=${services[$name]}
@@ -82,15 +82,22 @@ expect_services() {
     done
 }
 
-# start_display: starts a virtual display of the client's size and exports DISPLAY.
+# Starts a virtual display of the client's size, which only holders of its cookie may use.
 start_display() {
-    in_background Xvfb -displayfd 3 -noreset -screen 0 800x600x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb" &
+    local cookie
+    cookie=$(mcookie)
+    export XAUTHORITY=$work/cookie
+    : >"$XAUTHORITY"
+    xauth -q add :0 . "$cookie"  # the server takes it under any number
+    in_background Xvfb -displayfd 3 -auth "$XAUTHORITY" -noreset -screen 0 800x600x24 -nolisten tcp \
+        3>"$work/display" 2>"$work/xvfb" &
     started+=($!)
     await 20 "$work/display" '^[0-9]+$' $! || fail "no virtual display: $(cat "$work/xvfb")"
     export DISPLAY=:$line
+    xauth -q add "$DISPLAY" . "$cookie"
 }
 
-# The client needs X11, which on Wayland desktops means XWayland.
+# The client needs X11. A Wayland desktop offers it through XWayland.
 require_x11_beside_wayland() {
     [ -n "${DISPLAY:-}" ] || [ -z "${WAYLAND_DISPLAY:-}" ] ||
         fail 'this Wayland desktop offers no X11: install xwayland and log in again'
@@ -98,10 +105,9 @@ require_x11_beside_wayland() {
 
 # start_client COMMAND...: starts the client and sets client to its process.
 start_client() {
-    leave_if_interrupted
-    # SDL's classic driver of that name is the one that has OpenGL. The client makes no sound, so it need not open a
-    # sound card either. Its window has one size: SDL 1.2 on top of SDL 2 need not draw into a buffer of its own to
-    # scale it, which costs a software renderer time in each frame.
+    exit_if_interrupted
+    # SDL's classic driver "x11" has OpenGL. The client makes no sound, so it opens no sound card. Its window has one
+    # size: SDL 1.2 on top of SDL 2 need not scale each frame, which is slow with a software renderer.
     SDL_VIDEODRIVER=x11 SDL_AUDIODRIVER=${SDL_AUDIODRIVER:-dummy} \
         SDL12COMPAT_OPENGL_SCALING=${SDL12COMPAT_OPENGL_SCALING:-0} "$@" &
     client=$!
@@ -115,7 +121,7 @@ await_client() {
         wait "$client" && status=0 || status=$?
         kill -0 "$client" 2>/dev/null || break
     done
-    # The signal came so early that it did not mean a closed window yet.
+    # So early the signal does not count as a closed window for the client yet.
     [ -z "$interrupted" ] || [ "$status" -ne $((128 + 15)) ] || status=0
     return "$status"
 }

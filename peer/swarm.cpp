@@ -4,6 +4,7 @@
 #include "service/CommandLine.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <iomanip>
 #include <iostream>
 #include <limits>
@@ -16,62 +17,53 @@ namespace {
 using namespace std::chrono_literals;
 using peer::Clock;
 
-constexpr std::chrono::milliseconds warmUp = 3s;
+constexpr std::chrono::seconds warmUp = 3s;
 constexpr std::chrono::milliseconds steeringPeriod = 50ms;
-constexpr float courseChanges = 0.05F;  ///< share of the steering; about one a second
-constexpr double leastSnapshotRate =
-    19.5;                             ///< a second; 20 less those that the ends of the measured time cut off
-constexpr std::uint32_t forward = 1;  ///< control bits
+constexpr unsigned steeringsPerCourse = 20;
+constexpr double leastSnapshotRate = 19.5;  ///< a second; both ends of the measured time may cut one off
+constexpr std::uint32_t forward = 1;        ///< control bits
 constexpr std::uint32_t fire = 0x40000000;
 
-/// Steers by chance and fires about half of the time.
-class Pilot
+/// Takes a course by chance once a second, and fires on about half of the courses.
+struct Pilot
 {
-public:
     Pilot(boost::asio::io_context& io, std::uint16_t port, unsigned number) : client(io, port), random(number)
     {
-        changeCourse();
+        nextSteering += steeringPeriod * (number % 16) / 16;  // so that not all steer at the same moment
+    }
+
+    void steer()
+    {
+        nextSteering += steeringPeriod;
+        const auto chance = [this] { return std::uniform_real_distribution<float>(-1, 1)(random); };
+        if (steerings++ % steeringsPerCourse == 0) {
+            course.orientation = Quaternion(chance(), chance(), chance(), chance());
+            course.orientation.normalise();
+            course.controls = (chance() < 0.6F ? forward : 0) | (chance() < 0 ? fire : 0);
+        }
+        if (client.id() != 0 && !client.serverHungUp()) {
+            client.steer(course);
+        }
     }
 
     peer::HeadlessClient client;
     const peer::ProtocolChecker::Traffic& traffic = client.checker.traffic;
-
-    void steer()
-    {
-        if (between(0, 1) < courseChanges) {
-            changeCourse();
-        }
-        if (client.id() != 0 && !client.serverHungUp()) {
-            client.steer(steering);
-        }
-    }
-
-private:
     std::mt19937 random;
-    messages::Steering steering;
-
-    float between(float low, float high) { return std::uniform_real_distribution<float>(low, high)(random); }
-    void changeCourse()
-    {
-        steering.orientation = Quaternion(between(-1, 1), between(-1, 1), between(-1, 1), between(-1, 1));
-        steering.orientation.normalise();
-        steering.controls = (between(0, 1) < 0.8F ? forward : 0) | (between(0, 1) < 0.5F ? fire : 0);
-    }
+    messages::Steering course;
+    unsigned steerings = 0;
+    Clock::time_point nextSteering = Clock::now();
 };
 
 using Pilots = std::list<Pilot>;
 
-/// Serves every pilot once a millisecond. Their steering is spread over its period.
-void play(Pilots& pilots, std::chrono::milliseconds time)
+/// Serves every pilot about once a millisecond.
+void play(Pilots& pilots, std::chrono::seconds time)
 {
-    const Clock::time_point start = Clock::now();
-    for (auto passed = 0ms; passed < time; ++passed) {
-        std::this_thread::sleep_until(start + passed);
-        auto turn = passed;
+    for (const auto end = Clock::now() + time; Clock::now() < end; std::this_thread::sleep_for(1ms)) {
         for (Pilot& pilot : pilots) {
             pilot.client.poll();
             pilot.client.forgetMessages();
-            if (++turn % steeringPeriod == 0ms) {
+            if (pilot.nextSteering <= Clock::now()) {
                 pilot.steer();
             }
         }
@@ -187,25 +179,26 @@ bool run(std::uint16_t port, unsigned clients, std::chrono::seconds measured)
 
 int main(int argc, char** argv)
 {
-    CLI::App app("plays many clients against a server on 127.0.0.1", "vantor-swarm");
-    unsigned port = 21042;
-    unsigned clients = 64;
-    unsigned seconds = 60;
-    const auto add = [&app](const char* name, unsigned& value, unsigned largest, const char* description) {
-        app.add_option(name, value, description)
-            ->capture_default_str()
-            ->check(commandline::wholeNumber() & CLI::Range(1U, largest));
-    };
-    add("--port", port, std::numeric_limits<std::uint16_t>::max(), "of the server");
-    add("--clients", clients, 1000, "how many");
-    add("--seconds", seconds, 86'400, "to measure, after 3 to warm up");
-    if (const auto status = commandline::parse(app, argc, argv)) {
-        return *status;
-    }
     try {
+        CLI::App app("plays many clients against a server on 127.0.0.1", "vantor-swarm");
+        unsigned port = 21042;
+        unsigned clients = 64;
+        unsigned seconds = 60;
+        const auto add = [&app](const char* name, unsigned& value, unsigned largest, const char* text) {
+            app.add_option(name, value, text)
+                ->capture_default_str()
+                ->transform(commandline::wholeNumber())
+                ->check(CLI::Range(1U, largest));
+        };
+        add("--port", port, std::numeric_limits<std::uint16_t>::max(), "of the server");
+        add("--clients", clients, 1000, "how many");
+        add("--seconds", seconds, 86'400, "to measure, after 3 to warm up");
+        if (const auto status = commandline::parse(app, argc, argv)) {
+            return *status;
+        }
         return run(static_cast<std::uint16_t>(port), clients, std::chrono::seconds(seconds)) ? 0 : 1;
     } catch (const std::exception& error) {
-        std::cerr << "vantor-swarm: " << printable(error.what()) << '\n';
+        std::fprintf(stderr, "vantor-swarm: %s\n", printable(error.what()).c_str());
         return 1;
     }
 }

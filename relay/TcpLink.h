@@ -7,7 +7,6 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/write.hpp>
 
-#include <algorithm>
 #include <array>
 #include <deque>
 #include <functional>
@@ -71,7 +70,7 @@ private:
 
     struct Piece
     {
-        Time due;
+        Time due;           ///< at the earliest: pieces keep their order
         std::string bytes;  ///< empty: the source sends no more
     };
 
@@ -97,7 +96,6 @@ private:
         std::array<char, 16384> received{};
         std::deque<Piece> waiting;  ///< the first one is being awaited or written
         std::size_t waitingBytes = 0;
-        Time lastDue;
         Error sourceError;
     };
 
@@ -135,8 +133,8 @@ private:
         pipe.sourceError = error;
         config.record(pipe.flow, error ? Chunk::Kind::closed : Chunk::Kind::bytes, pipe.received.data(),
                       bytes);
-        pipe.lastDue = std::max(pipe.lastDue, Clock::now() + pipe.impairment.next().delay);
-        pipe.waiting.push_back({pipe.lastDue, std::string(pipe.received.data(), bytes)});
+        const Time due = Clock::now() + pipe.impairment.next().delay;
+        pipe.waiting.push_back({due, std::string(pipe.received.data(), bytes)});
         pipe.waitingBytes += bytes;
         if (pipe.waiting.size() == 1) {
             awaitFirst(pipe);

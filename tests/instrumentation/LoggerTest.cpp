@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 #include <numeric>
+#include <utility>
 
 namespace {
 
@@ -48,11 +49,17 @@ TEST(MeasurementLog, RatesNeedMoreThanASecond)
         EXPECT_FLOAT_EQ(logger.messageRate[Logger::UDP_RECEIVED], messages) << after;
         EXPECT_EQ(logger.packetRate[Logger::UDP_RECEIVED], 0.0F);
     }
+    logger.countMessage(Logger::UDP_RECEIVED);
+    clock.set(start + 5001);
+    logger.calcPrS();
+    EXPECT_EQ(logger.messageRate[Logger::UDP_RECEIVED], 0.5F) << "over the last two seconds alone";
 }
 
 TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
 {
     const FixedClock clock{start};
+    SceneGraph scene;
+    delete std::exchange(SceneGraph::instance, &scene);
     Logger logger;
     logger.setFileToWriteTo("/no-such-folder/log.csv");
     logger.writeMeasurementToFile();
@@ -61,11 +68,9 @@ TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
     std::ofstream(path) << "an older run\n";
     logger.writeMeasurementToFile();
 
-    SceneGraph scene;
     scene.addTransformToType(&scene, SGT_PLAYER);
     scene.addTransformToType(&scene, SGT_PLAYER);
     scene.addTransformToType(&scene, SGT_PROJECTILE);
-    SceneGraph::instance = &scene;
     std::iota(logger.packetRate, logger.packetRate + Logger::channels, 25.5F);
     std::iota(logger.byteRate, logger.byteRate + Logger::channels, 123456.0F);
     std::iota(logger.messageRate, logger.messageRate + Logger::channels, -7.5F);

@@ -1,5 +1,5 @@
-// An SDL_main that tells what the start-up code gave it, one fact a line, and ends with status 7. The desktop
-// asks for the document "/first" before any that GNUstep is told of, which can be told of one only.
+// Stands in for the game: prints what the start-up code of macOS gave it, chooses Quit, and ends with
+// status 7.
 #import <Cocoa/Cocoa.h>
 #include <SDL.h>
 
@@ -8,6 +8,7 @@
 
 int SDL_main(int argc, char** argv);
 
+/// Asks for the document "/first" before GNUstep asks for its own.
 @interface Desktop : NSObject
 @end
 
@@ -23,8 +24,7 @@ int SDL_main(int argc, char** argv);
 
 + (void)openDocument:(NSNotification*)notification
 {
-    (void)notification;
-    [[NSApp delegate] application:NSApp openFile:@"/first"];
+    [[NSApp delegate] application:[notification object] openFile:@"/first"];
 }
 
 @end
@@ -33,77 +33,38 @@ int SDL_main(int argc, char** argv);
 
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy
 {
-    printf("%s application\n", policy == NSApplicationActivationPolicyRegular ? "foreground" : "other");
+    printf("policy %d\n", (int)policy);
     return YES;
 }
 
 @end
 
-static void printArguments(int argc, char** argv)
-{
-    printf("SDL_main");
-    for (int i = 1; i < argc; ++i) {
-        printf(" [%s]", argv[i]);
-    }
-    puts(argv[argc] == NULL ? "" : " without an end");
-}
-
-static void printFolder(void)
-{
-    char folder[1024];
-    printf("in %s\n", getcwd(folder, sizeof folder));
-}
-
-static void printLateDocument(void)
-{
-    const BOOL isTaken = [[NSApp delegate] application:NSApp openFile:@"/late"];
-    printf("a late document is %s\n", isTaken ? "taken" : "refused");
-}
-
-static void printKey(NSMenuItem* item)
-{
-    const NSUInteger modifiers = [item keyEquivalentModifierMask];
-    if ([[item keyEquivalent] length] > 0) {
-        printf(", %s%s%s%s%s", (modifiers & NSControlKeyMask) != 0 ? "control " : "",
-               (modifiers & NSAlternateKeyMask) != 0 ? "option " : "",
-               (modifiers & NSShiftKeyMask) != 0 ? "shift " : "",
-               (modifiers & NSCommandKeyMask) != 0 ? "command " : "", [[item keyEquivalent] UTF8String]);
-    }
-}
-
 static void printMenu(NSMenu* menu)
 {
     for (NSMenuItem* item in [menu itemArray]) {
-        if ([item isSeparatorItem]) {
-            puts("--");
-            continue;
-        }
-        printf("%s", [[item title] UTF8String]);
-        printKey(item);
-        printf([item hasSubmenu] ? ":\n" : ", %s\n", sel_getName([item action]));
+        printf("%s, %s, %lx%s\n", [[item title] UTF8String], sel_getName([item action]),
+               (unsigned long)[item keyEquivalentModifierMask], [[item keyEquivalent] UTF8String]);
         printMenu([item submenu]);
     }
 }
 
-// Chooses the last item of the application's menu.
-static void quit(void)
+int SDL_main(int argc, char** argv)
 {
+    char folder[1024];
+    printf("in %s:", getcwd(folder, sizeof folder));
+    for (int i = 1; i <= argc; ++i) {
+        printf(" %s", argv[i] != NULL ? argv[i] : "end\n");
+    }
+    const BOOL isTaken = [[NSApp delegate] application:NSApp openFile:@"/late"];
+    puts(isTaken ? "a late document is taken" : "a late document is refused");
+    printMenu([NSApp mainMenu]);
     SDL_Init(SDL_INIT_VIDEO);
     NSMenu* menu = [[[NSApp mainMenu] itemAtIndex:0] submenu];
     [menu performActionForItemAtIndex:[menu numberOfItems] - 1];
-    SDL_Event event = {0};
-    while (SDL_PollEvent(&event) != 0 && event.type != SDL_QUIT) {
+    SDL_Event event;
+    while (SDL_PollEvent(&event) != 0) {
+        puts(event.type == SDL_QUIT ? "quit" : "another event");
     }
-    puts(event.type == SDL_QUIT ? "Quit asks the main loop to end" : "Quit asks for nothing");
     SDL_Quit();
-}
-
-int SDL_main(int argc, char** argv)
-{
-    printArguments(argc, argv);
-    printFolder();
-    printLateDocument();
-    printMenu([NSApp mainMenu]);
-    quit();
     return 7;
 }

@@ -68,7 +68,7 @@ TEST(Quaternions, ProductsAndSigns)
 {
     EXPECT_EQ(q1234 * Quaternion(5, 6, 7, 8), Quaternion(-60, 12, 30, 24));
     EXPECT_EQ(q1234 * Vector3(5, 6, 7), Quaternion(0, 5, 6, 7) * q1234) << "against the written order";
-    EXPECT_EQ(Vector3(5, 6, 7) * q1234, q1234 * Quaternion(0, 5, 6, 7));
+    EXPECT_EQ(Vector3(5, 6, 7) * q1234, q1234 * Quaternion(0, 5, 6, 7)) << "against it as well";
     EXPECT_EQ((axisX * Quaternion(HUGE_VALF, 3, 0, 0)).w, -3.0F) << "w takes no part in w";
     EXPECT_EQ(q1234 + Vector3(10, 20, 30), Vector3(12, 23, 34)) << "w takes no part";
     EXPECT_EQ(-q1234, Quaternion(-1, -2, -3, -4));
@@ -131,9 +131,10 @@ TEST(Matrices, Arithmetic)
 
 TEST(Matrices, RotationsAndQuaternionsConvertBothWays)
 {
-    // each component dominates once
+    // each component dominates, or is the only one
     for (const Quaternion& q : {Quaternion(0.8F, 0.36F, -0.48F, 0), Quaternion(0.1F, 0.9F, 0.3F, 0.3F),
-                                Quaternion(0.1F, -0.3F, 0.9F, 0.3F), Quaternion(0.1F, 0.3F, 0.3F, -0.9F)}) {
+                                Quaternion(0.1F, -0.3F, 0.9F, 0.3F), Quaternion(0.1F, 0.3F, 0.3F, -0.9F),
+                                Quaternion(0, 1, 0, 0), Quaternion(0, 0, 1, 0), Quaternion(0, 0, 0, 1)}) {
         const Matrix3 matrix = q.toRotationMatrix();
         expectNear(matrix * Vector3(1, 2, 3), q.rotate({1, 2, 3}));
         Quaternion back;

@@ -1,150 +1,134 @@
 #!/usr/bin/env bash
-# usage: InstalledTreeTest.sh TEST BUILD_FOLDER: runs one of the functions below in a fresh installation.
-set -euo pipefail
+# usage: InstalledTreeTest.sh TEST BUILD_FOLDER CONFIGURATION: runs a function below in a fresh installation. The first
+# command that fails ends it.
+set -Eeuo pipefail
+trap 'printf "line %s failed: %s\n" "$LINENO" "$BASH_COMMAND" >&2' ERR
 
-fail() {
+fail() {  # for session.sh
     printf '%s\n' "$1" >&2
     exit 1
 }
 
-sorted() { printf '%s\n' "$@" | sort -u; }
-
-options_in_help() { "$games/$1" --help | grep -oE '^  --[a-z-]+' | tr -d ' ' | sort -u || true; }
-
-manual_of() { zcat "$tree/share/man/man6/$1.6.gz" | sed 's/\\-/-/g'; }
-
-# about_in_manual PROGRAM OPTION: what it says of the option as one line, with the words in bold in brackets.
-about_in_manual() {
-    manual_of "$1" | awk -v option="$2" '
-        /^\.SH/ || /^\.BI? --/ { inside = $2 == option; next }
-        inside { print /^\.B/ ? "[" $2 "]" : $0 }' | tr '\n' ' '
-}
-
-# completed PROGRAM PREVIOUS_WORD [WORD]
-completed() {
-    COMPREPLY=()
-    _vantor "$games/$1" "${3:-}" "$2"
-    sorted "${COMPREPLY[@]}"
-}
-
-expect_same() {
-    [ -n "$2" ] && [ "$2" = "$3" ] || fail "$1: $(diff <(printf '%s\n' "$2") <(printf '%s\n' "$3"))"
-}
-
-EveryOptionIsInTheManualAndCompleted() {
-    . "$tree/share/bash-completion/completions/vantor-relay"
-    local program option value words own defaults=0
-    for program in vantor vantor-practice vantor-relay vantor-server; do
-        own=$(options_in_help $program)
-        expect_same "help and manual of $program" "$own" \
-            "$(manual_of $program | sed -n 's/^\.BI\? \(--[a-z-]*\).*/\1/p' | sort -u)"
-        [ $program != vantor-practice ] || own=$(sorted $own $(options_in_help vantor-server))
-        expect_same "help and completion of $program" "$own" "$(completed $program $program)"
-        while read -r option value; do # --option ARG (=X) is "X by default" or "X (the default)" in the manual
-            [[ $(about_in_manual $program "$option") =~ (^|[[ ])"$value"]?\ (by default|\(the default) ]] ||
-                fail "the manual of $program does not say that $value is the default of $option"
-            defaults=$((defaults + 1))
-        done < <("$games/$program" --help | sed -n 's/^  \(--[a-z-]*\) .*(=\([^)]*\)).*/\1 \2/p')
-    done
-    [ $defaults -eq 12 ] || fail "the help names $defaults defaults"
-    for option in vantor-server:--difficulty vantor-server:--spawn vantor-relay:--network; do
-        program=${option%:*} option=${option#*:}
-        words=$(completed "$program" "$option")
-        for value in $words; do
-            grep -qw "$value" <<<"$("$games/$program" --help)" || fail "$program knows no $option $value"
-        done
-        expect_same "values in completion and manual of $option" "$words" \
-            "$(about_in_manual "$program" "$option" | grep -oE '\[[a-z]+\]' | tr -d '[]' | sort -u)"
-    done
-    COMP_WORDS=(vantor-server --spawn = g) COMP_CWORD=3
-    expect_same 'completion after =' grid "$(completed vantor-server = g)"
-    HOME=$tree games='~/games'
-    expect_same "completion in one's home" --replay "$(completed vantor-relay vantor-relay --rep)"
-}
-
-# practise OPTION...: starts a match; sets match to its process.
-practise() {
-    mkdir -p "$work/tmp"
-    TMPDIR=$work/tmp "$games/vantor-practice" "$@" 2>"$work/said" &
-    match=$!
-    started+=("$match")
-}
-
-# expect_said STATUS TEXT...: of a match that ends.
-expect_said() {
-    local status=0 text
-    wait "$match" || status=$?
-    [ $status -eq "$1" ] || fail "status $status, $(cat "$work/said")"
-    for text in "${@:2}"; do
-        grep -q "$text" "$work/said" || fail "not told '$text', but $(cat "$work/said")"
-    done
-}
-
-# await_file PATH TEXT: until the file, whose path may be a pattern, has it.
-await_file() {
+eventually() {  # eventually CONDITION: waits until the shell text succeeds
     local tries=200
-    until grep -qs "$2" $1; do
-        [ $((tries -= 1)) -gt 0 ] || fail "no $2 in $1"
+    until eval "$1"; do
+        [ $((tries -= 1)) -gt 0 ]
         sleep 0.1
     done
 }
 
-colours() { import -silent -window root ppm:- | identify -format %k ppm:-; }
-
-APracticeMatchPlaysAndLeavesNothing() {
-    ! find "$tree" -type l -exec readlink -f {} + | grep -v "^$tree/" || fail 'a link leaves the installation'
-    start_display
-    practise --bots 4
-    local tries=60
-    until [ "$(colours)" -gt 1000 ] && grep -qs shot.obj "$work"/tmp/*/client; do
-        xdotool mousedown 1 sleep 0.2 mouseup 1  # the last file that the client loads is a shot's
-        [ $((tries -= 1)) -gt 0 ] && kill -0 $match || fail 'no picture of a match'
-        sleep 0.5
+InstallsBelowAnyPrefix() {
+    local program
+    diff <(cd "$tree" && find . ! -type d | sort) <(sed "s|^$prefix|.|" <<<"$manifest" | sort)
+    diff /dev/null <(find -L "$tree" -type l)  # links lead somewhere, and to what belongs to the installation
+    diff /dev/null <(find "$tree" -type l -exec readlink -f {} + | grep -v "^$tree/" || true)
+    diff /dev/null <(find "$tree" ! -type l ! -perm -a+r -o -type d ! -perm -a+x)
+    for program in vantor vantor-practice vantor-relay vantor-server; do
+        zgrep -qF '\-\-help' "$tree/share/man/man6/$program.6.gz"
     done
-    ! grep -i error "$work"/tmp/*/client || fail 'the client misses something'
-    kill $match
-    wait $match || fail "left, but with status $?"
-    [ -z "$(ls "$work/tmp")" ] || fail "left over: $(ls "$work/tmp")"
-    ! pgrep -f "$games/" || fail 'a process was left running'
 }
 
-AServerThatBreaksOffAndWhatTheClientMissedAreReported() {
+ProgramsAreHardened() {
+    local program symbol symbols
+    for program in lib/games/vantor/vantor games/vantor-relay games/vantor-server; do
+        symbols=$(readelf --wide --dynamic --program-headers --dyn-syms "$tree/$program")
+        for symbol in 'FLAGS.* NOW' GNU_RELRO __stack_chk_fail '__[a-z]*_chk@' __glibcxx_assert_fail; do
+            grep -q -e "$symbol" <<<"$symbols"
+        done
+    done
+}
+
+options() { { "$games/$1" --help || true; } | grep -oE '^  --[a-z-]+' | tr -d ' '; }
+
+completed() {  # completed PROGRAM PREVIOUS_WORD [WORD]
+    COMPREPLY=()
+    _vantor "$games/$1" "${3:-}" "$2"
+    printf '%s\n' "${COMPREPLY[@]}"
+}
+
+CompletesEveryOption() {
+    local program option value
+    . "$tree/share/bash-completion/completions/vantor-relay"
+    for program in vantor vantor-relay vantor-server; do
+        [ "$(options $program | wc -l)" -ge 4 ]
+        diff <(options $program | sort -u) <(completed $program $program)
+    done
+    diff <({ options vantor-practice; options vantor-server; } | sort -u) <(completed vantor-practice vantor-practice)
+    for option in vantor-server:--difficulty vantor-server:--spawn vantor-relay:--network; do
+        for value in $(completed ${option/:/ }); do
+            grep -qw "$value" <<<"$("$games/${option%:*}" --help)"
+        done
+    done
+    COMP_WORDS=(vantor-server --spawn = g) COMP_CWORD=3
+    [ "$(completed vantor-server = g)" = grid ]
+    HOME=$tree games='~/games'
+    [ "$(completed vantor-relay vantor-relay --rep)" = --replay ]
+}
+
+practise() {  # practise OPTION...: starts a match; sets match to its process
+    TMPDIR=$work/tmp "$games/vantor-practice" "$@" 2>"$work/errors" &
+    match=$!
+    started+=("$match")
+}
+
+expect_end() {  # expect_end STATUS [ERROR]: of the match
+    local status=0
+    wait "$match" || status=$?
+    cat "$work/errors"
+    [ $status -eq "$1" ]
+    [ $# -eq 2 ] || [ ! -s "$work/errors" ]
+    grep -q "${2:-}" "$work/errors" || [ $# -eq 1 ]
+}
+
+PracticeMatchPlaysAndLeavesNothing() {
+    start_display
+    diff /dev/null <(XAUTHORITY=/dev/null xdotool getmouselocation 2>/dev/null || true)  # the display asks for its cookie
+    practise --bots 4
+    eventually '[ "$(import -silent -window root ppm:- | identify -format %k ppm:-)" -gt 1000 ]'
+    xdotool mousedown 1
+    eventually 'grep -qs shot.obj "$work"/tmp/*/client'  # the last file that the client loads
+    diff /dev/null <(grep -i error "$work"/tmp/*/client || true)
+    kill $match
+    expect_end 0
+    diff /dev/null <(ls "$work/tmp"; pgrep -f "$games/" || true)
+}
+
+ServerBreaksOff() {
     start_display
     rm "$tree/share/games/vantor/Resources/skybox.png"
     practise --bots 2
-    IFS= await_file "$work/tmp/*/client" fighter.obj
+    eventually 'grep -qs fighter.obj "$work"/tmp/*/client'
     kill -KILL "$(pgrep -P "$match" -x vantor-server)"
-    expect_said 1 'practice server broke off with status 137' '^vantor-practice: Error.*skybox.png'
-    grep -q 'broke off' "$work/dialog" || fail 'no dialog'
+    expect_end 1 'practice server broke off with status 137'
+    grep -q '^vantor-practice: Error.*skybox.png' "$work/errors"
+    grep -q 'broke off' "$work/dialog"
 }
 
-AnInterruptBeforeTheClientStartsIsNoError() {
+EarlyInterruptIsNoError() {
     printf '#!/bin/sh\necho starting\nexec sleep 30\n' >"$games/vantor-server"
     DISPLAY=:nowhere practise
-    IFS= await_file "$work/tmp/*/practice server" starting
+    eventually 'grep -qs starting "$work"/tmp/*/"practice server"'
     kill "$match"
-    expect_said 0
-    [ ! -s "$work/said" ] || fail "$(cat "$work/said")"
+    expect_end 0
 }
 
 BadStartsAreExplained() {
-    unset DISPLAY WAYLAND_DISPLAY
-    practise
-    expect_said 1 'no display'
-    WAYLAND_DISPLAY=wayland-0 practise
-    expect_said 1 'install xwayland'
+    DISPLAY= WAYLAND_DISPLAY= practise
+    expect_end 1 'no display'
+    DISPLAY= WAYLAND_DISPLAY=wayland-0 practise
+    expect_end 1 'install xwayland'
     export DISPLAY=:nowhere
     practise
-    expect_said 1 "Couldn't initialize SDL"
-    grep -q "Couldn't initialize SDL" "$work/dialog" || fail 'no dialog'
-    [ ! -s "$work/kept waiting" ] || fail 'the server waits for the dialog to be closed'
+    expect_end 1 "Couldn't initialize SDL"
+    grep -q "Couldn't initialize SDL" "$work/dialog"
+    [ ! -s "$work/kept waiting" ]  # the server ended before the dialog
     practise --bots many
-    expect_said 2 "a whole number from 0 to 64, not 'many'"
+    expect_end 2 'bots.*many'
 }
 
 . "$(dirname "$(readlink -f "$0")")/../../packaging/session.sh"
 open_session
-mkdir "$work/desktop"  # whose dialogs nobody needs to close
+mkdir "$work/tmp" "$work/desktop"  # with dialogs that close by themselves
 cat >"$work/desktop/zenity" <<SCRIPT
 #!/bin/sh
 pgrep -f "$work/any place/games/vantor-server" >"$work/kept waiting"
@@ -152,8 +136,10 @@ echo "\$@" >>"$work/dialog"
 SCRIPT
 chmod +x "$work/desktop/zenity"
 PATH=$work/desktop:$PATH
-cmake --install "$2" --prefix "$work/first place" >/dev/null
-tree="$work/any place"  # it may be moved, and blanks do no harm
-mv "$work/first place" "$tree"
+prefix="$work/first place/usr"
+(umask 077 && flock "$2" cmake --install "$2" --config "$3" --prefix "$prefix" >/dev/null)
+manifest=$(cat "$2/install_manifest.txt")
+tree="$work/any place"  # an installation can be moved, and blanks do no harm
+mv "$prefix" "$tree"
 games=$tree/games
 "$1"

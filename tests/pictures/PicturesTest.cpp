@@ -1,5 +1,5 @@
 // How the art looks in the game. Where each thing is drawn, and in which colour, is compared by its OpenGL
-// calls in tests/end_to_end.
+// calls in tests/engine/golden.
 #include "tests/end_to_end/GameSession.h"
 #include "tests/support/GoldenImage.h"
 
@@ -72,9 +72,12 @@ TEST(Pictures, ShotsAndAnExplosion)
     };
     show(30, true, {2, 0.5F, 8});
     show(31, false, {-2, -0.5F, 8});
-    std::this_thread::sleep_for(1500ms);
-    show(32, true, {0, 0, 40});
-    std::this_thread::sleep_for(300ms);  // a shot takes its place in its first frame
-    game.server.sendTcp(messages::destroyFrame(32));
-    expectImage(game.display, {"shots-and-explosion", "360x180+220+210", 400ms});
+    const auto explode = [&] {  // it lasts a second
+        std::this_thread::sleep_for(1200ms);
+        show(32, true, {0, 0, 40});
+        std::this_thread::sleep_for(300ms);  // a shot takes its place in its first frame
+        game.server.sendTcp(messages::destroyFrame(32));
+        std::this_thread::sleep_for(100ms);
+    };
+    expectImage(game.display, {"shots-and-explosion", "360x180+220+210"}, explode);
 }

@@ -45,22 +45,27 @@ protected:
     static std::string readingFile(const std::string& path)
     {
         std::string warning;
-        try {
+        return resultOf([&] {
             const auto chunks = readRecording(path, [&](const std::string& line) { warning = "; " + line; });
             return std::to_string(chunks.size()) + " chunks" + warning;
-        } catch (const std::runtime_error& error) {
-            return error.what();
-        }
+        });
     }
     /// The bytes of the server's track, or the reason why there is none.
     std::string track() const
     {
         std::string bytes;
-        try {
+        return resultOf([&] {
             for (const Chunk& chunk : readServerTrack(path, {}).chunks) {
                 bytes += chunk.bytes + ' ';
             }
             return bytes;
+        });
+    }
+    template <class Function>
+    static std::string resultOf(Function function)
+    {
+        try {
+            return function();
         } catch (const std::runtime_error& error) {
             return error.what();
         }

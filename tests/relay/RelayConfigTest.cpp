@@ -1,8 +1,7 @@
 #include "relay/RelayConfig.h"
+#include "service/CommandLine.h"
 
 #include <gtest/gtest.h>
-
-#include <boost/program_options/parsers.hpp>
 
 #include <utility>
 #include <vector>
@@ -15,7 +14,7 @@ namespace {
 int read(const std::string& line, RelayConfig& config)
 {
     std::vector<const char*> arguments = {"vantor-relay"};
-    const auto words = boost::program_options::split_unix(line);
+    const auto words = CLI::detail::split_up(line);
     for (const std::string& word : words) {
         arguments.push_back(word.c_str());
     }

@@ -81,6 +81,8 @@ TEST(Collision, ObjectsCollideByTheirFirstVolume)
         object->setSphere(5.0F);
         EXPECT_TRUE(object->collidesWith(far)) << "any volume may follow init";
     }
+    nothing.setLineSegment({0, 0, 1});
+    EXPECT_TRUE(nothing.collidesWith(sphere));  // and dies with its segment
 }
 
 TEST(Collision, TheHandlerReportsEachHitToBothInOrder)

@@ -86,6 +86,8 @@ TEST_F(StartingPoints, TheGridGrowsWithTheNumberOfPlayers)
     for (const auto& [players, slot, point] : cases) {
         expectNear(General::gridPoint(centre, box, slot, players), point + centre);
     }
+    // more layers than an int counts
+    expectNear(General::gridPoint({}, {1.0F, 1e-20F, 1e10F}, 5, 1), {0.0F, 0.0F, -5e9F});
     // 65,537 by 65,537 cells in one layer are more than an int counts
     expectNear(General::gridPoint({}, {1.0F, 1.0F, 3.55264e-15F}, 140000, 1),
                {-0.363802F, -0.4999695F, 0.0F});

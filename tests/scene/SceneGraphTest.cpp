@@ -107,25 +107,26 @@ TEST_F(Scene, LeaversLeaveTheirTypeListOneByOne)
 
 TEST_F(Scene, ALeaverLeavesOnlyTheFirstPlaceOfTheRightLists)
 {
+    Noting* carrier = add(9, SGT_CARRIER);
     Noting* first = add(1, SGT_PLAYER);
     Noting* second = add(2, SGT_PLAYER);
+    Noting* third = add(3, SGT_PLAYER);
     graph->addTransformToType(second, SGT_PLAYER);
     graph->addTransformToType(second, SGT_CARRIER);
-    Objects other = {nullptr, first, second, second};
+    Objects other = {nullptr, first, second, third, second};
     graph->addToRemoveList(first);
     graph->addToRemoveList(&other, first);  // queued already
     graph->addToRemoveList(&other, second);
     graph->applyRemoveList();
-    graph->applyRemoveList();
-    EXPECT_EQ(history, "xx");
-    EXPECT_EQ(other, (Objects{nullptr, first, second}));
-    EXPECT_EQ(graph->children, Objects{second});
-    graph->children.clear();  // it dangles there
+    EXPECT_EQ(*graph->getListOfType(SGT_PLAYER), (Objects{third, second}));
+    EXPECT_EQ(*graph->getListOfType(SGT_CARRIER), (Objects{carrier, second}));
+    EXPECT_EQ(graph->children, (Objects{carrier, second, third}));
 
-    Noting* third = add(3, SGT_PLAYER);
     remove({third});  // walks past the dead
     EXPECT_EQ(*graph->getListOfType(SGT_PLAYER), Objects{second});
-    EXPECT_EQ(*graph->getListOfType(SGT_CARRIER), Objects{second});
+    EXPECT_EQ(other, (Objects{nullptr, first, third, second}));
+    EXPECT_EQ(history, "xxx");
+    graph->children.remove(second);  // it dangles there
 }
 
 TEST_F(Scene, AReusedIdNamesTheLaterObject)

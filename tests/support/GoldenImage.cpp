@@ -8,8 +8,9 @@ namespace support {
 
 namespace {
 
-constexpr int onePixelIn = 1000;  // may differ
-constexpr int patience = 10;      // settling times, for a busy machine
+constexpr int onePixelIn = 1000;              // may differ
+constexpr Clock::duration settling = 1800ms;  // until a scene stands still
+constexpr Clock::duration patience = 20s;     // for a busy machine
 
 int area(const std::string& region)
 {
@@ -18,22 +19,25 @@ int area(const std::string& region)
 
 }  // namespace
 
-void expectImage(const VirtualDisplay& display, const GoldenImage& image)
+void expectImage(const VirtualDisplay& display, const GoldenImage& image,
+                 const std::function<void()>& prepare)
 {
     const std::string golden = VANTOR_GOLDEN_IMAGES + image.name + ".png";
     const std::string seen = VANTOR_SEEN_IMAGES + image.name + ".seen.png";
     const std::string differences = VANTOR_SEEN_IMAGES + image.name + ".differences.png";
     if (std::getenv("VANTOR_REMAKE_PICTURES") != nullptr) {
-        std::this_thread::sleep_for(image.settling);
+        std::this_thread::sleep_for(settling);
+        prepare();
         display.screenshot(image.region, golden);
     }
     int different = 0;
     const auto isLikeGolden = [&] {
+        prepare();
         display.screenshot(image.region, seen);
         different = countDifferent(golden, seen, differences);
         return different * onePixelIn <= area(image.region);
     };
-    EXPECT_TRUE(eventually(isLikeGolden, patience * image.settling))
+    EXPECT_TRUE(eventually(isLikeGolden, patience))
         << different << " pixels differ from " << golden << "; see " << seen;
 }
 

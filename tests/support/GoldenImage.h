@@ -2,6 +2,8 @@
 
 #include "tests/support/VirtualDisplay.h"
 
+#include <functional>
+
 namespace support {
 
 /// What a part of the client's window has to look like: a picture file that a person looked at when it was
@@ -13,14 +15,15 @@ struct GoldenImage
 {
     std::string name;    ///< of the file, without folder and ending
     std::string region;  ///< as in VirtualDisplay::screenshot
-    /// How long after its cause the scene stands still.
-    Clock::duration settling = std::chrono::milliseconds(1800);
 };
 
 /// Waits until the screen looks like the image. If it does not in time, the test fails and names the picture
 /// of what was seen, beside which is one of the differences.
 ///
 /// With VANTOR_REMAKE_PICTURES in the environment it makes the golden image anew before.
-void expectImage(const VirtualDisplay& display, const GoldenImage& image);
+///
+/// `prepare` runs before each look at the screen, for what does not last.
+void expectImage(
+    const VirtualDisplay& display, const GoldenImage& image, const std::function<void()>& prepare = [] {});
 
 }  // namespace support

@@ -1,8 +1,8 @@
 """BOOOM.png: a fireball that bursts through its own smoke, with sparks, on a transparent ground.
 
-The client draws explosions with depth writes and in the order in which they happen, so a near
-one hides what is drawn after it behind its whole square, transparent or not. The smoke fills
-nearly all of the square: what is hidden then hides behind smoke and not behind nothing.
+The client draws explosions with depth writes, in the order in which they happen. So a near one hides all that is drawn
+after it behind its whole square, transparent or not. Smoke fills nearly all of the square: then things hide behind
+smoke and not behind nothing.
 """
 
 import numpy as np
@@ -12,14 +12,14 @@ from noise import ValueNoise, smoothstep
 
 SIZE = 256
 SQUARENESS = 2.3  # exponent of the smoke's outline: 2 is a circle
-# heat 0..1 to colour
+# the colour of heat 0..1
 HEAT = np.array([0.0, 0.12, 0.3, 0.5, 0.75, 1.0])
 COLOURS = np.array([(0.15, 0.09, 0.07), (0.30, 0.10, 0.04), (0.75, 0.17, 0.02), (1.0, 0.47, 0.06),
                     (1.0, 0.83, 0.35), (1.0, 1.0, 0.94)])
 
 
 def fire(x, y):
-    """Heat and opacity at distance 1 = border."""
+    """Heat and opacity; the picture's border is at distance 1."""
     noise = ValueNoise(5)
     r, angle = np.hypot(x, y), np.arctan2(y, x)
     square = (np.abs(x) ** SQUARENESS + np.abs(y) ** SQUARENESS) ** (1 / SQUARENESS)

@@ -1,12 +1,9 @@
 """fighter.obj: nose along +z, up +y, drawn at 0.05; 78 model units long, 88 wide.
 
-The chase camera sits 100 model units behind and 40 above, so the stern, the upper
-wings and the fins carry the look; the stern stays short to keep it in the picture.
-An enemy 300 units away is a few pixels: wings, fins and engines are wide and thick
-for its sake.
+The camera sits 100 model units behind and 40 above, so it sees mostly the stern, the upper wings and the fins. The stern
+is short, so that all of it is in the picture. An enemy 300 units away is a few pixels: wings, fins and engines are wide
+and thick so that it can be seen.
 """
-
-import numpy as np
 
 import mesh
 from textures import (FIGHTER_BRIGHT, FIGHTER_DARK, FIGHTER_GLASS, FIGHTER_GLOW,
@@ -46,12 +43,6 @@ def hull_map(v_centre=0.625, shift=0.0):
     return mesh.planar(FIGHTER_UNITS, v_centre, shift)
 
 
-def cell_map(cell, points):
-    """Stretches a texture cell (u0, v0, u1, v1) over four corners."""
-    u0, v0, u1, v1 = cell
-    return list(zip(points, [(u0, v0), (u1, v0), (u1, v1), (u0, v1)]))
-
-
 def fuselage(shape):
     rings = []
     for z, w, chine, top, bottom in FUSELAGE:
@@ -59,18 +50,18 @@ def fuselage(shape):
         rings.append([(w, chine, z), (w * 0.62, shoulder, z), (w * 0.2, top, z),
                       (-w * 0.2, top, z), (-w * 0.62, shoulder, z), (-w, chine, z),
                       (-w * 0.5, bottom, z), (w * 0.5, bottom, z)])
-    upper, lower = shape.new_group(), shape.new_group()
+    upper, lower = object(), object()
     coords = mesh.arc_coords(rings, FIGHTER_UNITS, FIGHTER_HULL[0] + 0.30)
     shape.loft(rings, coords, [upper] * 5 + [lower] * 3)
-    shape.face(rings[0][::-1], mesh.planar(FIGHTER_UNITS, 0.7))
-    shape.face(rings[-1], mesh.planar(FIGHTER_UNITS, 0.7))
+    shape.face(rings[0][::-1], hull_map(0.7))
+    shape.face(rings[-1], hull_map(0.7))
 
 
 def canopy(shape):
     rings = []
     for z, w, foot, top in CANOPY:
-        rings.append([(w, foot, z), (w * 0.72, foot + (top - foot) * 0.68, z), (0, top, z),
-                      (-w * 0.72, foot + (top - foot) * 0.68, z), (-w, foot, z)])
+        shoulder = foot + (top - foot) * 0.68
+        rings.append([(w, foot, z), (w * 0.72, shoulder, z), (0, top, z), (-w * 0.72, shoulder, z), (-w, foot, z)])
     u0, v0, u1, v1 = FIGHTER_GLASS
     first, last = CANOPY[0][0], CANOPY[-1][0]
 
@@ -78,36 +69,26 @@ def canopy(shape):
         along = (CANOPY[i][0] - first) / (last - first)
         return (u0 + (u1 - u0) * along, v0 + (v1 - v0) * j / 4)
     shape.loft(rings, coords, closed=False)
-    shape.face(rings[0][::-1], mesh.constant(*FIGHTER_BRIGHT))
+    shape.face(rings[0][::-1], FIGHTER_BRIGHT)
 
 
 def nacelle(half):
     """One engine: intake in front, glowing nozzle at the back."""
     def ring(z, radius):
-        return mesh.ring_points(NACELLE_SIDES, radius, z, NACELLE_CENTRE)
+        return mesh.round_section(NACELLE_SIDES, radius, z, NACELLE_CENTRE)
     rings = [ring(z, r) for z, r in NACELLE]
     half.loft(rings, mesh.arc_coords(rings, FIGHTER_UNITS, FIGHTER_HULL[0] + 0.2, 0.4))
 
-    nozzle = [ring(-25.5, 4.9), ring(-22.0, 5.6)]
-    half.loft(nozzle, lambda i, j: (0.52 + 0.02 * j, 0.02 + 0.15 * i))
-    throat = ring(-24.4, 4.5)
-    dark = mesh.constant(*FIGHTER_DARK)
-    edge = ring(-25.5, 4.9)
-    for j in range(NACELLE_SIDES):
-        k = (j + 1) % NACELLE_SIDES
-        half.face([edge[j], throat[j], throat[k], edge[k]], dark)
-    (cu, cv), radius = FIGHTER_GLOW
-    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], -24.4)
-    half.fan(throat[::-1], centre, mesh.disc_coords(NACELLE_SIDES, (cu, cv), radius)[::-1],
-             (cu, cv), normal=mesh.GLOWING)
+    edge, throat = ring(-25.5, 4.9), ring(-24.4, 4.5)
+    half.loft([edge, rings[0]], lambda i, j: (0.52 + 0.02 * j, 0.02 + 0.15 * i))
+    for _, quad in mesh.strips(edge, throat):
+        half.face(quad[mesh.BACK], FIGHTER_DARK)
+    half.glow(throat, -24.4, FIGHTER_GLOW)
 
-    lip, mouth = ring(7.0, 5.2), ring(4.0, 4.2)
-    for j in range(NACELLE_SIDES):
-        k = (j + 1) % NACELLE_SIDES
-        half.face([lip[j], lip[k], mouth[k], mouth[j]], mesh.constant(*FIGHTER_BRIGHT))
-    centre = (NACELLE_CENTRE[0], NACELLE_CENTRE[1], 5.0)
-    dark_uv = [FIGHTER_DARK] * NACELLE_SIDES
-    half.fan(mouth, centre, dark_uv, FIGHTER_DARK, half.new_group())
+    lip, mouth = rings[-1], ring(4.0, 4.2)
+    for _, quad in mesh.strips(lip, mouth):
+        half.face(quad, FIGHTER_BRIGHT)
+    half.fan(mouth, (*NACELLE_CENTRE, 5.0), [FIGHTER_DARK] * NACELLE_SIDES, FIGHTER_DARK, object())
 
 
 def wing_section(x, y, lead, trail, thick):
@@ -119,10 +100,8 @@ def wing_section(x, y, lead, trail, thick):
 def skin_wing(half, sections, coords):
     """Joins wing cuts, root first, and closes both ends."""
     for inner, outer in zip(sections, sections[1:]):
-        for j in range(4):
-            k = (j + 1) % 4
-            half.face([inner[j], outer[j], outer[k]], coords)
-            half.face([inner[j], outer[k], inner[k]], coords)
+        for _, quad in mesh.strips(inner, outer):
+            half.bent(quad[mesh.BACK], coords)
     half.face(sections[0], coords)
     half.face(sections[-1][::-1], coords)
 
@@ -130,62 +109,49 @@ def skin_wing(half, sections, coords):
 def wing(half):
     skin_wing(half, [wing_section(15.0, 0.9, 12.0, -21.0, 2.5),
                      wing_section(24.0, 0.2, 0.5, -21.5, 2.0),
-                     wing_section(40.0, 1.6, -10.0, -23.0, 1.3)],
-              hull_map(v_centre=FIGHTER_WINGS, shift=0.17))
+                     wing_section(40.0, 1.6, -10.0, -23.0, 1.3)], hull_map(FIGHTER_WINGS, 0.17))
     # the strake from the nose to the engine
     skin_wing(half, [wing_section(3.8, -0.2, 29.0, -4.0, 1.1),
-                     wing_section(8.6, 0.3, 10.0, -4.0, 0.9)],
-              hull_map(v_centre=0.45, shift=0.55))
+                     wing_section(8.6, 0.3, 10.0, -4.0, 0.9)], hull_map(0.45, 0.55))
 
 
-def fin(half):
+def fins(half):
     """A tail fin that leans outwards, and a smaller one on the pod at the wing's tip."""
-    plates = hull_map(v_centre=0.5, shift=0.3)
-    low = np.array([(14.6, 5.0, 2.0), (12.2, 5.0, 2.0), (12.6, 5.0, -21.0), (14.4, 5.0, -21.0)])
-    top = np.array([(22.6, 22.5, -17.0), (21.6, 22.5, -17.0), (21.6, 20.5, -27.0),
-                    (22.6, 20.5, -27.0)])
-    half.hexahedron(top[::-1], low[::-1], plates, skip=("far",))
-    low = np.array([(41.6, 3.2, -7.0), (39.8, 3.2, -7.0), (39.8, 3.2, -22.0), (41.6, 3.2, -22.0)])
-    top = np.array([(44.0, 11.0, -18.0), (43.2, 11.0, -18.0), (43.2, 10.0, -25.0), (44.0, 10.0, -25.0)])
-    half.hexahedron(top[::-1], low[::-1], plates, skip=("far",))
+    half.block([(22.6, 20.5, -27.0), (21.6, 20.5, -27.0), (21.6, 22.5, -17.0), (22.6, 22.5, -17.0)],
+               [(14.4, 5.0, -21.0), (12.6, 5.0, -21.0), (12.2, 5.0, 2.0), (14.6, 5.0, 2.0)], hull_map(0.5, 0.3))
+    half.block([(44.0, 10.0, -25.0), (43.2, 10.0, -25.0), (43.2, 11.0, -18.0), (44.0, 11.0, -18.0)],
+               [(41.6, 3.2, -22.0), (39.8, 3.2, -22.0), (39.8, 3.2, -7.0), (41.6, 3.2, -7.0)], hull_map(0.5, 0.3))
 
 
 def pod(half):
     """The pod at the wing's tip: a small engine behind, a gun in front."""
     def ring(z, radius):
-        return mesh.ring_points(6, radius, z, POD_CENTRE)
+        return mesh.round_section(6, radius, z, POD_CENTRE)
     body = [ring(-25.0, 2.3), ring(-19.0, 3.0), ring(-8.0, 2.7), ring(-2.0, 1.0)]
     half.loft(body, mesh.arc_coords(body, FIGHTER_UNITS, 0.45, 0.2))
-    spot, size = FIGHTER_GLOW
-    half.face(body[0][::-1], mesh.disc_coords(6, spot, size)[::-1], normal=mesh.GLOWING)
-    half.face(body[-1], mesh.constant(*FIGHTER_DARK))
-    barrel = [ring(z, r)[::2] for z, r in ((-2.0, 0.7), (13.0, 0.55))]
+    half.face(body[0][::-1], mesh.circle(6, *FIGHTER_GLOW)[::-1], normal=mesh.GLOWING)
+    half.face(body[-1], FIGHTER_DARK)
+    barrel = [ring(-2.0, 0.7)[::2], ring(13.0, 0.55)[::2]]
     half.loft(barrel, lambda i, j: FIGHTER_VENT[:2])
-    half.face(barrel[1], mesh.constant(*FIGHTER_BRIGHT))
+    half.face(barrel[1], FIGHTER_BRIGHT)
 
 
 def spine(shape):
     """A dark ridge behind the canopy and the grille between the engines."""
-    shape.box((-1.1, 4.0, -20.0), (1.1, 6.0, -5.0), hull_map(0.6, 0.75), skip=("far",),
-              taper=(0.6, 0.75))
-    grille = [(3.6, -2.0, -23.2), (-3.6, -2.0, -23.2), (-3.2, 2.8, -23.2), (3.2, 2.8, -23.2)]
-    corners = cell_map(FIGHTER_VENT, grille)
-    shape.face([p for p, _ in corners], [c for _, c in corners])
-
-
-def build():
-    shape = mesh.Mesh()
-    fuselage(shape)
-    canopy(shape)
-    spine(shape)
-    half = mesh.Mesh()
-    nacelle(half)
-    wing(half)
-    fin(half)
-    pod(half)
-    shape.add_both_sides(half)
-    return shape
+    shape.box((-1.1, 4.0, -20.0), (1.1, 6.0, -5.0), hull_map(0.6, 0.75), taper=(0.6, 0.75))
+    u0, v0, u1, v1 = FIGHTER_VENT
+    shape.face([(3.6, -2.0, -23.2), (-3.6, -2.0, -23.2), (-3.2, 2.8, -23.2), (3.2, 2.8, -23.2)],
+               [(u0, v0), (u1, v0), (u1, v1), (u0, v1)])
 
 
 def make(path):
-    return mesh.write_obj(path, "fighter", build(), (0, 0, 0), SHADING)
+    shape, half = mesh.Mesh(), mesh.Mesh()
+    fuselage(shape)
+    canopy(shape)
+    spine(shape)
+    nacelle(half)
+    wing(half)
+    fins(half)
+    pod(half)
+    shape.add_both_sides(half)
+    return mesh.write_obj(path, "fighter", shape, SHADING)

@@ -32,12 +32,17 @@ class ValueNoise:
         return total
 
     def fractal(self, points, octaves, gain=0.5):
-        """Octaves of noise, each twice as fine and `gain` as strong; about 0..1."""
+        """Octaves of noise, each twice as fine and `gain` times as strong; about 0..1."""
         return self._octaves(points, octaves, gain, lambda value: value)
 
     def ridged(self, points, octaves, gain=0.5):
         """Like `fractal`, folded so that thin bright veins appear."""
         return self._octaves(points, octaves, gain, lambda value: (1 - np.abs(2 * value - 1)) ** 2)
+
+    def gas(self, points, vein_points):
+        """Clouds with sharp edges, and the bright veins within them; both about 0..1."""
+        veins = self.ridged(vein_points, 5, 0.55)
+        return smoothstep(0.36, 0.80, self.fractal(points, 6, 0.55) * 0.72 + 0.36 * veins), veins
 
     def _octaves(self, points, octaves, gain, shape):
         total, weight, norm = 0.0, 1.0, 0.0
@@ -50,5 +55,6 @@ class ValueNoise:
 
 
 def smoothstep(low, high, x):
+    """0 at `low`, 1 at `high` and a smooth step between; `high` may be the smaller one."""
     t = np.clip((x - low) / (high - low), 0, 1)
     return t * t * (3 - 2 * t)

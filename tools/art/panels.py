@@ -12,88 +12,68 @@ def tiling_noise(rng, height, width, smooth_y, smooth_x):
     return (noise - noise.mean()) / noise.std()
 
 
-class Plating:
+def plating(rng, canvas, tone, spread, smallest, section):
     """Cuts a canvas into sections and those into plates, each with its own tone and fittings.
 
-    Sections differ in tone and in the size of their plates: the large pattern is what one sees
-    from afar, where the client, which samples no mipmaps, shows fine lines as noise.
+    `tone` is the mean brightness, `spread` the deviation of the sections' brightness; plates differ less. `smallest` is
+    the shortest side of a plate, `section` about the longest side of a section, both in pixels.
+
+    Sections differ in tone and in the size of their plates. This large pattern is what one sees from afar: the client
+    samples no mipmaps and shows fine lines as noise.
     """
+    def lay_section(area):
+        section_tone = np.clip(rng.normal(tone, spread), 0.2, 0.97)
+        size = int(smallest * rng.choice([1.0, 1.6, 2.6]))
+        cut(rng, area, size, lambda part: lay_plate(rng, part, section_tone, spread))
+        area[:2] = area[:, :2] = section_tone * 0.42
+    cut(rng, canvas, section / 2, lay_section)
 
-    def __init__(self, rng, canvas, tone, spread, smallest, section):
-        self.rng = rng
-        self.canvas = canvas
-        self.tone = tone          # mean brightness of a plate
-        self.spread = spread      # deviation of the brightness of sections; plates differ less
-        self.smallest = smallest  # shortest side of a plate, pixels
-        self.section = section    # about the longest side of a section, pixels
 
-    def cover(self):
-        height, width = self.canvas.shape
-        self.cut(0, 0, width, height, self.section / 2, self.lay_section)
+def cut(rng, area, smallest, lay):
+    """Halves an area at random places; `lay` gets the parts that are small enough."""
+    height, width = area.shape
+    along = width > height * rng.uniform(1.1, 2.4)
+    length = width if along else height
+    small = max(width, height) < smallest * 7
+    if length < smallest * 2 or (small and rng.random() < 0.3):
+        lay(area)
+        return
+    at = int(length * rng.uniform(0.3, 0.7))
+    for part in (area[:, :at], area[:, at:]) if along else (area[:at], area[at:]):
+        cut(rng, part, smallest, lay)
 
-    def lay_section(self, x0, y0, x1, y1):
-        mean, smallest = self.tone, self.smallest
-        self.tone = np.clip(self.rng.normal(mean, self.spread), 0.2, 0.97)
-        self.smallest = int(smallest * self.rng.choice([1.0, 1.6, 2.6]))
-        self.cut(x0, y0, x1, y1, self.smallest, self.plate)
-        self.canvas[y0:y0 + 2, x0:x1] = self.canvas[y0:y1, x0:x0 + 2] = self.tone * 0.42
-        self.tone, self.smallest = mean, smallest
 
-    def cut(self, x0, y0, x1, y1, smallest, lay):
-        """Halves an area at random places; `lay` gets the parts that are small enough."""
-        width, height = x1 - x0, y1 - y0
-        along = width > height * self.rng.uniform(1.1, 2.4)
-        length = width if along else height
-        small = max(width, height) < smallest * 7
-        if length < smallest * 2 or (small and self.rng.random() < 0.3):
-            lay(x0, y0, x1, y1)
-            return
-        at = int(length * self.rng.uniform(0.3, 0.7))
-        if along:
-            self.cut(x0, y0, x0 + at, y1, smallest, lay)
-            self.cut(x0 + at, y0, x1, y1, smallest, lay)
-        else:
-            self.cut(x0, y0, x1, y0 + at, smallest, lay)
-            self.cut(x0, y0 + at, x1, y1, smallest, lay)
-
-    def plate(self, x0, y0, x1, y1):
-        tone = np.clip(self.rng.normal(self.tone, self.spread * 0.45), 0.2, 1.0)
-        area = self.canvas[y0:y1, x0:x1]
-        area[:] = tone
-        area[-2:, :] = tone * 0.90
-        area[:, -2:] = tone * 0.90
-        area[:2, :] = min(1.0, tone * 1.08)
-        area[0, :] = area[:, 0] = tone * 0.62
-        kind = self.rng.random()
-        if kind < 0.14:
-            self.hatch(x0, y0, x1, y1, tone)
-        elif kind < 0.24:
-            self.vent(x0, y0, x1, y1, tone)
-        elif kind < 0.50:
-            self.rivets(area, tone)
-
-    def hatch(self, x0, y0, x1, y1, tone):
-        """A smaller cover on a plate."""
-        mx, my = (x1 - x0) // 4, (y1 - y0) // 4
-        inner = self.canvas[y0 + my:y1 - my, x0 + mx:x1 - mx]
-        if inner.shape[0] < 5 or inner.shape[1] < 5:
-            return
-        inner[:] = tone * 0.5
-        inner[1:-1, 1:-1] = min(1.0, tone * self.rng.choice([0.8, 0.92, 1.08]))
-
-    def vent(self, x0, y0, x1, y1, tone):
-        """Slots across the middle of a plate."""
-        m = max(4, (y1 - y0) // 5)
-        inner = self.canvas[y0 + m:y1 - m, x0 + m:x1 - m]
-        inner[:] = tone * 0.80
-        inner[:, ::4] = tone * 0.36
-        inner[:, 1::4] = tone * 0.55
-
-    @staticmethod
-    def rivets(area, tone):
-        area[4::8, 3:-4:7][...] = tone * 0.80
-        if area.shape[1] > 20:
+def lay_plate(rng, area, mean, spread):
+    tone = np.clip(rng.normal(mean, spread * 0.45), 0.2, 1.0)
+    area[:] = tone
+    area[-2:] = area[:, -2:] = tone * 0.90
+    area[:2] = min(1.0, tone * 1.08)
+    area[0] = area[:, 0] = tone * 0.62
+    height, width = area.shape
+    kind = rng.random()
+    if kind < 0.14:
+        hatch(rng, area[height // 4:height - height // 4, width // 4:width - width // 4], tone)
+    elif kind < 0.24:
+        margin = max(4, height // 5)
+        vent(area[margin:height - margin, margin:width - margin], tone)
+    elif kind < 0.50:  # rivets, along the border where there is room
+        area[4::8, 3:-4:7] = tone * 0.80
+        if width > 20:
             area[5:-5, 6:-6] = tone
+
+
+def hatch(rng, area, tone):
+    """A smaller cover on a plate."""
+    if min(area.shape) >= 5:
+        area[:] = tone * 0.5
+        area[1:-1, 1:-1] = min(1.0, tone * rng.choice([0.8, 0.92, 1.08]))
+
+
+def vent(area, tone):
+    """Slots across the middle of a plate."""
+    area[:] = tone * 0.80
+    area[:, ::4] = tone * 0.36
+    area[:, 1::4] = tone * 0.55
 
 
 def wear(rng, canvas, strength):

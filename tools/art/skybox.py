@@ -1,16 +1,16 @@
 """skybox.png: stars, a galaxy band, nebulae, the sun and a ringed planet.
 
-All but the top face are painted by direction, so they meet without seams. The client
-twists the top face's cell, which no picture can undo: skytop.py paints it, with the colour
-at its borders that the soft gas of the dome has at the upper ends of the side faces.
+All but the top face are painted by direction, so they meet without seams. The client twists the top face's cell, and
+no picture can undo that. So skytop.py paints it: at its borders it has the colour that the soft gas of the dome has at
+the upper ends of the side faces.
 """
 
 import numpy as np
 from PIL import Image
 
-import skylayout
 import skytop
 from noise import ValueNoise, smoothstep
+from skylayout import CELLS, TOP_CELL, affine, cell_points, cell_slices, directions, rise
 
 WIDTH, HEIGHT = 4096, 2048
 
@@ -41,7 +41,7 @@ NEBULAE = [
 ]
 
 
-# the light along the horizon, before which ships of both teams are seen: where, and its colour
+# the light along the horizon, behind most ships: direction and colour
 HORIZON_HEIGHT = 0.34
 HORIZON = [((-1.0, 0.0, 0.0), (0.150, 0.105, 0.060)), ((1.0, 0.0, 0.0), (0.078, 0.074, 0.062)),
            ((0.0, 0.0, -1.0), (0.120, 0.085, 0.165)), ((0.0, 0.0, 1.0), (0.085, 0.100, 0.125))]
@@ -81,15 +81,12 @@ def nebulae(d):
     total = np.zeros(d.shape)
     warp = np.stack([noise.fractal(d * 2.2 + s, 4) for s in (3.0, 23.0, 43.0)], axis=-1) - 0.5
     for i, (centre, size, strength, outer, inner) in enumerate(NEBULAE):
-        angle = np.arccos(np.clip((d + 0.30 * warp) @ centre / 1.0, -1, 1))
+        angle = np.arccos(np.clip((d + 0.30 * warp) @ centre, -1, 1))
         reach = np.exp(-(angle / size) ** 2 * 1.6)
         near = reach > 0.01
-        if not near.any():
-            continue
         place = (d + 0.55 * warp)[near] * 3.4 + 11 * i
-        gas = noise.fractal(place, 6, 0.55)
-        veins = noise.ridged(place * 1.3 + 7, 5, 0.55)
-        cloud = smoothstep(0.36, 0.80, gas * 0.72 + 0.36 * veins) * reach[near]
+        cloud, veins = noise.gas(place, place * 1.3 + 7)
+        cloud = cloud * reach[near]
         glow = cloud ** 2.2 * (0.5 + veins)
         total[near] += strength * (cloud[:, None] * np.array(outer)
                                    + 0.9 * glow[:, None] * np.array(inner))
@@ -112,21 +109,21 @@ def sun(d):
 
 
 def planet_light(points):
-    """Colour and cover (0..1) of the ringed planet, 3 x 3 samples for each pixel."""
+    """Colour and cover (0..1) of the ringed planet at points of the cube, from 3 x 3 samples for each pixel."""
     colour, cover = np.zeros(points.shape), np.zeros(points.shape[:-1])
     length = np.linalg.norm(points, axis=-1)
     near = points @ PLANET > np.cos(PLANET_RADIUS * RING_OUTER * 1.15) * length
     down, right = points[1, 0] - points[0, 0], points[0, 1] - points[0, 0]
     for i in range(9 if near.any() else 0):
         sample = points[near] + down * (i // 3 - 1) / 3 + right * (i % 3 - 1) / 3
-        part = planet_close(sample / np.linalg.norm(sample, axis=1, keepdims=True))
+        part = planet_close(directions(sample))
         colour[near] += part[0] / 9
         cover[near] += part[1] / 9
     return colour, cover
 
 
 def planet_close(d):
-    """Planet radius 1, its centre at the distance at which it looks PLANET_RADIUS wide."""
+    """Colour and cover in directions near the planet. Lengths are its radii; its distance makes it look PLANET_RADIUS."""
     distance = 1 / np.sin(PLANET_RADIUS)
     centre = PLANET * distance
     along = d @ centre
@@ -189,9 +186,8 @@ def ring_shadow(normal):
 
 def sky_colour(points):
     """Light from the directions of points on the cube, and how much the planet covers."""
-    d = points / np.linalg.norm(points, axis=-1, keepdims=True)
-    rise = points[..., 1] / np.maximum(np.abs(points[..., 0]), np.abs(points[..., 2]))
-    fade = smoothstep(0.97, 0.50, rise)[..., None]
+    d = directions(points)
+    fade = smoothstep(0.97, 0.50, rise(points))[..., None]
     colour = skytop.dome(points) + fade * (horizon(d) + galaxy(d) + nebulae(d) + sun(d))
     planet, cover = planet_light(points)
     return colour * (1 - cover[..., None]) + planet, cover
@@ -204,12 +200,12 @@ class Stars:
                       (0.85, 0.91, 1.0), (0.68, 0.80, 1.0)])
 
     def __init__(self, rng):
-        field = self.directions(rng, 11000)
-        milky = self.directions(rng, 60000)
+        def anywhere(count):
+            return directions(rng.standard_normal((count, 3)))
+        field, milky = anywhere(11000), anywhere(60000)
         milky = milky[rng.random(len(milky)) < 0.36 * np.exp(-((milky @ GALAXY_POLE) / 0.16) ** 2)]
         faint = np.vstack([field, milky])
-        bright = self.directions(rng, 420)
-        brilliant = self.directions(rng, 42)
+        bright, brilliant = anywhere(420), anywhere(42)
         self.where = np.vstack([faint, bright, brilliant])
         self.light = np.concatenate([0.12 + 0.60 * rng.random(len(faint)) ** 3,
                                      rng.uniform(0.6, 1.1, len(bright)),
@@ -219,25 +215,19 @@ class Stars:
                                     rng.uniform(0.0016, 0.0022, len(brilliant))])
         self.colour = self.TINTS[rng.integers(0, len(self.TINTS), len(self.where))]
 
-    @staticmethod
-    def directions(rng, count):
-        d = rng.standard_normal((count, 3))
-        return d / np.linalg.norm(d, axis=1, keepdims=True)
-
     def paint(self, canvas, points, hidden):
         """Adds the stars that fall on a cell whose pixels show `points` of the cube."""
-        d = points / np.linalg.norm(points, axis=-1, keepdims=True)
+        d = directions(points)
         axis = int(np.argmax(np.abs(points.mean(axis=(0, 1)))))
         sign = np.sign(points[0, 0, axis])
         # pixel coordinates are affine in the cube point: find them from the cell's corners
         rows, columns = points.shape[:2]
         across = [k for k in range(3) if k != axis]
-        basis = skylayout.affine([((points[r, c, across[0]], points[r, c, across[1]]), (r, c))
-                                  for r, c in ((0, 0), (0, columns - 1), (rows - 1, 0))])
+        basis = affine([(points[r, c, across], (r, c)) for r, c in ((0, 0), (0, columns - 1), (rows - 1, 0))])
         ahead = self.where[:, axis] * sign
         for i in np.flatnonzero(ahead > 0.5):
             hit = self.where[i] / ahead[i]
-            row, column = np.array([hit[across[0]], hit[across[1]], 1.0]) @ basis
+            row, column = np.array([*hit[across], 1.0]) @ basis
             reach = 4 if self.light[i] < 1.2 else 26
             top, left = max(0, int(row) - reach), max(0, int(column) - reach)
             part = np.s_[top:max(0, int(row) + reach + 2), left:max(0, int(column) + reach + 2)]
@@ -249,8 +239,8 @@ class Stars:
         value = self.light[i] * np.exp(-(angle / self.size[i]) ** 2)
         if self.light[i] > 1.2:  # a soft glow and a small cross
             side = np.abs(d @ unit(*np.cross(self.where[i], (0.1, 1, 0))))
-            rise = np.sqrt(np.maximum(0, angle ** 2 - side ** 2))
-            cross = np.exp(-side / 0.0008 - rise / 0.008) + np.exp(-rise / 0.0008 - side / 0.008)
+            height = np.sqrt(np.maximum(0, angle ** 2 - side ** 2))
+            cross = np.exp(-side / 0.0008 - height / 0.008) + np.exp(-height / 0.0008 - side / 0.008)
             value = value + 0.07 * np.exp(-angle / 0.006) + 0.45 * cross
             value = value * smoothstep(0.034, 0.020, angle)
         return (value * (1 - hidden))[..., None] * self.colour[i]
@@ -266,12 +256,14 @@ def make(path):
     rng = np.random.default_rng(2012)
     stars = Stars(rng)
     image = np.zeros((HEIGHT, WIDTH, 3), np.uint8)
-    for face in skylayout.CELLS:
-        rows, columns, points = skylayout.cell_directions(face, WIDTH, HEIGHT)
-        if face == skylayout.TOP:
-            canvas = skytop.paint(rng, *points.shape[:2], Stars.TINTS)
-        else:
-            canvas, hidden = sky_colour(points)
-            stars.paint(canvas, points, hidden)
-        image[rows, columns] = np.rint(tone(canvas) * 255)
+
+    def put(canvas, cell):
+        image[cell_slices(cell, WIDTH, HEIGHT)] = np.rint(tone(canvas) * 255)
+    for face, cell in CELLS.items():
+        points = cell_points(face, WIDTH, HEIGHT)
+        canvas, hidden = sky_colour(points)
+        stars.paint(canvas, points, hidden)
+        put(canvas, cell)
+    rows, columns = cell_slices(TOP_CELL, WIDTH, HEIGHT)
+    put(skytop.paint(rng, rows.stop - rows.start, columns.stop - columns.start, Stars.TINTS), TOP_CELL)
     Image.fromarray(image, "RGB").save(path, compress_level=9)

@@ -1,29 +1,28 @@
 """The upper end of the sky: the soft gas of the dome and the top face, whose cell the client twists.
 
-Drivers cut the top quad in two triangles, along one diagonal or the other. Either way the cell's
-first row is seen at the border to -z, its last row, mirrored, at the border to +z, and its two
-diagonals at the borders to -x and +x. Those four lines must have the colours of the side faces
-that they meet; both diagonals pass through the cell's middle, so the side faces must have one
-colour in the middles of those two borders. The cell's left and right ends lie on the quad's own
-diagonal or nowhere.
+Drivers cut the top quad in two triangles, along one diagonal or the other. Either way four lines of the cell are seen
+at the borders of the face: its first row at the border to -z, its last row, mirrored, at the border to +z, and its two
+diagonals at the borders to -x and +x. Each line must have the colours of the side face that it meets. Both diagonals
+pass through the cell's middle, so the side faces must have one colour in the middles of those two borders. The cell's
+left and right ends lie on the quad's own diagonal or nowhere.
 """
 
 import numpy as np
 
 from noise import ValueNoise, smoothstep
+from skylayout import directions, rise
 
 GROUND = np.array([0.020, 0.024, 0.040])
 GAS = np.array([0.12, 0.11, 0.21])
 VEINS = np.array([0.22, 0.20, 0.30])
-EVEN = 0.42       # the dome's gas where it must be one and the same, of 0..1
-SOFT = 0.55       # how much of GAS the dome's thickest gas has
+EVEN = 0.42       # the dome's gas, of 0..1, where it must be the same everywhere
+SOFT = 0.55       # the share of GAS in the dome's thickest gas
 CLOSEST = 0.004   # of the cell: a line's colour is kept this far beside it
 
 
 def dome_gas(points):
     """How thick the gas is at points of the cube: large clouds, alike at (-1, 1, 0) and (1, 1, 0)."""
-    d = points / np.linalg.norm(points, axis=-1, keepdims=True)
-    cloud = smoothstep(0.25, 0.78, ValueNoise(8).fractal(d * 2.6 + 19, 4))
+    cloud = smoothstep(0.25, 0.78, ValueNoise(8).fractal(directions(points) * 2.6 + 19, 4))
     x, y, z = np.moveaxis(np.abs(points), -1, 0)
     beside = np.maximum(x, 1e-9)
     even = smoothstep(0.55, 0.05, z / beside) * smoothstep(0.5, 0.95, y / beside)
@@ -32,28 +31,27 @@ def dome_gas(points):
 
 def dome(points):
     """The sky's ground colour and the gas that grows towards the top, without fine detail."""
-    rise = points[..., 1] / np.maximum(np.abs(points[..., 0]), np.abs(points[..., 2]))
-    amount = smoothstep(0.25, 0.95, rise)
+    amount = smoothstep(0.25, 0.95, rise(points))
     return GROUND + SOFT * (amount * dome_gas(points))[..., None] * GAS
 
 
 def shear_of_quarter(u, v):
-    """What is painted with this shear looks straight in the cell's upper and lower quarter, which
-    the two triangles shear in opposite ways. What lies left and right is shown twice or never, by
-    the driver's choice of the cut.
+    """The shear with which things must be painted to look straight.
+
+    The two triangles shear the cell's upper and lower quarter in opposite ways. The left and right quarters are shown
+    twice or never, depending on the driver's cut.
     """
     upper, lower = v < np.minimum(u, 1 - u), v > np.maximum(u, 1 - u)
     return upper * 1 - lower * 1
 
 
 def borders(u, v):
-    """For each line that meets a side face: its distance, and its next point's place on the cube."""
+    """For each line that meets a side face: its distance, and the place of its nearest point on the cube."""
     one = np.ones_like(u)
-    falling, rising = (u + v) / 2, (1 - u + v) / 2
     return [(v, np.stack([2 * u - 1, one, -one], -1)),
             (1 - v, np.stack([1 - 2 * u, one, one], -1)),
-            (np.abs(u - v) / 2 ** 0.5, np.stack([-one, one, 2 * falling - 1], -1)),
-            (np.abs(u + v - 1) / 2 ** 0.5, np.stack([one, one, 2 * rising - 1], -1))]
+            (np.abs(u - v) / 2 ** 0.5, np.stack([-one, one, u + v - 1], -1)),
+            (np.abs(u + v - 1) / 2 ** 0.5, np.stack([one, one, v - u], -1))]
 
 
 def ground(u, v):
@@ -73,9 +71,8 @@ def clouds(u, v):
     reach = smoothstep(0.0, 0.34, diagonals) * smoothstep(0.0, 0.2, np.minimum(v, 1 - v))
     place = np.stack([u - shear_of_quarter(u, v) * v, v, 0 * v], axis=-1) * 3.0
     warp = noise.fractal(place + 3, 4)[..., None] - 0.5
-    gas = noise.fractal(place + warp + 9, 6, 0.55)
-    veins = noise.ridged(place * 1.3 + warp + 7, 5, 0.55)
-    cloud = smoothstep(0.36, 0.80, gas * 0.72 + 0.36 * veins) * reach
+    cloud, veins = noise.gas(place + warp + 9, place * 1.3 + warp + 7)
+    cloud = cloud * reach
     return cloud[..., None] * GAS + (cloud ** 2 * veins)[..., None] * VEINS
 
 

@@ -1,7 +1,6 @@
-"""The two hull textures. Both are light gray, for the client multiplies a team colour in.
+"""The two hull textures. Both are light gray, because the client multiplies a team colour in.
 
-The atlas rectangles at the top are what the models' texture maps refer to; coordinates
-are (u, v) with v upwards, as in OBJ files.
+The models' texture maps use the areas at the top. Coordinates are (u, v) with v upwards, as in OBJ files.
 """
 
 import numpy as np
@@ -12,7 +11,7 @@ import panels
 # texture-white.png: plating above, four square cells below
 FIGHTER_UNITS = 64.0         # model units that the whole texture covers
 FIGHTER_HULL = (0.25, 1.0)   # v range of the plating; it tiles in u
-FIGHTER_WINGS = 0.06         # v of the wings' x = 0; they span x = 15 to 42
+FIGHTER_WINGS = 0.06         # v at x = 0 of the wings, which span x = 15 to 42
 FIGHTER_GLASS = (0.01, 0.01, 0.24, 0.24)
 FIGHTER_GLOW = ((0.375, 0.125), 0.118)     # centre and radius
 FIGHTER_VENT = (0.51, 0.01, 0.74, 0.24)
@@ -56,12 +55,12 @@ def fighter_texture(path):
     rng = np.random.default_rng(21042)
     canvas = np.ones((512, 512))
     hull = canvas[:384]
-    panels.Plating(rng, hull, tone=0.90, spread=0.08, smallest=15, section=150).cover()
+    panels.plating(rng, hull, tone=0.90, spread=0.08, smallest=15, section=150)
     panels.scratches(rng, hull, 260)
     panels.wear(rng, hull, 0.035)
     stripes(hull[40:52, 330:420], 12, 0.45)
     stripes(hull[250:262, 60:150], 12, 0.45)
-    # From afar single texels are all one sees of the ship, whichever the pixels happen to hit: no deep black.
+    # From afar one sees only single texels of the ship, and any of them: so none is deep black.
     hull[:] = 0.24 + 0.76 * hull
     wing_band(hull)
 
@@ -80,7 +79,7 @@ def fighter_texture(path):
 def deck_cell(rng, canvas):
     """32 units of runway: dark plates, side lines, a dash and a chevron, lamps, tyre marks."""
     height, width = canvas.shape
-    panels.Plating(rng, canvas, tone=0.41, spread=0.05, smallest=30, section=180).cover()
+    panels.plating(rng, canvas, tone=0.41, spread=0.05, smallest=30, section=180)
     panels.wear(rng, canvas, 0.06)
     y, x = np.mgrid[0:height, 0:width]
     across = np.abs(y - height / 2) / height          # 0 on the centre line, 0.5 at the edge
@@ -111,14 +110,14 @@ def carrier_texture(path):
     rng = np.random.default_rng(42)
     canvas = np.ones((1024, 1024))
     hull = canvas[:512]
-    panels.Plating(rng, hull, tone=0.80, spread=0.17, smallest=14, section=190).cover()
+    panels.plating(rng, hull, tone=0.80, spread=0.17, smallest=14, section=190)
     panels.scratches(rng, hull, 700)
     panels.wear(rng, hull, 0.05)
     for y in (96, 230, 410):
         panels.windows(rng, hull[y:y + 14], 14, lit=1.0, dark=0.25)
 
     decks = canvas[512:640]
-    panels.Plating(rng, decks, tone=0.62, spread=0.06, smallest=26, section=200).cover()
+    panels.plating(rng, decks, tone=0.62, spread=0.06, smallest=26, section=200)
     panels.windows(rng, decks, 16, lit=1.0, dark=0.22)
     panels.machinery(rng, canvas[640:768])
 

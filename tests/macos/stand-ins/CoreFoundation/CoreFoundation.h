@@ -1,22 +1,16 @@
-// As much of CoreFoundation as the client uses. Each kind of object has a type of its own, as there.
+// As much of CoreFoundation as the client uses, implemented by EngineTest.cpp. Kinds of objects do not mix.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
-using CFIndex = long;
 using CFTypeRef = const void*;
-using CFBundleRef = char*;
-using CFURLRef = const int*;
-using CFStringRef = const std::string*;
+using CFBundleRef = struct Bundle*;
+using CFURLRef = const struct Url*;
+using CFStringRef = const struct String*;
 
-constexpr CFIndex kCFURLPOSIXPathStyle = 0;
-constexpr std::uint32_t kCFStringEncodingASCII = 0x0600;
+constexpr long kCFURLPOSIXPathStyle = 0;
+constexpr unsigned kCFStringEncodingASCII = 0x0600;
 
-extern "C" {
 CFBundleRef CFBundleGetMainBundle();
 CFURLRef CFBundleCopyBundleURL(CFBundleRef bundle);
-CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFIndex pathStyle);
-unsigned char CFStringGetCString(CFStringRef string, char* buffer, CFIndex size, std::uint32_t encoding);
+CFStringRef CFURLCopyFileSystemPath(CFURLRef url, long pathStyle);
+unsigned char CFStringGetCString(CFStringRef string, char* buffer, long size, unsigned encoding);
 void CFRelease(CFTypeRef object);
-}

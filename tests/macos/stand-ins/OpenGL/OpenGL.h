@@ -1,20 +1,10 @@
-// As much of CGL as the client uses.
+// As much of CGL as the client uses; EngineTest.cpp implements it.
 #pragma once
 
 using CGLContextObj = long*;
+using CGLError = int;
+constexpr CGLError kCGLNoError = 0;
+constexpr int kCGLCEMPEngine = 313;
 
-enum CGLError
-{
-    kCGLNoError = 0,
-    kCGLBadContext = 10004
-};
-
-enum CGLContextEnable
-{
-    kCGLCEMPEngine = 313
-};
-
-extern "C" {
 CGLContextObj CGLGetCurrentContext();
-CGLError CGLEnable(CGLContextObj context, CGLContextEnable option);
-}
+CGLError CGLEnable(CGLContextObj context, int option);
