@@ -23,7 +23,7 @@ namespace practice {
 
 struct ServerConfig
 {
-    boost::asio::ip::address_v4 bind = boost::asio::ip::address_v4::loopback();
+    boost::asio::ip::address_v4 bind{boost::asio::ip::address_v4::bytes_type{{127, 0, 0, 1}}};
     std::uint16_t port = 21042;  ///< 0: any free port
     unsigned bots = 16;
     MatchSettings match;  ///< its seed does not determine the qports: they are always random
