@@ -240,7 +240,8 @@ bool PacketReceiver::dispatchObjectDestroy(Vantor::ObjectDestroy* msg)
     if (object->type == SGT_PROJECTILE) {
         leaveExplosion(object->position);
     } else if (const auto* player = dynamic_cast<Player*>(object)) {
-        DebugPrint("Player %s logged out\n", printable(player->name.c_str()).c_str());
+        const char* const name = player->name.c_str();  // ends at an embedded NUL
+        DebugPrint("Player %s logged out\n", printable(name).c_str());
     }
     return true;
 }
