@@ -20,7 +20,7 @@ constexpr std::uint64_t second = 60;  // steps
 
 /// What a client does for two minutes: datagrams with steering every so many steps, bytes on TCP in each
 /// step, and garbage now and then.
-struct Conduct
+struct Traffic
 {
     int datagrams = 0;
     std::uint64_t every = 3;
@@ -29,18 +29,18 @@ struct Conduct
 };
 
 /// The second in which it is dropped, and why.
-std::string firstReason(const Conduct& conduct)
+std::string firstReason(const Traffic& traffic)
 {
     ClientLimits limits(ClientLimits::Config(), 0);
     for (std::uint64_t step = 1; step <= 120 * second; ++step) {
-        for (int i = 0; i < conduct.datagrams && step % conduct.every == 1; ++i) {
+        for (int i = 0; i < traffic.datagrams && step % traffic.every == 1; ++i) {
             limits.receivedDatagram(step);
             if (limits.state() == ClientLimits::State::loading) {
                 limits.receivedSteering(step);
             }
         }
-        limits.receivedStream(conduct.streamBytes, step);
-        if (step % conduct.garbageEvery == 0) {
+        limits.receivedStream(traffic.streamBytes, step);
+        if (step % traffic.garbageEvery == 0) {
             limits.receivedGarbage(step);
         }
         if (const std::string reason = limits.reasonToDrop(step); !reason.empty()) {
@@ -61,7 +61,7 @@ FrameMeaning meaningOf(const std::string& bytes, ShipInput& input)
 
 TEST(ClientLimits, TellAGameFromAnAttack)
 {
-    const std::pair<Conduct, std::string> cases[] = {
+    const std::pair<Traffic, std::string> cases[] = {
         {{10, 3}, ""},
         {{11, 3}, "19: sent more than 200 datagrams a second"},
         {{400, 20 * second}, ""},
@@ -73,8 +73,8 @@ TEST(ClientLimits, TellAGameFromAnAttack)
         {{1, 3, 0, second}, ""},
         {{1, 3, 0, second / 2}, "20: sent more than 20 messages without sense"},
     };
-    for (const auto& [conduct, reason] : cases) {
-        EXPECT_EQ(firstReason(conduct), reason);
+    for (const auto& [traffic, reason] : cases) {
+        EXPECT_EQ(firstReason(traffic), reason);
     }
 }
 
