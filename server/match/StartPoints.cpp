@@ -20,9 +20,10 @@ Vector3 clearPlace(const Vector3& wanted, const std::vector<Ship>& ships)
 {
     constexpr int rowLength = 8;
     for (int i = 0;; ++i) {
-        const auto row = static_cast<float>(i / rowLength);
-        const auto column = static_cast<float>(i % rowLength);
-        const Vector3 place = wanted + Vector3(0.0F, spacing * row, spacing * column);
+        const int row = i / rowLength;
+        const int column = i % rowLength;
+        const Vector3 place =
+            wanted + Vector3(0.0F, spacing * static_cast<float>(row), spacing * static_cast<float>(column));
         if (isClear(place, ships)) {
             return place;
         }
