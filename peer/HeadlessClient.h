@@ -8,8 +8,8 @@
 
 namespace peer {
 
-/// A client without a window, for a server on 127.0.0.1. It decodes, checks and records what comes, and sends
-/// what it is told to.
+/// A client without a window, for a server on 127.0.0.1. It connects, decodes and checks everything that it
+/// receives. Its owner decides what it sends.
 ///
 /// Nothing blocks: `poll` receives what has arrived. Not thread-safe.
 class HeadlessClient
