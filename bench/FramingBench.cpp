@@ -42,10 +42,9 @@ struct Traffic
     }
 };
 
-/// As a socket delivers it: in runs of at most `runSize` bytes.
-EventList readFrames(const Traffic& traffic, std::size_t runSize)
+/// As a socket delivers it: in runs of at most `runSize` bytes. As in the client, one `leftover` serves all.
+EventList readFrames(const Traffic& traffic, std::size_t runSize, std::string& leftover)
 {
-    std::string leftover;
     EventList events;
     for (std::size_t at = 0; at < traffic.frames.size(); at += runSize) {
         const std::size_t size = std::min(runSize, traffic.frames.size() - at);
@@ -90,11 +89,15 @@ void measure(benchmark::State& state, Read read)
 
 void ours(benchmark::State& state)
 {
-    measure(state, [](const Traffic& traffic) { return readFrames(traffic, traffic.frames.size()); });
+    measure(state, [leftover = std::string()](const Traffic& traffic) mutable {
+        return readFrames(traffic, traffic.frames.size(), leftover);
+    });
 }
 void buffers(benchmark::State& state)
 {
-    measure(state, [](const Traffic& traffic) { return readFrames(traffic, 2048); });
+    measure(state, [leftover = std::string()](const Traffic& traffic) mutable {
+        return readFrames(traffic, 2048, leftover);
+    });
 }
 void delimited(benchmark::State& state)
 {
