@@ -82,6 +82,24 @@ check_services() {
     done
 }
 
+# Ends the practice server, and prints its table of the last match.
+show_score() {
+    local pid=${services[practice server]}
+    kill "$pid" 2>/dev/null && wait "$pid" 2>/dev/null || true
+    awk '/^match /   { table = "" }
+         /^match |^  / { table = table $0 "\n" }
+         END         { printf "%s", table }' "$work/practice server"
+}
+
+show_keys() {
+    cat <<'TEXT'
+  mouse: turn the view and the ship     left button: fire
+  W, S:  forward, back                  A, D: left, right
+  Space, C: up, down                    Q, E: roll
+  Escape: leave
+TEXT
+}
+
 # Starts a virtual display of the client's size, which only holders of its cookie may use.
 start_display() {
     local cookie
