@@ -11,3 +11,10 @@
 ///
 /// Text that another machine or the user chose must pass through printable() first.
 void DebugPrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// DebugPrint for a diagnostic that received data causes, so that no server and no stranger can flood the
+/// output: mostReceivedTexts of them are written a second. The first one of a later second is preceded by a
+/// line with the number left out.
+void DebugPrintReceived(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+constexpr unsigned long mostReceivedTexts = 100;  ///< a second

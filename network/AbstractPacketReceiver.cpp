@@ -116,8 +116,8 @@ void AbstractPacketReceiver::handleUDPReceive(const boost::system::error_code& e
     EventQueue events = MessageSerializer::deserializeMessageArray(data, bytes, &leftover);
     if (!leftover.empty()) {
         const char* const text = leftover.c_str();  // ends at an embedded NUL
-        DebugPrint("Error has leftovers after UDP %d of %d - %s\n", static_cast<int>(leftover.size()),
-                   static_cast<int>(bytes), printable(text).c_str());
+        DebugPrintReceived("Error has leftovers after UDP %d of %d - %s\n", static_cast<int>(leftover.size()),
+                           static_cast<int>(bytes), printable(text).c_str());
     }
     for (EventPtr& event : events) {
         addUDPNetworkEvent(std::move(event));

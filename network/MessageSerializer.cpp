@@ -86,7 +86,7 @@ EventList MessageSerializer::deserializeMessageArray(const char* data, std::size
         if (realParsePacket(leftover->data() + used + framing::lengthSize, length, event, "")) {
             events.push_back(std::move(event));
         } else {
-            DebugPrint("Error in deserializing of message\n");
+            DebugPrintReceived("Error in deserializing of message\n");
         }
         used += framing::lengthSize + length;
     }
@@ -105,13 +105,13 @@ bool MessageSerializer::realParsePacket(const char* data, std::size_t size,
     const unsigned int type = size == 0 ? 0U : static_cast<unsigned char>(data[0]);
     std::unique_ptr<google::protobuf::Message> message = makeMessage(type);
     if (!message) {
-        DebugPrint("Unknown message type received (type byte: 0x%x) info %s\n", type, info.c_str());
+        DebugPrintReceived("Unknown message type received (type byte: 0x%x) info %s\n", type, info.c_str());
         return false;
     }
     event->kind = NetworkEvent::MESSAGE;
     event->messageType = type;
     if (!framing::parseBody(*message, data + 1, size - 1)) {
-        DebugPrint("Error in parseing message %s\n", info.c_str());
+        DebugPrintReceived("Error in parseing message %s\n", info.c_str());
         return false;
     }
     delete event->message;

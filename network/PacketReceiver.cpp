@@ -241,7 +241,7 @@ bool PacketReceiver::dispatchObjectDestroy(Vantor::ObjectDestroy* msg)
         leaveExplosion(object->position);
     } else if (const auto* player = dynamic_cast<Player*>(object)) {
         const char* const name = player->name.c_str();  // ends at an embedded NUL
-        DebugPrint("Player %s logged out\n", printable(name).c_str());
+        DebugPrintReceived("Player %s logged out\n", printable(name).c_str());
     }
     return true;
 }

@@ -36,6 +36,22 @@ TEST(DebugPrint, WaitsForTheReaderAndFlushes)
     EXPECT_EQ(bytes, "a full pipe\n");
 }
 
+TEST(DebugPrint, RationsTextsAboutReceivedData)
+{
+    testing::internal::CaptureStdout();
+    std::string expected;
+    for (unsigned long i = 0; i < mostReceivedTexts + 7; ++i) {
+        DebugPrintReceived("%lu\n", i);
+        expected += i < mostReceivedTexts ? std::to_string(i) + "\n" : "";
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1001));
+    for (const char* text : {"late", "later"}) {
+        DebugPrintReceived("%s\n", text);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              expected + "7 more messages about received data were left out\nlate\nlater\n");
+}
+
 TEST(Printable, ReplacesControlCharactersOnly)
 {
     EXPECT_EQ(printable("a\x1B[2J\n\t\x7F \xC2\x9B"), "a?[2J??? ??");
