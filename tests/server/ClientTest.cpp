@@ -7,9 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <limits>
-#include <vector>
 
 using namespace practice;
 using namespace std::chrono_literals;
@@ -82,21 +80,6 @@ TEST(ClientLimits, TellAGameFromAnAttack)
     }
 }
 
-TEST(RateLimitedLog, PassesSomeLinesAndCountsTheOthers)
-{
-    std::vector<std::string> lines;
-    RateLimitedLog log([&](const std::string& line) { lines.push_back(line); });
-    for (std::uint64_t step = 0; step <= 2 * second; ++step) {
-        log.log("join", step);
-        log.log("join", step);
-        log.afterStep(step);
-    }
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "join"), 100) << "a burst and ten a second";
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "... and 32 more lines like these"), 1);
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "... and 110 more lines like these"), 1);
-    EXPECT_EQ(lines.size(), 102U);
-}
-
 TEST(StepClock, CatchesUpOrGivesUp)
 {
     StepClock clock(10ms);
@@ -148,8 +131,6 @@ TEST(ClientSession, CutsFramesAtAnySplit)
     }
     connection.client->send(frames);
     EXPECT_TRUE(connection.ends.await([&] { return connection.qports == "1 4660 1 4660 "; }));
-    EXPECT_EQ(connection.session->takeReceivedBytes(), 2 * frames.size());
-    EXPECT_EQ(connection.session->takeReceivedBytes(), 0U);
     connection.session->close();
     connection.session->send(std::string(20001, 'x'));
     EXPECT_EQ(connection.session->state(), ClientSession::State::closed);

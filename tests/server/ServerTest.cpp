@@ -3,12 +3,10 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
+#include <deque>
 #include <functional>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -29,19 +27,24 @@ protected:
     ServerConfig config;  ///< to be changed before `open`
     std::vector<std::string> log;
     std::unique_ptr<PracticeServer> server;
-    std::vector<std::unique_ptr<Client>> clients;
+    std::deque<Client> clients;
 
-    void TearDown() override
-    {
-        for (const auto& client : clients) {
-            EXPECT_TRUE(client->checker.faults().empty()) << client->checker.faults().begin()->first;
-        }
-    }
-    void open(unsigned bots)
+    Server()
     {
         config.port = 0;
+        config.bots = 0;
         config.log = [this](const std::string& line) { log.push_back(line); };
-        config.bots = bots;
+        // Each number comes twice, and the first is of no use: the clients' qports are 1, 2, 3 and so on.
+        config.random = [draws = 0x20000U]() mutable { return draws++ / 2; };
+    }
+    void TearDown() override
+    {
+        for (const Client& client : clients) {
+            EXPECT_TRUE(client.checker.faults().empty()) << client.checker.faults().begin()->first;
+        }
+    }
+    void open()
+    {
         server = std::make_unique<PracticeServer>(io, config);
         server->start();
     }
@@ -51,7 +54,7 @@ protected:
         return peer::eventually(
             [&] {
                 io.poll();
-                std::for_each(clients.begin(), clients.end(), [](const auto& client) { client->poll(); });
+                std::for_each(clients.begin(), clients.end(), std::mem_fn(&Client::poll));
                 return condition();
             },
             time);
@@ -60,7 +63,7 @@ protected:
     {
         runUntil([] { return false; }, time);
     }
-    Client& connect() { return *clients.emplace_back(std::make_unique<Client>(io, server->port())); }
+    Client& connect() { return clients.emplace_back(io, server->port()); }
     Client& join()
     {
         Client& client = connect();
@@ -84,21 +87,20 @@ bool hasSnapshots(const Client& client)
     return client.checker.traffic.datagramBytes != 0;
 }
 
-bool isConnected(const std::unique_ptr<Client>& client)
+std::string steering(std::uint16_t qport, std::uint32_t controls = 0)
 {
-    return !client->serverHungUp();
+    return messages::steeringFrame(qport, {Quaternion(), controls});
 }
 
-std::string frameOfType(std::uint16_t qport, char type)
+/// A frame of a type that means nothing to a server.
+std::string emptyFrame(std::uint16_t qport)
 {
-    std::string frame = messages::steeringFrame(qport, {Quaternion(), control::forward});
-    frame[4] = type;
-    return frame;
+    return steering(qport).substr(0, 2) + "\x01\0\x09"s;
 }
 
-std::string frameWithoutSense(std::uint16_t qport)
+std::string brokenFrame(std::uint16_t qport)
 {
-    return messages::steeringFrame(qport, {}).substr(0, 2) + "\x02\0\x04\xFF"s;
+    return steering(qport).substr(0, 2) + "\x02\0\x04\xFF"s;
 }
 
 void repeat(std::size_t times, const std::function<void()>& action)
@@ -110,42 +112,33 @@ void repeat(std::size_t times, const std::function<void()>& action)
 
 }  // namespace
 
-TEST_F(Server, IntroducesEveryShipAndSendsSnapshots)
-{
-    open(30);
-    Client& client = join();
-    EXPECT_EQ(client.checker.positions.size(), 31U);
-    EXPECT_EQ(client.checker.positions.count(client.id()), 1U);
-    run(200ms);
-    EXPECT_FALSE(hasSnapshots(client)) << "its address is unknown";
-    client.steer({});
-    run(2s);
-    const auto& snapshots = client.checker.traffic.snapshots;
-    ASSERT_NEAR(static_cast<double>(snapshots.size()), 40.0, 20.0);  // the machine may be busy
-    EXPECT_EQ(snapshots.rbegin()->first - snapshots.begin()->first, 50U * (snapshots.size() - 1));
-    EXPECT_GT(client.checker.received.updates.size(), 15 * snapshots.size());
-}
-
 TEST_F(Server, ClientsSeeEachOtherMoveFireComeAndGo)
 {
-    config.random = [i = 0U]() mutable { return std::array{0x70000U, 0x10007U, 7U, 8U, 9U}.at(i++); };
-    open(0);
+    open();
     Client& first = join();
     Client& second = join();
-    EXPECT_EQ(first.qport(), 7) << "not 0";
-    EXPECT_EQ(second.qport(), 8) << "not that of the first";
+    EXPECT_EQ(second.qport(), 2);
     first.steer({});
     second.steer({Quaternion(), control::up | control::fire});
-    const float start = second.position().y;
-    EXPECT_TRUE(runUntil([&] { return first.checker.positions[second.id()].y > start + 2.0F; }));
-    run(2500ms);
+    run(3s);
     const auto& infos = first.checker.received.infos;
     const auto shots =
         std::count_if(infos.begin(), infos.end(), [](const auto& i) { return i.objecttype(); });
     EXPECT_TRUE(shots >= 3 && shots <= 6) << shots << "; silence releases the controls";
+    EXPECT_GT(first.checker.positions[second.id()].y, second.checker.received.infos[0].position().y());
+    const auto& snapshots = first.checker.traffic.snapshots;
+    ASSERT_NEAR(static_cast<double>(snapshots.size()), 60.0, 30.0);  // the machine may be busy
+    EXPECT_EQ(snapshots.rbegin()->first - snapshots.begin()->first, 50U * (snapshots.size() - 1));
+
     Client& third = join();
     EXPECT_EQ(third.checker.positions[first.id()], first.position());
-    EXPECT_EQ(first.checker.positions[third.id()], third.position());
+    const Vector3 start = third.position();
+    EXPECT_EQ(first.checker.positions[third.id()], start);
+    first.sendDatagram(steering(third.qport(), control::up));  // as a player who connected again
+    EXPECT_TRUE(runUntil([&] { return first.checker.positions[third.id()].y > start.y; }));
+    const float own = first.position().y;
+    first.steer({Quaternion(), control::up});
+    EXPECT_TRUE(runUntil([&] { return first.position().y > own; })) << "the first ship has lost its control";
     third.stream.close();
     EXPECT_TRUE(runUntil([&] { return first.hasLost(third.id()) && second.hasLost(third.id()); }));
     EXPECT_EQ(log, (std::vector<std::string>{"join Pilot 1 (blue) from " + first.address,
@@ -153,35 +146,18 @@ TEST_F(Server, ClientsSeeEachOtherMoveFireComeAndGo)
                                              "join Pilot 3 (blue) from " + third.address, "leave Pilot 3"}));
 }
 
-TEST_F(Server, ASocketPlaysAgainBesideItsEarlierConnection)
-{
-    open(0);
-    Client& socket = join();
-    const Client& again = join();
-    socket.steer({});
-    ASSERT_TRUE(runUntil([&] { return hasSnapshots(socket); }));
-    const Vector3 start = again.position();
-    socket.sendDatagram(messages::steeringFrame(again.qport(), {Quaternion(), control::up}));
-    EXPECT_TRUE(runUntil([&] { return socket.checker.positions[again.id()].y > start.y; }));
-    const Vector3 own = socket.position();
-    socket.steer({Quaternion(), control::up});
-    EXPECT_TRUE(runUntil([&] { return socket.position().y > own.y; })) << "the earlier one has lost control";
-}
-
 TEST_F(Server, DropsEachOffenderWithItsReason)
 {
     config.limits = {2, 1, 60, 100, 5000, 10000, 10};
-    open(0);
+    open();
+    const std::string nonsense = "sent more than 10 messages without sense";
     const std::pair<std::function<void(Client&)>, std::string> offences[] = {
         {[](Client& c) { repeat(20, [&] { c.steer({}); }); }, "sent more than 60 datagrams a second"},
-        {[](Client& c) { c.steer({}), c.sendDatagram("\x5A"); }, "sent more than 10 messages without sense"},
-        {[](Client& c) { c.steer({}), c.sendDatagram(frameOfType(c.qport(), 9) + "\x5A"); },
-         "sent more than 10 messages without sense"},
-        {[](Client& c) { c.steer({}), c.sendDatagram(frameWithoutSense(c.qport())); },
-         "sent more than 10 messages without sense"},
-        {[](Client& c) { c.steer({}), c.stream.send(std::string(300, '\xEE')); },
-         "sent bytes on TCP that are no message"},
-        {[](Client& c) { c.steer({}), repeat(100, [&] { c.stream.send(frameOfType(c.qport(), 9)); }); },
+        {[](Client& c) { c.steer({}), c.sendDatagram("\x5A"); }, nonsense},
+        {[](Client& c) { c.sendDatagram(steering(c.qport()) + "\x5A"); }, nonsense},
+        {[](Client& c) { c.sendDatagram(steering(c.qport()) + brokenFrame(c.qport())); }, nonsense},
+        {[](Client& c) { c.stream.send(std::string(300, '\xEE')); }, "sent bytes on TCP that are no message"},
+        {[](Client& c) { repeat(600, [&] { c.stream.send(emptyFrame(c.qport())); }); },
          "sent more than 5000 bytes a second on TCP"},
         {[](Client&) {}, "sent no steering over UDP within 2 s"},
         {[](Client& c) { hasSnapshots(c) ? void() : c.steer({}); }, "sent no datagram for 1 s"},
@@ -190,12 +166,12 @@ TEST_F(Server, DropsEachOffenderWithItsReason)
     repeat(std::size(offences), [this] { join(); });
     ASSERT_TRUE(runUntil([&] {
         honest.steer({});
-        honest.stream.send(frameOfType(honest.qport(), 9));
+        honest.stream.send(emptyFrame(honest.qport()));
         for (std::size_t i = 0; i < std::size(offences); ++i) {
-            offences[i].first(*clients[i + 1]);
+            offences[i].first(clients[i + 1]);
         }
         run(50ms);
-        return std::none_of(clients.begin() + 1, clients.end(), isConnected);
+        return std::all_of(clients.begin() + 1, clients.end(), std::mem_fn(&Client::serverHungUp));
     }));
     for (std::size_t i = 0; i < std::size(offences); ++i) {
         const std::string line = "drop Pilot " + std::to_string(i + 2) + ": " + offences[i].second;
@@ -209,41 +185,33 @@ TEST_F(Server, OnlyTheClientItselfSteersItsShip)
 {
     config.limits.garbageBurst = 5;
     config.limits.datagramBurst = 20;
-    open(0);
+    open();
     Client& client = join();
     Client& intruder = join();
     const Vector3 start = client.position();
     const Vector3 intrudersStart = intruder.position();
-    const std::string valid = messages::steeringFrame(client.qport(), {Quaternion(), control::forward});
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const auto nobodys = static_cast<std::uint16_t>(client.qport() ^ intruder.qport() ^ 1U);
-    const auto sendHarmless = [&] {
-        for (const std::string& bytes :
-             {messages::steeringFrame(nobodys, {}) + "\x5A", frameOfType(client.qport(), 77), ""s,
-              messages::steeringFrame(client.qport(), {Quaternion(nan, 0, 0, 0), control::forward})}) {
-            repeat(6, [&] { client.sendDatagram(bytes); });
-            run(40ms);
-        }
-    };
+    const std::string valid = steering(client.qport(), control::forward);
     boost::asio::ip::udp::socket otherHost(io, {boost::asio::ip::make_address_v4("127.0.0.2"), 0});
-    sendHarmless();
-    repeat(10, [&] {  // the sender is not known yet, so these do not count
-        client.sendDatagram(frameOfType(client.qport(), 77) + frameWithoutSense(client.qport()) + "\x5A");
-    });
     otherHost.send_to(boost::asio::buffer(valid), peer::loopback(server->port()));
+    repeat(10, [&] {  // the sender is not known yet, so these do not count
+        client.sendDatagram(emptyFrame(client.qport()) + brokenFrame(client.qport()) + "\x5A");
+    });
     run(200ms);
     EXPECT_FALSE(hasSnapshots(client)) << "a message without sense told its address";
     EXPECT_EQ(otherHost.available(), 0U) << "a stranger was taken for the client";
     client.steer({});
     ASSERT_TRUE(runUntil([&] { return hasSnapshots(client); }));
-    sendHarmless();
+    repeat(6, [&] {  // harmless
+        client.sendDatagram(steering(99) + "\x5A");
+        client.sendDatagram(emptyFrame(client.qport()));
+        client.sendDatagram("");
+    });
     repeat(100, [&] {
         intruder.sendDatagram(valid);  // the right qport, from another address
         intruder.sendDatagram(std::string(50, '\xEE'));
     });
     intruder.stream.send(valid);
-    client.sendDatagram(messages::steeringFrame(client.qport(), {}) +
-                        messages::steeringFrame(intruder.qport(), {}) + valid);
+    client.sendDatagram(steering(client.qport()) + steering(intruder.qport(), control::up) + valid);
     run(200ms);
     EXPECT_FALSE(hasSnapshots(intruder));
     EXPECT_EQ(client.position(), start);
@@ -251,45 +219,46 @@ TEST_F(Server, OnlyTheClientItselfSteersItsShip)
     EXPECT_EQ(log.size(), 2U) << log.back();
     client.stream.send(valid);
     EXPECT_TRUE(runUntil([&] { return client.position().z > start.z; }));
-    client.sendDatagram(messages::steeringFrame(client.qport(), {}) + frameOfType(client.qport(), 77) +
-                        messages::steeringFrame(client.qport(), {Quaternion(), control::up}));
+    client.sendDatagram(emptyFrame(client.qport()) + steering(client.qport(), control::up));
     EXPECT_TRUE(runUntil([&] { return client.position().y > start.y; })) << "only the first frame counted";
 }
 
 TEST_F(Server, AFloodOverrunsNeitherTheServerNorTheLog)
 {
     config.mostClients = 90;
-    open(0);
+    open();
     repeat(120, [this] { connect(); });
-    bool isSteady = true;
-    const auto isSettled = [&] {
-        isSteady =
-            isSteady && server->currentMatch().allShips().size() <= 4 * server->currentMatch().stepCount();
+    const Match& match = server->currentMatch();
+    EXPECT_TRUE(runUntil([&] {
+        EXPECT_LE(match.allShips().size(), 4 * match.stepCount()) << "too many admitted in one step";
         return logged("turned away ") == 30;
-    };
-    EXPECT_TRUE(runUntil(isSettled));
-    EXPECT_TRUE(isSteady) << "too many admitted in one step";
+    }));
+    clients[0].steer({});
     repeat(6, [this] {
         repeat(5, [this] { connect(); });
         run(50ms);
     });
-    EXPECT_TRUE(runUntil([&] { return logged("turned away ") == 60; }));
     run(1200ms);
     EXPECT_EQ(logged("turned away "), 60);
-    EXPECT_LE(log.size(), 87U) << "80 joins, what was left out, and a line a second";
-    EXPECT_EQ(std::count_if(clients.begin(), clients.end(), isConnected), 90);
+    EXPECT_GT(log.size(), 80U);
+    EXPECT_LT(log.size(), 90U) << "more than 80 joins and a line a second";
+    EXPECT_EQ(std::count_if(clients.begin(), clients.end(), std::mem_fn(&Client::serverHungUp)), 60);
+    EXPECT_EQ(clients[89].checker.positions.size(), 90U) << "it was not introduced to every ship";
+    const auto& first = clients[0].checker;
+    EXPECT_EQ(first.positions.size(), 90U);
+    EXPECT_GT(first.received.updates.size(), 80 * first.traffic.snapshots.size());
 
     const auto lines = [this] {
         const auto others = [](const std::string& line) { return line[0] == 'j' || line[0] == 'l'; };
         return std::count_if(log.begin(), log.end(), others) + logged("... and ");
     };
     EXPECT_EQ(lines(), 90);
-    std::for_each(clients.begin() + 1, clients.end(), [](const auto& client) { client->stream.close(); });
-    EXPECT_TRUE(runUntil([&] { return clients[0]->checker.received.destroyed.size() == 89; }));
+    std::for_each(clients.begin() + 1, clients.end(), [](Client& client) { client.stream.close(); });
+    EXPECT_TRUE(runUntil([&] { return first.received.destroyed.size() == 89; }));
     server->stop();
     server->stop();
     EXPECT_EQ(lines(), 179);
-    EXPECT_TRUE(runUntil([&] { return clients[0]->serverHungUp(); }));
+    EXPECT_TRUE(runUntil([&] { return clients[0].serverHungUp(); }));
     EXPECT_THROW(connect(), boost::system::system_error);
     io.run_for(2s);
     EXPECT_TRUE(io.stopped()) << "work is left";
@@ -297,7 +266,7 @@ TEST_F(Server, AFloodOverrunsNeitherTheServerNorTheLog)
 
 TEST_F(Server, HangUpsDelayNobodyAndStayOutOfTheLog)
 {
-    open(0);
+    open();
     const auto flood = [&] {
         repeat(5, [&] {
             const Client passer(io, server->port());
@@ -316,14 +285,12 @@ TEST_F(Server, HangUpsDelayNobodyAndStayOutOfTheLog)
 #ifndef __SANITIZE_ADDRESS__  // the sanitizers' check of virtual calls needs descriptors itself
 TEST_F(Server, ReportsEachShortageOfDescriptorsOnce)
 {
-    open(0);
+    open();
     for (int shortage = 1; shortage <= 2; ++shortage) {
         const Client& client = connect();
-        const int firstFree = dup(0);
-        close(firstFree);
         rlimit limit{};
         getrlimit(RLIMIT_NOFILE, &limit);
-        const rlimit none{static_cast<rlim_t>(firstFree), limit.rlim_max};
+        const rlimit none{0, limit.rlim_max};
         setrlimit(RLIMIT_NOFILE, &none);
         run(500ms);
         setrlimit(RLIMIT_NOFILE, &limit);
