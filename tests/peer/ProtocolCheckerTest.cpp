@@ -84,12 +84,12 @@ TEST(HeadlessClient, LivesThroughAConnection)
     EXPECT_EQ(server.lastSteering().qport, 9);
     EXPECT_EQ(server.lastSteering().controls, 5U);
 
-    server.sendTcp(info.substr(5));
-    EXPECT_TRUE(await([&] { return client.checker.received.infos.size() == 1; }));
     server.sendUdp(update(50, {1, 2, 3}));
     server.sendUdp(update(100, {1, 2, 4}));
-    EXPECT_TRUE(await([&] { return client.position().z == 4; }));
-    EXPECT_EQ(client.checker.received.updates.size(), 2U);
+    EXPECT_TRUE(await([&] { return client.checker.received.updates.size() == 2; }));
+    EXPECT_EQ(client.position().z, 4);
+    server.sendTcp(info.substr(5));
+    EXPECT_TRUE(await([&] { return client.checker.received.infos.size() == 1; }));
     server.sendTcp(messages::destroyFrame(ship));
     EXPECT_TRUE(await([&] { return client.hasLost(ship) && client.checker.positions.empty(); }));
     EXPECT_TRUE(client.checker.faults().empty());

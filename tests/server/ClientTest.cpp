@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
 
 using namespace practice;
 using namespace std::chrono_literals;
@@ -53,7 +54,7 @@ TEST(ClientLimits, TellAGameFromAnAttack)
         {10, 3, 0, never, ""},
         {11, 3, 0, never, "19: sent more than 200 datagrams a second"},
         {400, 20 * second, 0, never, ""},
-        {402, 20 * second, 0, never, "0: sent more than 200 datagrams a second"},  // the first is free
+        {401, 20 * second, 0, never, "20: sent more than 200 datagrams a second"},  // the first is free
         {0, 3, 0, 10, "20: sent no steering over UDP within 20 s"},
         {1, never, 0, never, "30: sent no datagram for 30 s"},
         {1, 3, 8192 / 60, never, ""},
@@ -78,6 +79,20 @@ TEST(ClientLimits, TellAGameFromAnAttack)
         }
         EXPECT_EQ(reason, c.reason);
     }
+}
+
+TEST(RateLimitedLog, PassesSomeLinesAndCountsTheOthers)
+{
+    std::map<std::string, int> lines;
+    RateLimitedLog log([&lines](const std::string& line) { ++lines[line]; });
+    for (std::uint64_t step = 0; step <= 2 * second; ++step) {
+        log.log("join", step);
+        log.log("join", step);
+        log.afterStep(step);
+    }
+    EXPECT_EQ(lines, (std::map<std::string, int>{{"join", 100},  // a burst and ten a second
+                                                 {"... and 32 more lines like these", 1},
+                                                 {"... and 110 more lines like these", 1}}));
 }
 
 TEST(StepClock, CatchesUpOrGivesUp)
@@ -131,6 +146,8 @@ TEST(ClientSession, CutsFramesAtAnySplit)
     }
     connection.client->send(frames);
     EXPECT_TRUE(connection.ends.await([&] { return connection.qports == "1 4660 1 4660 "; }));
+    EXPECT_EQ(connection.session->takeReceivedBytes(), 2 * frames.size());
+    EXPECT_EQ(connection.session->takeReceivedBytes(), 0U);
     connection.session->close();
     connection.session->send(std::string(20001, 'x'));
     EXPECT_EQ(connection.session->state(), ClientSession::State::closed);

@@ -118,6 +118,7 @@ TEST_F(Server, ClientsSeeEachOtherMoveFireComeAndGo)
     Client& first = join();
     Client& second = join();
     EXPECT_EQ(second.qport(), 2);
+    run(1200ms);  // silence before the first steering releases nothing later
     first.steer({});
     second.steer({Quaternion(), control::up | control::fire});
     run(3s);
@@ -240,7 +241,6 @@ TEST_F(Server, AFloodOverrunsNeitherTheServerNorTheLog)
     });
     run(1200ms);
     EXPECT_EQ(logged("turned away "), 60);
-    EXPECT_GT(log.size(), 80U);
     EXPECT_LT(log.size(), 90U) << "more than 80 joins and a line a second";
     EXPECT_EQ(std::count_if(clients.begin(), clients.end(), std::mem_fn(&Client::serverHungUp)), 60);
     EXPECT_EQ(clients[89].checker.positions.size(), 90U) << "it was not introduced to every ship";
@@ -253,8 +253,10 @@ TEST_F(Server, AFloodOverrunsNeitherTheServerNorTheLog)
         return std::count_if(log.begin(), log.end(), others) + logged("... and ");
     };
     EXPECT_EQ(lines(), 90);
-    std::for_each(clients.begin() + 1, clients.end(), [](Client& client) { client.stream.close(); });
-    EXPECT_TRUE(runUntil([&] { return first.received.destroyed.size() == 89; }));
+    for (const std::size_t gone : {60, 89}) {  // the second time, the next count is not due yet
+        std::for_each_n(clients.begin() + 1, gone, [](Client& client) { client.stream.close(); });
+        EXPECT_TRUE(runUntil([&] { return first.received.destroyed.size() == gone; }));
+    }
     server->stop();
     server->stop();
     EXPECT_EQ(lines(), 179);

@@ -14,15 +14,16 @@ namespace {
 /// The value of a program's only option; -1 if one line refuses it.
 double valueOf(const std::string& argument)
 {
-    double value = 0;
+    unsigned whole = 0;
+    double decimal = 0;
     CLI::App app("", "program");
-    app.add_option("--whole", value)->transform(commandline::wholeNumber(300));
-    app.add_option("--decimal", value)->check(commandline::decimalNumber(300));
+    app.add_option("--whole", whole)->transform(commandline::wholeNumber(300));
+    app.add_option("--decimal", decimal)->check(commandline::decimalNumber(300));
     const char* const arguments[] = {"program", argument.c_str()};
     testing::internal::CaptureStderr();
     const std::optional<int> status = commandline::parse(app, 2, arguments);
     const std::string text = testing::internal::GetCapturedStderr();
-    return status == 2 && text.find('\n') == text.size() - 1 ? -1 : value;
+    return status == 2 && text.find('\n') == text.size() - 1 ? -1 : whole + decimal;
 }
 
 }  // namespace
