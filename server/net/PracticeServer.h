@@ -31,7 +31,7 @@ struct ServerConfig
     std::size_t mostClients = 64;
     ClientLimits::Config limits;
     LogOnce::Log log;  ///< must be set
-    /// Where the qports come from; nobody may guess them.
+    /// Where the qports come from: not from the match's seed, because nobody may guess them.
     std::function<std::uint32_t()> random = [source = std::make_shared<std::random_device>()] {
         return (*source)();
     };
