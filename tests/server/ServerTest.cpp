@@ -253,7 +253,7 @@ TEST_F(Server, AFloodOverrunsNeitherTheServerNorTheLog)
         return std::count_if(log.begin(), log.end(), others) + logged("... and ");
     };
     EXPECT_EQ(lines(), 90);
-    for (const std::size_t gone : {60, 89}) {  // the second time, the next count is not due yet
+    for (const std::size_t gone : {60U, 89U}) {  // the second time, the next count is not due yet
         std::for_each_n(clients.begin() + 1, gone, [](Client& client) { client.stream.close(); });
         EXPECT_TRUE(runUntil([&] { return first.received.destroyed.size() == gone; }));
     }
