@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace peer {
 
@@ -36,17 +37,12 @@ public:
         const bool wasOpen = !stream.end;
         datagrams.poll();
         stream.poll();
-        for (; wasOpen && checked < datagrams.received.size(); ++checked) {
-            checker.receiveDatagram(datagrams.received[checked]);
+        for (const Datagram& datagram : std::exchange(datagrams.received, {})) {
+            if (wasOpen) {
+                checker.receiveDatagram(datagram);
+            }
         }
         checker.receiveStream(stream.received);
-    }
-    /// Frees the recorded messages; for hours of play.
-    void forgetMessages()
-    {
-        checker.received = {};
-        datagrams.received.clear();
-        checked = 0;
     }
     /// With the qport of the welcome, or 0 before it.
     void steer(const messages::Steering& steering)
@@ -54,9 +50,6 @@ public:
         sendDatagram(messages::steeringFrame(qport(), steering));
     }
     void sendDatagram(const std::string& bytes) { datagrams.send(bytes, server); }
-    void sendStream(const std::string& bytes) { stream.send(bytes); }
-    void hangUp() { stream.close(); }
-    void reset() { stream.reset(); }
 
     std::uint64_t id() const { return checker.welcome.id(); }
     std::uint16_t qport() const { return static_cast<std::uint16_t>(checker.welcome.qport()); }
@@ -71,7 +64,6 @@ public:
 
 private:
     DatagramEnd::Address server;
-    std::size_t checked = 0;  ///< of the received datagrams
 };
 
 }  // namespace peer

@@ -35,29 +35,24 @@ ScriptedServer::~ScriptedServer()
 void ScriptedServer::run()
 {
     const std::string heartbeat = messages::updateFrame(999999999, 1, {});
+    ports.acceptor.non_blocking(true);
     for (Clock::time_point next; !stopped; std::this_thread::sleep_for(1ms)) {
         const Lock lock(mutex);
-        receive();
+        if (stream) {
+            stream->poll();
+        } else {
+            boost::system::error_code error;
+            boost::asio::ip::tcp::socket accepted = ports.acceptor.accept(error);
+            if (!error) {
+                stream.emplace(std::move(accepted));
+            }
+        }
+        datagrams.poll();
         if (hasHeartbeat && !datagrams.received.empty() && Clock::now() >= next) {
             next = Clock::now() + 100ms;
             datagrams.send(heartbeat, datagrams.received.back().sender);
         }
     }
-}
-
-void ScriptedServer::receive()
-{
-    boost::system::error_code error;
-    if (stream) {
-        stream->poll();
-    } else {
-        ports.acceptor.non_blocking(true);
-        boost::asio::ip::tcp::socket accepted = ports.acceptor.accept(error);
-        if (!error) {
-            stream.emplace(std::move(accepted));
-        }
-    }
-    datagrams.poll();
 }
 
 ScriptedServer::Record ScriptedServer::record() const
@@ -75,16 +70,14 @@ SteeringDatagram ScriptedServer::lastSteering() const
 bool ScriptedServer::sendTcp(const std::string& bytes)
 {
     Lock lock(mutex);
-    if (stream) {
-        stream->send(bytes);
+    if (!stream) {
+        return false;
     }
-    while (stream && !stream->isSent()) {
+    for (stream->send(bytes); !stream->isSent(); lock.lock()) {
         lock.unlock();
-        std::this_thread::sleep_for(1ms);
-        lock.lock();
-        stream->poll();
+        std::this_thread::sleep_for(1ms);  // the server's thread sends the rest
     }
-    return stream && !stream->end;
+    return !stream->end;
 }
 
 void ScriptedServer::sendUdp(const std::string& bytes)

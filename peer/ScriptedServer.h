@@ -61,7 +61,6 @@ public:
 
 private:
     void run();
-    void receive();
 
     boost::asio::io_context io;
     PortPair ports{io, 0};

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <iomanip>
 #include <iostream>
-#include <limits>
 #include <list>
 #include <random>
 #include <stdexcept>
@@ -62,7 +61,7 @@ void play(Pilots& pilots, std::chrono::seconds time)
     for (const auto end = Clock::now() + time; Clock::now() < end; std::this_thread::sleep_for(1ms)) {
         for (Pilot& pilot : pilots) {
             pilot.client.poll();
-            pilot.client.forgetMessages();
+            pilot.client.checker.received = {};  // or they would pile up
             if (pilot.nextSteering <= Clock::now()) {
                 pilot.steer();
             }
@@ -181,22 +180,22 @@ int main(int argc, char** argv)
 {
     try {
         CLI::App app("plays many clients against a server on 127.0.0.1", "vantor-swarm");
-        unsigned port = 21042;
+        std::uint16_t port = 21042;
         unsigned clients = 64;
         unsigned seconds = 60;
-        const auto add = [&app](const char* name, unsigned& value, unsigned largest, const char* text) {
+        const auto add = [&app](const char* name, auto& value, unsigned largest, const char* text) {
             app.add_option(name, value, text)
                 ->capture_default_str()
                 ->transform(commandline::wholeNumber())
                 ->check(CLI::Range(1U, largest));
         };
-        add("--port", port, std::numeric_limits<std::uint16_t>::max(), "of the server");
+        add("--port", port, 65535, "of the server");
         add("--clients", clients, 1000, "how many");
         add("--seconds", seconds, 86'400, "to measure, after 3 to warm up");
         if (const auto status = commandline::parse(app, argc, argv)) {
             return *status;
         }
-        return run(static_cast<std::uint16_t>(port), clients, std::chrono::seconds(seconds)) ? 0 : 1;
+        return run(port, clients, std::chrono::seconds(seconds)) ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vantor-swarm: %s\n", printable(error.what()).c_str());
         return 1;

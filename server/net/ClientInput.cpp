@@ -22,35 +22,6 @@ bool isOrientation(const Quaternion& q)
 
 }  // namespace
 
-bool cutStream(std::string& stream, const FrameHandler& handle)
-{
-    std::size_t used = 0;
-    framing::ClientFrame frame;
-    framing::Cut result = framing::Cut::frame;
-    while ((result = framing::cutClientFrame(stream.data() + used, stream.size() - used, frame)) ==
-           framing::Cut::frame) {
-        handle(frame);
-        used += frame.size();
-    }
-    stream.erase(0, used);
-    return result != framing::Cut::broken;
-}
-
-bool cutDatagram(const char* data, std::size_t size, std::uint16_t qport, const FrameHandler& handle)
-{
-    framing::ClientFrame frame;
-    for (std::size_t used = 0; used < size; used += frame.size()) {
-        if (framing::cutClientFrame(data + used, size - used, frame) != framing::Cut::frame) {
-            return false;
-        }
-        if (frame.qport != qport) {
-            return true;
-        }
-        handle(frame);
-    }
-    return true;
-}
-
 FrameMeaning readSteering(const framing::ClientFrame& frame, ShipInput& input)
 {
     if (frame.type != MessageTypes::CLIENT_UPDATE) {

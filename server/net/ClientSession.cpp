@@ -29,8 +29,7 @@ void ClientSession::send(const std::string& frame)
     }
     const std::size_t waiting = queued.size() + inFlight.size();
     if (waiting + frame.size() > queueLimit) {
-        reason = "does not read what it is sent, " + std::to_string(waiting) + " bytes wait";
-        end(State::cutOff);
+        end(State::cutOff, "does not read what it is sent, " + std::to_string(waiting) + " bytes wait");
         return;
     }
     queued += frame;
@@ -38,9 +37,20 @@ void ClientSession::send(const std::string& frame)
 
 void ClientSession::flush()
 {
-    if (current == State::open && inFlight.empty() && !queued.empty()) {
-        write();
+    if (current != State::open || !inFlight.empty() || queued.empty()) {
+        return;
     }
+    inFlight.swap(queued);
+    boost::asio::async_write(
+        socket, boost::asio::buffer(inFlight),
+        [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) {
+            self->inFlight.clear();
+            // After a failed write the receive fails too, and ends the session.
+            if (!error) {
+                Logger::getInstance()->countPacket(Logger::TCP_SENT, bytes);
+                self->flush();
+            }
+        });
 }
 
 void ClientSession::receive()
@@ -58,38 +68,32 @@ void ClientSession::handleReceive(const boost::system::error_code& error, std::s
         return;
     }
     if (error) {
-        end(State::hungUp);
+        end(State::hungUp, "");
         return;
     }
     Logger::getInstance()->countPacket(Logger::TCP_RECEIVED, bytes);
     receivedBytes += bytes;
     stream.append(buffer.data(), bytes);
-    if (!cutStream(stream, onFrame)) {
-        reason = "sent bytes on TCP that are no message";
-        end(State::cutOff);
+    std::size_t used = 0;
+    framing::ClientFrame frame;
+    framing::Cut cut = framing::Cut::frame;
+    while ((cut = framing::cutClientFrame(stream.data() + used, stream.size() - used, frame)) ==
+           framing::Cut::frame) {
+        onFrame(frame);
+        used += frame.size();
+    }
+    stream.erase(0, used);
+    if (cut == framing::Cut::broken) {
+        end(State::cutOff, "sent bytes on TCP that are no message");
         return;
     }
     receive();
 }
 
-void ClientSession::write()
-{
-    inFlight.swap(queued);
-    boost::asio::async_write(
-        socket, boost::asio::buffer(inFlight),
-        [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) {
-            self->inFlight.clear();
-            // After a failed write the receive fails too, and ends the session.
-            if (!error) {
-                Logger::getInstance()->countPacket(Logger::TCP_SENT, bytes);
-                self->flush();
-            }
-        });
-}
-
-void ClientSession::end(State state)
+void ClientSession::end(State state, const std::string& reason_)
 {
     current = state;
+    reason = reason_;
     boost::system::error_code ignored;  // closing is all we can do
     socket.close(ignored);
 }

@@ -1,11 +1,13 @@
 #pragma once
 
-#include "server/net/ClientInput.h"
+#include "network/Framing.h"
 
 #include <boost/asio/ip/tcp.hpp>
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -34,13 +36,15 @@ public:
 
     explicit ClientSession(boost::asio::ip::tcp::socket socket, std::size_t queueLimit = defaultQueueLimit);
 
+    using FrameHandler = std::function<void(const framing::ClientFrame&)>;
+
     /// The handler gets each frame received, until the session ends; it must not close the session.
     void start(FrameHandler onFrame);
     /// Queues a frame for the next flush.
     void send(const std::string& frame);
     /// Starts to write what is queued, unless a write is under way: one write for many frames.
     void flush();
-    void close() { end(State::closed); }
+    void close() { end(State::closed, ""); }
 
     State state() const { return current; }
     const std::string& cutOffReason() const { return reason; }
@@ -63,8 +67,7 @@ private:
 
     void receive();
     void handleReceive(const boost::system::error_code& error, std::size_t bytes);
-    void write();
-    void end(State state);
+    void end(State state, const std::string& reason);
 };
 
 }  // namespace practice

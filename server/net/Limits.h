@@ -1,7 +1,8 @@
 #pragma once
 
+#include "service/LogOnce.h"
+
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <utility>
 
@@ -85,9 +86,7 @@ private:
 class RateLimitedLog
 {
 public:
-    using Log = std::function<void(const std::string& line)>;
-
-    explicit RateLimitedLog(Log sink_) : sink(std::move(sink_)) {}
+    explicit RateLimitedLog(LogOnce::Log sink_) : sink(std::move(sink_)) {}
 
     void log(const std::string& line, std::uint64_t step);
     /// Logs the number of lines left out, at most once a second.
@@ -96,7 +95,7 @@ public:
     void flush();
 
 private:
-    Log sink;
+    LogOnce::Log sink;
     RateLimit rate{10, 80, 0};  // a full server may join or leave at once
     std::uint64_t leftOut = 0;
     std::uint64_t flushedAt = 0;  ///< step

@@ -21,7 +21,7 @@ std::string shotInfoFrame(const Shot& shot, std::uint32_t timestamp);
 /// Events leave through the reliable sink at once. Changed player data waits for the next snapshot: a full
 /// state restarts a client's smoothing, so it must fit into the sequence of states. A snapshot omits the
 /// ships whose full state left at the same match time: of two states with one timestamp, a client would
-/// compute that the ship stands still. Timestamps are match time, so clients measure true velocities.
+/// compute that the ship stands still.
 class MatchBroadcast : public MatchObserver
 {
 public:

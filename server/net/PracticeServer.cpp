@@ -115,7 +115,7 @@ void PracticeServer::acceptConnections()
 
 void PracticeServer::welcome(tcp::socket socket)
 {
-    auto session = std::make_shared<ClientSession>(std::move(socket), config.sendQueue);
+    auto session = std::make_shared<ClientSession>(std::move(socket));
     const ObjectId shipId = match.addHuman();  // announces the ship to the other clients
     const Ship& ship = *match.findShip(shipId);
     const std::uint16_t qport = freshQport();
@@ -125,15 +125,14 @@ void PracticeServer::welcome(tcp::socket socket)
         session->send(frame);
     }
     session->flush();
-    session->start([this, shipId](const framing::ClientFrame& frame) {
+    clientLog.log(joinLine(ship, session->peer()), now);
+    Client& client = clients.emplace_back(Client{session, shipId, qport, now, {config.limits, now}, {}});
+    session->start([this, &client](const framing::ClientFrame& frame) {
         Logger::getInstance()->countMessage(Logger::TCP_RECEIVED);
-        Client* client = findClient([shipId](const Client& c) { return c.ship == shipId; });
-        if (client != nullptr && client->qport == frame.qport) {
-            handleFrame(*client, frame);
+        if (client.qport == frame.qport) {
+            handleFrame(client, frame);
         }
     });
-    clientLog.log(joinLine(ship, session->peer()), now);
-    clients.push_back({session, shipId, qport, now, ClientLimits(config.limits, now), {}});
 }
 
 /// One line for many, so that nobody can flood the log.
@@ -183,7 +182,7 @@ std::string PracticeServer::leaveLine(Client& client)
 std::uint16_t PracticeServer::freshQport()
 {
     for (;;) {
-        const auto qport = static_cast<std::uint16_t>(qportSource());
+        const auto qport = static_cast<std::uint16_t>(config.random());
         if (qport != 0 && findClient([qport](const Client& c) { return c.qport == qport; }) == nullptr) {
             return qport;
         }
@@ -206,19 +205,27 @@ void PracticeServer::receive()
                                  });
 }
 
-/// A stranger's datagram has no effect, unless it is the first steering of a client that loads.
+/// A stranger's datagram has no effect, unless it is the first steering of a client that loads. The frames
+/// behind one of another qport have none either.
 void PracticeServer::handleDatagram(std::size_t bytes)
 {
     Logger::getInstance()->countPacket(Logger::UDP_RECEIVED, bytes);
-    framing::ClientFrame first;
-    framing::cutClientFrame(datagram.data(), bytes, first);
-    Client* const client = findSender(first.qport);
+    framing::ClientFrame frame;
+    framing::cutClientFrame(datagram.data(), bytes, frame);
+    Client* const client = findSender(frame.qport);
     if (client == nullptr) {
         return;
     }
     const std::uint64_t now = match.stepCount();
     client->limits.receivedDatagram(now);
-    const auto handle = [&](const framing::ClientFrame& frame) {
+    for (std::size_t used = 0; used < bytes; used += frame.size()) {
+        if (framing::cutClientFrame(&datagram[used], bytes - used, frame) != framing::Cut::frame) {
+            client->limits.receivedGarbage(now);
+            return;
+        }
+        if (frame.qport != client->qport) {
+            return;
+        }
         Logger::getInstance()->countMessage(Logger::UDP_RECEIVED);
         const FrameMeaning meaning = handleFrame(*client, frame);
         if (meaning == FrameMeaning::steering) {
@@ -227,9 +234,6 @@ void PracticeServer::handleDatagram(std::size_t bytes)
         } else if (meaning == FrameMeaning::garbage) {
             client->limits.receivedGarbage(now);
         }
-    };
-    if (!cutDatagram(datagram.data(), bytes, client->qport, handle)) {
-        client->limits.receivedGarbage(now);
     }
 }
 

@@ -15,9 +15,10 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <list>
+#include <memory>
 #include <random>
 #include <string>
-#include <vector>
 
 namespace practice {
 
@@ -26,11 +27,14 @@ struct ServerConfig
     boost::asio::ip::address_v4 bind{boost::asio::ip::address_v4::bytes_type{{127, 0, 0, 1}}};
     std::uint16_t port = 21042;  ///< 0: any free port
     unsigned bots = 16;
-    MatchSettings match;  ///< its seed does not determine the qports: they are always random
+    MatchSettings match;
     std::size_t mostClients = 64;
     ClientLimits::Config limits;
-    std::size_t sendQueue = ClientSession::defaultQueueLimit;  ///< bytes that may wait for one client
-    std::function<void(const std::string& line)> log;          ///< must be set
+    LogOnce::Log log;  ///< must be set
+    /// Where the qports come from: not from the match's seed, because nobody may guess them.
+    std::function<std::uint32_t()> random = [source = std::make_shared<std::random_device>()] {
+        return (*source)();
+    };
 };
 
 /// A server that hosts one match.
@@ -79,8 +83,7 @@ private:
     StepClock clock;
     Match match;
     MatchBroadcast broadcast;
-    std::vector<Client> clients;
-    std::random_device qportSource;
+    std::list<Client> clients;
     std::array<char, 2048> datagram{};
     boost::asio::ip::udp::endpoint sender;  ///< of the datagram
     std::uint64_t turnedAway = 0;           ///< connections that have not been logged

@@ -17,15 +17,17 @@ constexpr std::uint32_t mostBots = 64;
 constexpr std::uint32_t highestScore = 10'000;  ///< kills; more than a day of fighting
 constexpr std::uint32_t longestMatch = 86'400;  ///< seconds
 
-std::string checkAddress(const std::string& text)
+boost::asio::ip::address_v4 toAddress(const std::string& text)
 {
     boost::system::error_code error;
     const auto address = boost::asio::ip::make_address_v4(text, error);
     if (error || address.is_multicast() || address == boost::asio::ip::address_v4::broadcast()) {
-        return "wants an IPv4 address of this machine like 127.0.0.1 (0.0.0.0: all of them), not '" + text +
-               "'";
+        throw CLI::ValidationError("--bind",
+                                   "wants an IPv4 address of this machine like 127.0.0.1 (0.0.0.0: all of "
+                                   "them), not '" +
+                                       text + "'");
     }
-    return {};
+    return address;
 }
 
 }  // namespace
@@ -45,14 +47,11 @@ std::optional<int> readServerOptions(int argc, const char* const* argv, ServerOp
         return app.add_option_function<std::string>(name, set, text)
             ->check(CLI::IsMember(&choices).description(""));
     };
-    const auto setAddress = [&config](const std::string& text) {
-        config.bind = boost::asio::ip::make_address_v4(text);
-    };
+    const auto setAddress = [&config](const std::string& text) { config.bind = toAddress(text); };
     MatchSettings& match = config.match;
     number("--port", config.port, 65535, "TCP and UDP port; 0 takes any free one");
     app.add_option_function<std::string>("--bind", setAddress,
                                          "IPv4 address to listen on; 0.0.0.0 lets other machines in")
-        ->check(checkAddress)
         ->default_str(config.bind.to_string())
         ->type_name("ADDRESS");
     number("--bots", config.bots, mostBots, "computer pilots, 0 to 64, evenly on both teams");
