@@ -26,11 +26,12 @@ constexpr Network networks[] = {
     {"awful", {200, 100, 15, 5, 10}},
 };
 
-Conditions networkCalled(const std::string& name)
+void setNetwork(RelayConfig& config, const std::string& name)
 {
     for (const Network& network : networks) {
         if (network.name == name) {
-            return network.conditions;
+            config.conditions = network.conditions;
+            return;
         }
     }
     throw CLI::ValidationError("no network is called '" + name + "'");
@@ -83,24 +84,27 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
                             const char* text) {
         return app.add_option(name, field, text)->transform(validator)->option_text(value);
     };
-    const auto percent = [](double largest) { return commandline::decimalNumber(largest); };
-    const auto setTo = [&config](const std::string& text) { setServer(config, text); };
-    const auto setNetwork = [&config](const std::string& name) { config.conditions = networkCalled(name); };
+    const auto setWith = [&config](auto function) {
+        return [&config, function](const std::string& text) { function(config, text); };
+    };
     Conditions& faults = config.conditions;
     const CLI::Validator file = commandline::fileName();
+    const CLI::Validator percent = commandline::decimalNumber(100);
     const CLI::Validator delay = commandline::decimalNumber(longestDelay);
 
     add("--listen", "PORT (0)", config.port, commandline::wholeNumber(65535),
         "TCP and UDP port; 0 takes any free one");
     // Values are set in this order: first a network, then what changes it.
     CLI::Option* const withServer[] = {
-        app.add_option_function<std::string>("--to", setTo, "the server")->option_text("HOST:PORT"),
-        app.add_option_function<std::string>("--network", setNetwork, networkList())->option_text("NAME"),
+        app.add_option_function<std::string>("--to", setWith(setServer), "the server")
+            ->option_text("HOST:PORT"),
+        app.add_option_function<std::string>("--network", setWith(setNetwork), networkList())
+            ->option_text("NAME"),
         add("--latency", "MS", faults.latency, delay, "one-way delay of both TCP and UDP"),
         add("--jitter", "MS", faults.jitter, delay, "delays differ by up to so much; keeps the order"),
-        add("--loss", "PERCENT", faults.loss, percent(100), "of the datagrams never arrive"),
-        add("--duplicate", "PERCENT", faults.duplicate, percent(100), "of those that arrive arrive twice"),
-        add("--reorder", "PERCENT", faults.reorder, percent(mostReorder),
+        add("--loss", "PERCENT", faults.loss, percent, "of the datagrams never arrive"),
+        add("--duplicate", "PERCENT", faults.duplicate, percent, "of those that arrive arrive twice"),
+        add("--reorder", "PERCENT", faults.reorder, commandline::decimalNumber(mostReorder),
             "of those that arrive arrive behind a later one;\nat most 50"),
         add("--seed", "N (1)", config.seed, commandline::wholeNumber(),
             "of the faults; the same one repeats them"),

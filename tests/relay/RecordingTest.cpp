@@ -24,12 +24,11 @@ protected:
 
     void stream(std::uint32_t number, Direction direction, const std::string& bytes)
     {
-        writer.write({Transport::stream, number, direction}, Chunk::Kind::bytes, bytes.data(), bytes.size());
+        writer.write({Transport::stream, number, direction}, Chunk::BYTES, bytes.data(), bytes.size());
     }
     void datagram(std::uint32_t number, Direction direction, const std::string& bytes)
     {
-        writer.write({Transport::datagrams, number, direction}, Chunk::Kind::bytes, bytes.data(),
-                     bytes.size());
+        writer.write({Transport::datagrams, number, direction}, Chunk::BYTES, bytes.data(), bytes.size());
     }
     std::string content() const
     {
@@ -55,7 +54,7 @@ protected:
     {
         std::string bytes;
         return resultOf([&] {
-            for (const Chunk& chunk : readServerTrack(path, {}).chunks) {
+            for (const auto& chunk : readServerTrack(path, {}).pieces) {
                 bytes += chunk.bytes + ' ';
             }
             return bytes;
@@ -84,7 +83,7 @@ TEST_F(Recording, CutAnywhereKeepsItsWholeChunks)
         stream(1, toClient, bytes);
         ends.push_back(content().size());
     }
-    writer.write({Transport::datagrams, 7, toServer}, Chunk::Kind::closed);
+    writer.write({Transport::datagrams, 7, toServer}, Chunk::CLOSED);
     const std::string whole = content();
     ends.push_back(whole.size());
     for (std::size_t size = 0; size <= whole.size(); ++size) {
@@ -154,6 +153,6 @@ TEST_F(Recording, GivesTheTrackOfTheFirstPlayer)
     }
     stream(4, toClient, "another's");
     stream(3, toClient, "last words");
-    writer.write({Transport::stream, 3, toClient}, Chunk::Kind::closed);
+    writer.write({Transport::stream, 3, toClient}, Chunk::CLOSED);
     EXPECT_EQ(track(), welcome(6).substr(0, 3) + " " + welcome(6).substr(3) + " datagram\6\0! last words "s);
 }

@@ -204,8 +204,8 @@ TEST(Relay, SpoilsAsTheSeedSaysAndRecordsWhatWasSent)
     std::map<std::pair<Transport, Direction>, std::string> recorded;
     for (const Chunk& chunk : readRecording(config.recordPath, {})) {
         const std::array kinds = {" ", "opened ", "closed "};
-        recorded[{chunk.flow.transport, chunk.flow.direction}] +=
-            chunk.bytes + kinds.at(static_cast<std::size_t>(chunk.kind));
+        recorded[{Transport(chunk.transport()), Direction(chunk.direction())}] +=
+            chunk.bytes() + kinds.at(static_cast<std::size_t>(chunk.kind()));
     }
     EXPECT_EQ((recorded[{Transport::stream, Direction::toServer}]), "opened u\0p closed "s);
     EXPECT_EQ((recorded[{Transport::stream, Direction::toClient}]), "down closed ");

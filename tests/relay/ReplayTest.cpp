@@ -22,8 +22,8 @@ TEST(Replay, KeepsTheTimesAndWaitsForTheRightQport)
     const ServerTrack track = readServerTrack(VANTOR_RECORDINGS "/short-match.rec", {});
     std::string expected;
     Duration first{0};
-    for (const Chunk& chunk : track.chunks) {
-        const bool isStream = chunk.flow.transport == Transport::stream;
+    for (const auto& chunk : track.pieces) {
+        const bool isStream = chunk.transport == Transport::stream;
         first = isStream || first.count() > 0 ? first : chunk.at;
         expected += isStream ? "" : chunk.bytes;
     }
@@ -51,7 +51,7 @@ TEST(Replay, KeepsTheTimesAndWaitsForTheRightQport)
         EXPECT_FALSE(stream.end) << "others are turned away while the first one watches";
         stranger.send(bytesOf(track.qport), server);
         EXPECT_TRUE(ends.await([&] { return stream.end == boost::asio::error::eof; }));
-        const auto rest = (track.chunks.back().at - first) / speed;
+        const auto rest = (track.pieces.back().at - first) / speed;
         EXPECT_GT(Clock::now() - answered, rest - 10ms);  // it noticed a little late that it had to wait
         EXPECT_LT(Clock::now() - answered, rest + 5s);
         std::string received;
