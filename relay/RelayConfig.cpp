@@ -26,12 +26,11 @@ constexpr Network networks[] = {
     {"awful", {200, 100, 15, 5, 10}},
 };
 
-void setNetwork(RelayConfig& config, const std::string& name)
+Conditions networkCalled(const std::string& name)
 {
     for (const Network& network : networks) {
         if (network.name == name) {
-            config.conditions = network.conditions;
-            return;
+            return network.conditions;
         }
     }
     throw CLI::ValidationError("no network is called '" + name + "'");
@@ -84,9 +83,8 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
                             const char* text) {
         return app.add_option(name, field, text)->transform(validator)->option_text(value);
     };
-    const auto setWith = [&config](auto function) {
-        return [&config, function](const std::string& text) { function(config, text); };
-    };
+    const auto setTo = [&config](const std::string& text) { setServer(config, text); };
+    const auto setNetwork = [&config](const std::string& name) { config.conditions = networkCalled(name); };
     Conditions& faults = config.conditions;
     const CLI::Validator file = commandline::fileName();
     const CLI::Validator percent = commandline::decimalNumber(100);
@@ -96,10 +94,8 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
         "TCP and UDP port; 0 takes any free one");
     // Values are set in this order: first a network, then what changes it.
     CLI::Option* const withServer[] = {
-        app.add_option_function<std::string>("--to", setWith(setServer), "the server")
-            ->option_text("HOST:PORT"),
-        app.add_option_function<std::string>("--network", setWith(setNetwork), networkList())
-            ->option_text("NAME"),
+        app.add_option_function<std::string>("--to", setTo, "the server")->option_text("HOST:PORT"),
+        app.add_option_function<std::string>("--network", setNetwork, networkList())->option_text("NAME"),
         add("--latency", "MS", faults.latency, delay, "one-way delay of both TCP and UDP"),
         add("--jitter", "MS", faults.jitter, delay, "delays differ by up to so much; keeps the order"),
         add("--loss", "PERCENT", faults.loss, percent, "of the datagrams never arrive"),

@@ -12,8 +12,6 @@ using support::Process;
 
 namespace {
 
-const std::string file = testing::TempDir() + "relay-" + std::to_string(getpid());
-
 bool awaitText(const Process& process, const std::string& text)
 {
     return peer::eventually([&] { return process.hasPrinted(text); }, 40s);
@@ -37,15 +35,6 @@ TEST(RelayProgram, PlaysAMatchToTheClientOverABadNetwork)
     Process client(support::clientCommand(display.name(), {"--host", "127.0.0.1", "--port", portOf(relay)}));
     EXPECT_TRUE(awaitText(relay, "to " + server + ", 80±30 ms, loss 5%, duplicate 1%, reorder 2%, seed 1"));
     ASSERT_TRUE(awaitText(replay, "client 1: connected")) << client.output();
-    // Above the own ship and below the texts; a ship that is 200 units away covers about 30 pixels.
-    const auto seesMovement = [&] {
-        for (const char* number : {"-1.png", "-2.png"}) {
-            display.screenshot("800x340+0+80", file + number);
-            std::this_thread::sleep_for(700ms);
-        }
-        return support::countDifferent(file + "-1.png", file + "-2.png") > 8;
-    };
-    EXPECT_TRUE(peer::eventually(seesMovement, 6s));
     EXPECT_EQ(client.end(), "status 0") << client.output();
     EXPECT_TRUE(awaitText(replay, "client 1: played to the end"));
     EXPECT_TRUE(awaitText(relay, "connection 1: closed"));
@@ -55,14 +44,15 @@ TEST(RelayProgram, PlaysAMatchToTheClientOverABadNetwork)
 
 TEST(RelayProgram, NamesABadRecordingAndEndsWithStatusOne)
 {
+    const std::string path = testing::TempDir() + "no-recording-" + std::to_string(getpid());
     const std::pair<std::string, std::string> cases[] = {
         {"set -o pipefail; (ulimit -f 0; \"$0\" --to 127.0.0.1:1 --record \"$1\") 2>&1 | cat",
-         "cannot record into " + file + ": File too large\n"},
-        {"echo >\"$1\"; exec \"$0\" --replay \"$1\"", file + " is no recording of this version\n"}};
+         "cannot record into " + path + ": File too large\n"},
+        {"echo >\"$1\"; exec \"$0\" --replay \"$1\"", path + " is no recording of this version\n"}};
     for (const auto& [command, message] : cases) {
-        Process relay({"bash", "-c", command, VANTOR_RELAY, file});
+        Process relay({"bash", "-c", command, VANTOR_RELAY, path});
         EXPECT_EQ(relay.end(), "status 1");
         EXPECT_EQ(relay.output(), "vantor-relay: " + message);
     }
-    std::filesystem::remove(file);
+    std::filesystem::remove(path);
 }

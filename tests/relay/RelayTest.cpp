@@ -209,6 +209,7 @@ TEST(Relay, TurnsTooManyConnectionsAwayUntilOthersEnd)
         }
         EXPECT_TRUE(network.await([&] { return clients.back()->end.failed(); }));
         EXPECT_EQ(network.log.count("turning away connections: 64 are open"), times);
+        EXPECT_EQ(network.log.count("connection " + std::to_string(times * 64 + 1) + ": opened"), 0U);
         for (StreamEnd* const client : clients) {
             client->reset();
         }

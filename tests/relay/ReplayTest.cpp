@@ -51,7 +51,9 @@ TEST(Replay, KeepsTheTimesAndWaitsForTheRightQport)
         EXPECT_TRUE(received == expected) << "nothing is left out";
         EXPECT_TRUE(stranger.received.empty());
     }
-    ends.connect(replayer.port()).reset();
+    peer::StreamEnd& leaving = ends.connect(replayer.port());
+    ends.pass(first / speed + 200ms);  // so that the replay waits
+    leaving.reset();
     EXPECT_TRUE(ends.await([&] { return log.back() == "client 3: left"; }));
     ends.connect(replayer.port());
     EXPECT_TRUE(ends.await([&] { return log.back() == "client 4: connected"; }));
