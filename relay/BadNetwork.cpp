@@ -9,28 +9,17 @@ namespace {
 
 constexpr unsigned deepestReorder = 3;  ///< datagrams; parallel paths of one route do that
 
-Duration milliseconds(double value)
-{
-    return std::chrono::duration_cast<Duration>(std::chrono::duration<double, std::milli>(value));
-}
-
-std::mt19937 generator(std::uint32_t seed, const Flow& flow)
-{
-    std::seed_seq sequence{seed, static_cast<std::uint32_t>(flow.transport), flow.number,
-                           static_cast<std::uint32_t>(flow.direction)};
-    return std::mt19937(sequence);
-}
-
 }  // namespace
 
-Impairment::Impairment(const Conditions& conditions, std::uint32_t seed, const Flow& flow)
-    : latency(milliseconds(conditions.latency)),
-      jitter(milliseconds(conditions.jitter)),
-      loss(conditions.loss / 100),
-      duplicate(conditions.duplicate / 100),
-      reorder(conditions.reorder / 100),
-      engine(generator(seed, flow))
+Impairment::Impairment(const Conditions& conditions_, std::uint32_t seed, const Flow& flow)
+    : conditions(conditions_)
 {
+    if (flow.transport == Transport::stream) {
+        conditions = {conditions_.latency, conditions_.jitter};
+    }
+    std::seed_seq sequence{seed, static_cast<std::uint32_t>(flow.transport), flow.number,
+                           static_cast<std::uint32_t>(flow.direction)};
+    engine.seed(sequence);
 }
 
 // Every decision takes the same number of draws, so that losses and copies stay where they are when another
@@ -38,16 +27,17 @@ Impairment::Impairment(const Conditions& conditions, std::uint32_t seed, const F
 // makes the share h / (1 + h) of all.
 Impairment::Decision Impairment::next()
 {
-    const bool lost = unit() < loss;
-    const bool doubled = unit() < duplicate;
-    const bool drawn = unit() < reorder / (1 - reorder);
+    const bool lost = unit() < conditions.loss / 100;
+    const bool doubled = unit() < conditions.duplicate / 100;
+    const bool drawn = unit() < conditions.reorder / (100 - conditions.reorder);
     const auto depth = 1 + static_cast<unsigned>(unit() * deepestReorder);
     const double swing = 2 * unit() - 1;
-    const auto deviation = static_cast<Duration::rep>(swing * static_cast<double>(jitter.count()));
+    const std::chrono::duration<double, std::milli> delay(
+        std::max(0.0, conditions.latency + swing * conditions.jitter));
     const unsigned copies = doubled ? 2 : 1;
     const bool held = drawn && !lastWasHeld;
     lastWasHeld = lost ? lastWasHeld : held;
-    return {lost ? 0 : copies, std::max(Duration(0), latency + Duration(deviation)), held ? depth : 0};
+    return {lost ? 0 : copies, std::chrono::duration_cast<Duration>(delay), held ? depth : 0};
 }
 
 /// Uniform in [0, 1). The language standard fixes the engine's sequence, but not the library's distributions.
@@ -59,8 +49,7 @@ double Impairment::unit()
 bool DelayQueue::push(Time now, std::string datagram)
 {
     const Impairment::Decision decision = impairment.next();
-    lastDue = std::max(lastDue, now + decision.delay);
-    Waiting coming = {lastDue, decision.copies, decision.overtakenBy, std::move(datagram)};
+    Waiting coming = {now + decision.delay, decision.copies, decision.overtakenBy, std::move(datagram)};
     if (waitingBytes + coming.cost() > byteLimit) {
         return false;
     }

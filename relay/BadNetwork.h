@@ -49,7 +49,7 @@ struct Flow
 /// Decides what the network does to the first, second, third... piece of a flow.
 ///
 /// No clock and no sockets: the n-th decision follows from the conditions, the seed, the flow and n alone, on
-/// every machine.
+/// every machine. A stream is delayed only: all its pieces arrive once and in order.
 class Impairment
 {
 public:
@@ -65,15 +65,14 @@ public:
     Decision next();
 
 private:
-    Duration latency, jitter;
-    double loss, duplicate, reorder;  ///< shares, 0 to 1
+    Conditions conditions;
     std::mt19937 engine;
     bool lastWasHeld = false;  ///< the last one that arrives; the next one must overtake it
 
     double unit();
 };
 
-/// The datagrams under way in one direction of one flow.
+/// The datagrams, or pieces of a stream, under way in one direction.
 ///
 /// Jitter alone never changes the order, as on a single path: a datagram waits for those before it. Only the
 /// share that `reorder` asks for arrives late: it is held until later ones have left, at most for holdLimit.
@@ -91,8 +90,10 @@ public:
     bool push(Time now, std::string datagram);
     /// The next datagram that has arrived by now.
     std::optional<std::string> pop(Time now);
-    /// When to call pop again; Time::max() where the queue is empty.
+    /// When to call pop again, perhaps at once; Time::max() where the queue is empty.
     Time nextDue() const;
+    /// In bytes, with the overhead of each datagram.
+    std::size_t size() const { return waitingBytes; }
 
 private:
     struct Waiting
@@ -106,9 +107,8 @@ private:
     };
 
     Impairment impairment;
-    std::deque<Waiting> waiting;   ///< in the order of their coming, thus by due
+    std::deque<Waiting> waiting;   ///< in the order of their coming
     std::size_t waitingBytes = 0;  ///< the sum of their costs
-    Time lastDue;
 
     std::size_t next() const;
 };

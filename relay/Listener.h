@@ -40,13 +40,12 @@ public:
         receive();
     }
 
-    /// Hangs up on everyone and leaves the io_context without work of ours.
+    /// Hangs up on everyone and leaves the io_context without work of ours, at the latest after acceptRetry.
     virtual void stop()
     {
         Error ignored;  // closing is all we can do
         ports.acceptor.close(ignored);
         ports.udp.close(ignored);
-        acceptTimer.cancel(ignored);
     }
 
     std::uint16_t port() const { return ports.number(); }

@@ -1,7 +1,6 @@
 #include "relay/Recording.h"
 
 #include "network/Framing.h"
-#include "relay/Recording.pb.h"
 
 #include <google/protobuf/io/coded_stream.h>
 #include <google/protobuf/io/zero_copy_stream_impl.h>
@@ -61,29 +60,11 @@ Read readMessage(io::ZeroCopyInputStream& file, google::protobuf::Message& messa
 }
 
 /// The parser has refused unknown enumerators: their fields would be missing.
-bool isValid(const recording::Chunk& chunk, Duration previous)
+bool isValid(const Chunk& chunk, std::uint64_t previous)
 {
-    const bool mayHaveBytes = chunk.kind() == recording::Chunk::BYTES;
-    return chunk.microseconds() >= static_cast<std::uint64_t>(previous.count()) &&
-           chunk.microseconds() <= longestRecording &&
+    const bool mayHaveBytes = chunk.kind() == Chunk::BYTES;
+    return chunk.microseconds() >= previous && chunk.microseconds() <= longestRecording &&
            chunk.bytes().size() <= (mayHaveBytes ? largestChunk : 0);
-}
-
-Read readChunk(io::ZeroCopyInputStream& file, Duration previous, Chunk& chunk)
-{
-    recording::Chunk message;
-    const Read result = readMessage(file, message);
-    if (result != Read::message) {
-        return result;
-    }
-    if (!isValid(message, previous)) {
-        return Read::garbled;
-    }
-    chunk = {Duration(static_cast<Duration::rep>(message.microseconds())),
-             {Transport(message.transport()), message.number(), Direction(message.direction())},
-             Chunk::Kind(message.kind()),
-             std::move(*message.mutable_bytes())};
-    return Read::message;
 }
 
 }  // namespace
@@ -99,12 +80,12 @@ RecordingWriter::RecordingWriter(const std::string& path_) : path(path_), file(p
 void RecordingWriter::write(const Flow& flow, Chunk::Kind kind, const char* data, std::size_t size)
 {
     const auto elapsed = std::chrono::duration_cast<Duration>(Clock::now() - start);
-    recording::Chunk chunk;
+    Chunk chunk;
     chunk.set_microseconds(static_cast<std::uint64_t>(elapsed.count()));
-    chunk.set_transport(recording::Chunk::Transport(flow.transport));
+    chunk.set_transport(Chunk::Transport(flow.transport));
     chunk.set_number(flow.number);
-    chunk.set_direction(recording::Chunk::Direction(flow.direction));
-    chunk.set_kind(recording::Chunk::Kind(kind));
+    chunk.set_direction(Chunk::Direction(flow.direction));
+    chunk.set_kind(kind);
     if (size > 0) {
         chunk.set_bytes(data, size);
     }
@@ -136,10 +117,14 @@ std::vector<Chunk> readRecording(const std::string& path, const Warn& warn)
         throw std::runtime_error(path + " is no recording of this version");
     }
     std::vector<Chunk> chunks;
-    Duration previous{0};
+    std::uint64_t previous = 0;
     Read result = Read::message;
-    for (Chunk chunk; (result = readChunk(stream, previous, chunk)) == Read::message;) {
-        previous = chunk.at;
+    for (Chunk chunk; (result = readMessage(stream, chunk)) == Read::message;) {
+        if (!isValid(chunk, previous)) {
+            result = Read::garbled;
+            break;
+        }
+        previous = chunk.microseconds();
         chunks.push_back(std::move(chunk));
     }
     const std::string place = "chunk " + std::to_string(chunks.size() + 1);

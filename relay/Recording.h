@@ -1,6 +1,7 @@
 #pragma once
 
 #include "relay/BadNetwork.h"
+#include "relay/Recording.pb.h"
 
 #include <cstddef>
 #include <fstream>
@@ -8,29 +9,11 @@
 #include <string>
 #include <vector>
 
-namespace google::protobuf {
-class Message;
-}
-
 namespace relay {
 
-/// Something that one side sent or did.
-struct Chunk
-{
-    enum class Kind : std::uint8_t
-    {
-        bytes,  ///< a piece of the stream, or one whole datagram
-        opened,
-        closed  ///< the side that `flow.direction` comes from sends no more
-    };
+using Chunk = recording::Chunk;
 
-    Duration at;  ///< since the recording began; never less than the chunk before it
-    Flow flow;
-    Kind kind;
-    std::string bytes;  ///< at most largestChunk
-};
-
-constexpr std::size_t largestChunk = 65536;  ///< more than any datagram holds
+constexpr std::size_t largestChunk = 65536;  ///< bytes; more than any datagram holds
 
 /// Writes chunks into a file as they come. Recording.proto describes the file.
 ///

@@ -3,6 +3,7 @@
 #include "relay/TcpLink.h"
 #include "relay/UdpFlow.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -57,7 +58,7 @@ Relay::Relay(boost::asio::io_context& io, const RelayConfig& config_)
 void Relay::stop()
 {
     Listener::stop();
-    for (const auto& [number, link] : links) {
+    for (const auto& link : links) {
         link->close();
     }
     for (const auto& [client, flow] : flows) {
@@ -69,20 +70,15 @@ void Relay::stop()
 
 void Relay::handleConnection(TcpSocket socket)
 {
+    const auto hasEnded = [](const auto& link) { return !link->isOpen(); };
+    links.erase(std::remove_if(links.begin(), links.end(), hasEnded), links.end());
     if (links.size() >= mostLinks) {
         linksRefused.log("turning away connections: " + std::to_string(mostLinks) + " are open");
         return;
     }
     linksRefused.clear();
-    const std::uint32_t number = ++linkCount;
-    const std::string name = "connection " + std::to_string(number);
-    config.log(name + ": opened");
-    const auto link = std::make_shared<TcpLink>(std::move(socket), number, config);
-    links[number] = link;
-    link->start(server, [this, number, name](const std::string& reason) {
-        config.log(name + ": " + reason);
-        links.erase(number);
-    });
+    links.push_back(std::make_shared<TcpLink>(std::move(socket), ++linkCount, config));
+    links.back()->start(server);
 }
 
 void Relay::handleDatagram(const Endpoint& client, const char* data, std::size_t size)

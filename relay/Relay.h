@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace relay {
 
@@ -37,7 +38,7 @@ public:
 private:
     RelayConfig config;
     boost::asio::ip::tcp::endpoint server;
-    std::map<std::uint32_t, std::shared_ptr<TcpLink>> links;  ///< by number
+    std::vector<std::shared_ptr<TcpLink>> links;  ///< ended ones go when the next one comes
     std::map<Endpoint, std::shared_ptr<UdpFlow>> flows;
     std::uint32_t linkCount = 0;  ///< ever
     std::uint32_t flowCount = 0;  ///< ever

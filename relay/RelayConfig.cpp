@@ -83,11 +83,11 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
                             const char* text) {
         return app.add_option(name, field, text)->transform(validator)->option_text(value);
     };
-    const auto percent = [](double largest) { return commandline::decimalNumber(largest); };
     const auto setTo = [&config](const std::string& text) { setServer(config, text); };
     const auto setNetwork = [&config](const std::string& name) { config.conditions = networkCalled(name); };
     Conditions& faults = config.conditions;
     const CLI::Validator file = commandline::fileName();
+    const CLI::Validator percent = commandline::decimalNumber(100);
     const CLI::Validator delay = commandline::decimalNumber(longestDelay);
 
     add("--listen", "PORT (0)", config.port, commandline::wholeNumber(65535),
@@ -98,9 +98,9 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
         app.add_option_function<std::string>("--network", setNetwork, networkList())->option_text("NAME"),
         add("--latency", "MS", faults.latency, delay, "one-way delay of both TCP and UDP"),
         add("--jitter", "MS", faults.jitter, delay, "delays differ by up to so much; keeps the order"),
-        add("--loss", "PERCENT", faults.loss, percent(100), "of the datagrams never arrive"),
-        add("--duplicate", "PERCENT", faults.duplicate, percent(100), "of those that arrive arrive twice"),
-        add("--reorder", "PERCENT", faults.reorder, percent(mostReorder),
+        add("--loss", "PERCENT", faults.loss, percent, "of the datagrams never arrive"),
+        add("--duplicate", "PERCENT", faults.duplicate, percent, "of those that arrive arrive twice"),
+        add("--reorder", "PERCENT", faults.reorder, commandline::decimalNumber(mostReorder),
             "of those that arrive arrive behind a later one;\nat most 50"),
         add("--seed", "N (1)", config.seed, commandline::wholeNumber(),
             "of the faults; the same one repeats them"),

@@ -2,13 +2,12 @@
 
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "network/Framing.h"
-#include "relay/WhileOpen.h"
+#include "relay/Connection.h"
 
 #include <boost/asio/write.hpp>
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -39,42 +38,39 @@ std::optional<std::uint16_t> welcomedQport(const std::string& stream)
     return static_cast<std::uint16_t>(welcome.qport());
 }
 
+Duration timeOf(const Chunk& chunk)
+{
+    return Duration(static_cast<Duration::rep>(chunk.microseconds()));
+}
+
 struct Client
 {
-    std::uint32_t connection;
     Duration connected;
-    std::uint16_t qport;
-    std::uint32_t flow = 0;  ///< of datagrams; 0, which none has, where the client never sent its qport
+    std::string start;  ///< of the server's stream: at least its first frame
+    std::optional<std::uint16_t> qport;
+    std::uint32_t flow = 0;  ///< of its datagrams; 0, which none has, where it never sent its qport
 };
 
-/// The clients in the order in which the server welcomed them.
-std::vector<Client> welcomedClients(const std::vector<Chunk>& recording)
+/// The clients by the numbers of their connections.
+std::map<std::uint32_t, Client> clientsIn(const std::vector<Chunk>& recording)
 {
-    std::map<std::uint32_t, Duration> connected;   // by connection
-    std::map<std::uint32_t, std::string> starts;   // of the server's streams, up to a whole frame
+    std::map<std::uint32_t, Client> clients;
     std::map<std::uint16_t, std::uint32_t> flows;  // by qport, the first flow that carried it
-    std::vector<Client> clients;
-    for (const auto& [at, flow, kind, bytes] : recording) {
-        const bool isStream = flow.transport == Transport::stream;
-        if (isStream) {
-            connected.emplace(flow.number, at);
-        }
-        if (isStream && flow.direction == Direction::toClient) {
-            std::string& start = starts[flow.number];
-            const bool isNew = framing::wholeFrameLength(start.data(), start.size()) == 0;
-            start += isNew ? bytes : "";
-            const auto qport = isNew ? welcomedQport(start) : std::nullopt;
-            if (qport) {
-                clients.push_back({flow.number, connected[flow.number], *qport});
-            }
-        }
-        const auto qport = qportOf(bytes.data(), bytes.size());
-        if (!isStream && flow.direction == Direction::toServer && qport) {
-            flows.emplace(*qport, flow.number);
+    for (const Chunk& chunk : recording) {
+        const std::string& bytes = chunk.bytes();
+        const bool isFromServer = chunk.direction() == Chunk::TO_CLIENT;
+        if (chunk.transport() == Chunk::STREAM) {
+            std::string& start =
+                clients.try_emplace(chunk.number(), Client{timeOf(chunk), {}, {}}).first->second.start;
+            const bool isWhole = framing::wholeFrameLength(start.data(), start.size()) > 0;
+            start += isFromServer && !isWhole ? bytes : "";
+        } else if (const auto qport = qportOf(bytes.data(), bytes.size()); qport && !isFromServer) {
+            flows.emplace(*qport, chunk.number());
         }
     }
-    for (Client& client : clients) {
-        client.flow = flows[client.qport];
+    for (auto& [number, client] : clients) {
+        client.qport = welcomedQport(client.start);
+        client.flow = client.qport ? flows[*client.qport] : 0;
     }
     return clients;
 }
@@ -84,55 +80,53 @@ std::vector<Client> welcomedClients(const std::vector<Chunk>& recording)
 ServerTrack readServerTrack(const std::string& path, const Warn& warn)
 {
     std::vector<Chunk> recording = readRecording(path, warn);
-    const std::vector<Client> clients = welcomedClients(recording);
-    if (clients.empty()) {
+    const auto clients = clientsIn(recording);
+    const auto first = [&clients](const auto& condition) {
+        return std::find_if(clients.begin(), clients.end(), condition);
+    };
+    const auto player = first([](const auto& entry) { return entry.second.flow != 0; });
+    const auto welcomed = first([](const auto& entry) { return entry.second.qport.has_value(); });
+    if (welcomed == clients.end()) {
         throw std::runtime_error(path + ": no server welcomes a client here");
     }
-    const auto plays = [](const Client& client) { return client.flow != 0; };
-    const auto playing = std::find_if(clients.begin(), clients.end(), plays);
-    const Client& client = playing == clients.end() ? clients.front() : *playing;
-    ServerTrack track{client.qport, {}};
+    const auto& [connection, client] = player == clients.end() ? *welcomed : *player;
+    ServerTrack track{*client.qport, {}};
     for (Chunk& chunk : recording) {
-        const bool isStream = chunk.flow.transport == Transport::stream;
-        if (chunk.kind == Chunk::Kind::bytes && chunk.flow.direction == Direction::toClient &&
-            chunk.flow.number == (isStream ? client.connection : client.flow)) {
-            chunk.at -= client.connected;
-            track.chunks.push_back(std::move(chunk));
+        const bool isStream = chunk.transport() == Chunk::STREAM;
+        if (chunk.kind() == Chunk::BYTES && chunk.direction() == Chunk::TO_CLIENT &&
+            chunk.number() == (isStream ? connection : client.flow)) {
+            track.pieces.push_back({timeOf(chunk) - client.connected, Transport(chunk.transport()),
+                                    std::move(*chunk.mutable_bytes())});
         }
     }
     return track;
 }
 
 /// Plays the track to one client, then hangs up.
-class Replayer::Session : public WhileOpen<Session>
+class Replayer::Session final : public Connection
 {
 public:
-    using OnEnd = std::function<void(const std::string& reason)>;
-
     /// `udp` and the track outlive the session.
-    Session(TcpSocket client_, boost::asio::ip::udp::socket& udp_, const ServerTrack& track_, double speed_)
-        : client(std::move(client_)), udp(udp_), track(track_), speed(speed_), timer(client.get_executor())
+    Session(TcpSocket client_, boost::asio::ip::udp::socket& udp_, const ServerTrack& track_, double speed_,
+            const std::string& name_, const LogOnce::Log& log_)
+        : Connection(name_, log_),
+          client(std::move(client_)),
+          udp(udp_),
+          track(track_),
+          speed(speed_),
+          timer(client.get_executor())
     {
         error_code ignored;  // the first receive reports a peer that has left already
         peer = client.remote_endpoint(ignored);
         client.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
     }
 
-    /// Announces the end once.
-    void start(OnEnd onEnd_)
+    void start()
     {
-        onEnd = std::move(onEnd_);
+        log("connected");
         receive();
         awaitNext();
     }
-
-    void close()
-    {
-        onEnd = nullptr;
-        end({});
-    }
-
-    bool isOpen() const { return state != State::ended; }
 
     /// The first datagram from the client's host with its qport tells its address; others are ignored.
     void handleDatagram(const Endpoint& sender, const char* data, std::size_t size)
@@ -142,33 +136,23 @@ public:
             return;
         }
         address = sender;
-        if (state == State::waitingForAddress) {
-            state = State::playing;
-            began += Clock::now() - waitingSince;
+        if (waitingSince) {
+            began += Clock::now() - *waitingSince;
             sendNext();
         }
     }
 
 private:
-    enum class State : std::uint8_t
-    {
-        playing,
-        waitingForAddress,
-        ended
-    };
-
     TcpSocket client;
     boost::asio::ip::tcp::endpoint peer;
     boost::asio::ip::udp::socket& udp;
     const ServerTrack& track;
     double speed;
     boost::asio::steady_timer timer;
-    OnEnd onEnd;
-    State state = State::playing;
     std::optional<Endpoint> address;
-    std::size_t next = 0;       ///< chunk of the track
-    Time began = Clock::now();  ///< plus the time spent waiting for the address
-    Time waitingSince;
+    std::optional<Time> waitingSince;  ///< for the address
+    std::size_t next = 0;              ///< piece of the track
+    Time began = Clock::now();         ///< plus the time spent waiting for the address
     std::array<char, 2048> received{};
 
     /// Ignores the client's stream, but notices its end.
@@ -186,20 +170,20 @@ private:
 
     void awaitNext()
     {
-        if (next == track.chunks.size()) {
+        if (next == track.pieces.size()) {
             end("played to the end");
             return;
         }
-        const std::chrono::duration<double> at = track.chunks[next].at / speed;
+        const std::chrono::duration<double> at = track.pieces[next].at / speed;
         timer.expires_at(began + std::chrono::duration_cast<Clock::duration>(at));
         timer.async_wait(whileOpen([this](const error_code&) { sendNext(); }));
     }
 
     void sendNext()
     {
-        const Chunk& chunk = track.chunks[next];
-        const auto bytes = boost::asio::buffer(chunk.bytes);
-        if (chunk.flow.transport == Transport::stream) {
+        const ServerTrack::Piece& piece = track.pieces[next];
+        const auto bytes = boost::asio::buffer(piece.bytes);
+        if (piece.transport == Transport::stream) {
             const auto sent = [this](const error_code& error, std::size_t) { handleSent(error); };
             boost::asio::async_write(client, bytes, whileOpen(sent));
         } else if (address) {
@@ -207,7 +191,6 @@ private:
             udp.send_to(bytes, *address, 0, ignored);
             handleSent({});
         } else {
-            state = State::waitingForAddress;
             waitingSince = Clock::now();
         }
     }
@@ -222,15 +205,11 @@ private:
         awaitNext();
     }
 
-    void end(const std::string& reason)
+    void hangUp() override
     {
-        state = State::ended;
         error_code ignored;  // closing is all we can do
         timer.cancel(ignored);
         client.close(ignored);
-        if (const OnEnd announce = std::exchange(onEnd, nullptr)) {
-            announce(reason);
-        }
     }
 };
 
@@ -256,10 +235,9 @@ void Replayer::handleConnection(TcpSocket socket)
         return;
     }
     refused.clear();
-    const std::string name = "client " + std::to_string(++sessionCount);
-    log(name + ": connected");
-    session = std::make_shared<Session>(std::move(socket), udp(), track, speed);
-    session->start([this, name](const std::string& reason) { log(name + ": " + reason); });
+    session = std::make_shared<Session>(std::move(socket), udp(), track, speed,
+                                        "client " + std::to_string(++sessionCount), log);
+    session->start();
 }
 
 void Replayer::handleDatagram(const Endpoint& client, const char* data, std::size_t size)

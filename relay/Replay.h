@@ -14,13 +14,20 @@ namespace relay {
 /// What a server sent to one client, and when.
 struct ServerTrack
 {
-    std::uint16_t qport;        ///< of the Welcome: the client's datagrams begin with it
-    std::vector<Chunk> chunks;  ///< the times count from the client's connection
+    struct Piece
+    {
+        Duration at;  ///< since the client's connection
+        Transport transport;
+        std::string bytes;
+    };
+
+    std::uint16_t qport;  ///< of the Welcome: the client's datagrams begin with it
+    std::vector<Piece> pieces;
 };
 
-/// Reads the server's side of a recording towards one client: the first welcomed one that sent its qport in a
-/// datagram, or else the first welcomed one. Throws std::runtime_error like readRecording, and where no
-/// client is welcomed.
+/// Reads the server's side of a recording towards one client: of the welcomed ones the first that sent its
+/// qport in a datagram, or else the first. Throws std::runtime_error like readRecording, and where no client
+/// is welcomed.
 ServerTrack readServerTrack(const std::string& path, const Warn& warn);
 
 /// Stands in for a recorded server: plays its side, from the start, to one client after the other.

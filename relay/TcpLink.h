@@ -1,15 +1,13 @@
 #pragma once
 
+#include "relay/Connection.h"
 #include "relay/RelayConfig.h"
-#include "relay/WhileOpen.h"
 
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/write.hpp>
 
 #include <array>
-#include <deque>
-#include <functional>
 #include <string>
 #include <utility>
 
@@ -21,17 +19,16 @@ namespace relay {
 /// connection that breaks on one side is reset on the other once the system has taken the last bytes of the
 /// broken side; a slow reader loses those that the system still holds. Lives on the single-threaded executor
 /// of the client's socket.
-class TcpLink : public WhileOpen<TcpLink>
+class TcpLink final : public Connection
 {
 public:
     using Socket = boost::asio::ip::tcp::socket;
     using Error = boost::system::error_code;
-    /// `reason`: why the connection is over, for the log.
-    using OnEnd = std::function<void(const std::string& reason)>;
 
     /// The config outlives the link. `number`: from 1.
     TcpLink(Socket client_, std::uint32_t number, const RelayConfig& config_)
-        : client(std::move(client_)),
+        : Connection("connection " + std::to_string(number), config_.log),
+          client(std::move(client_)),
           server(client.get_executor()),
           config(config_),
           cutTimer(client.get_executor(), config_.cutTime()),
@@ -40,38 +37,21 @@ public:
     {
     }
 
-    /// Connects to the server. Announces the end once.
-    void start(const boost::asio::ip::tcp::endpoint& endpoint, OnEnd onEnd_)
+    /// Connects to the server.
+    void start(const boost::asio::ip::tcp::endpoint& endpoint)
     {
-        onEnd = std::move(onEnd_);
-        config.record(up.flow, Chunk::Kind::opened);
+        log("opened");
+        config.record(up.flow, Chunk::OPENED);
         cutTimer.async_wait(whileOpen([this](const Error&) { end("cut"); }));
         server.async_connect(endpoint, whileOpen([this](const Error& error) { handleConnect(error); }));
     }
 
-    /// Hangs up on both sides and calls nobody any more.
-    void close()
-    {
-        onEnd = nullptr;
-        end({});
-    }
-
-    bool isOpen() const { return state != State::ended; }
-
 private:
     enum class State : std::uint8_t
     {
-        connecting,
-        open,
+        whole,
         halfClosed,  ///< one direction has delivered its end of file
-        halfBroken,  ///< one direction cannot deliver; the other delivers its last bytes
-        ended
-    };
-
-    struct Piece
-    {
-        Time due;           ///< at the earliest: pieces keep their order
-        std::string bytes;  ///< empty: the source sends no more
+        halfBroken   ///< one direction cannot deliver; the other delivers its last bytes
     };
 
     /// One direction of the connection.
@@ -84,27 +64,27 @@ private:
             : from(from_),
               to(to_),
               flow(flow_),
-              impairment(config.conditions, config.seed, flow_),
+              queue(Impairment(config.conditions, config.seed, flow_)),
               timer(from_.get_executor())
         {
         }
 
         Socket &from, &to;
         Flow flow;
-        Impairment impairment;
+        DelayQueue queue;  ///< an empty piece: the source sends no more
         boost::asio::steady_timer timer;
         std::array<char, 16384> received{};
-        std::deque<Piece> waiting;  ///< the first one is being awaited or written
-        std::size_t waitingBytes = 0;
+        std::string delivered;  ///< what is being written
         Error sourceError;
+        bool isReading = false;
+        bool isDelivering = false;  ///< waits until a piece is due, or writes it
     };
 
     Socket client, server;
     const RelayConfig& config;
     boost::asio::steady_timer cutTimer;
     Pipe up, down;
-    OnEnd onEnd;
-    State state = State::connecting;
+    State state = State::whole;
 
     void handleConnect(const Error& error)
     {
@@ -112,7 +92,6 @@ private:
             end("cannot reach the server: " + error.message());
             return;
         }
-        state = State::open;
         Error ignored;  // without it the bytes come a little later
         for (Pipe* const pipe : {&up, &down}) {
             pipe->to.set_option(boost::asio::ip::tcp::no_delay(true), ignored);
@@ -122,6 +101,10 @@ private:
 
     void read(Pipe& pipe)
     {
+        if (pipe.isReading || pipe.sourceError || pipe.queue.size() >= Pipe::byteLimit) {
+            return;
+        }
+        pipe.isReading = true;
         const auto handle = [this, &pipe](const Error& error, std::size_t bytes) {
             handleRead(pipe, error, bytes);
         };
@@ -130,40 +113,39 @@ private:
 
     void handleRead(Pipe& pipe, const Error& error, std::size_t bytes)
     {
+        pipe.isReading = false;
         pipe.sourceError = error;
-        config.record(pipe.flow, error ? Chunk::Kind::closed : Chunk::Kind::bytes, pipe.received.data(),
-                      bytes);
-        const Time due = Clock::now() + pipe.impairment.next().delay;
-        pipe.waiting.push_back({due, std::string(pipe.received.data(), bytes)});
-        pipe.waitingBytes += bytes;
-        if (pipe.waiting.size() == 1) {
-            awaitFirst(pipe);
-        }
-        if (!error && pipe.waitingBytes < Pipe::byteLimit) {
-            read(pipe);
-        }
+        config.record(pipe.flow, error ? Chunk::CLOSED : Chunk::BYTES, pipe.received.data(), bytes);
+        pipe.queue.push(Clock::now(), std::string(pipe.received.data(), bytes));
+        read(pipe);
+        deliver(pipe);
     }
 
-    void awaitFirst(Pipe& pipe)
+    void deliver(Pipe& pipe)
     {
-        pipe.timer.expires_at(pipe.waiting.front().due);
-        pipe.timer.async_wait(whileOpen([this, &pipe](const Error&) { deliverFirst(pipe); }));
+        if (pipe.isDelivering || pipe.queue.size() == 0) {
+            return;
+        }
+        pipe.isDelivering = true;
+        pipe.timer.expires_at(pipe.queue.nextDue());
+        pipe.timer.async_wait(whileOpen([this, &pipe](const Error&) { write(pipe); }));
     }
 
-    void deliverFirst(Pipe& pipe)
+    void write(Pipe& pipe)
     {
-        const std::string& bytes = pipe.waiting.front().bytes;
-        if (!bytes.empty()) {
+        pipe.delivered = pipe.queue.pop(Clock::now()).value();
+        read(pipe);
+        if (!pipe.delivered.empty()) {
             const auto handle = [this, &pipe](const Error& error, std::size_t) {
                 handleWritten(pipe, error);
             };
-            boost::asio::async_write(pipe.to, boost::asio::buffer(bytes), whileOpen(handle));
+            boost::asio::async_write(pipe.to, boost::asio::buffer(pipe.delivered), whileOpen(handle));
         } else if (pipe.sourceError == boost::asio::error::eof) {
             Error ignored;  // a closed socket needs no end of file
             pipe.to.shutdown(Socket::shutdown_send, ignored);
             endDirection(State::halfClosed);
         } else {
-            end("broken");
+            breakOff();
         }
     }
 
@@ -175,40 +157,38 @@ private:
             endDirection(State::halfBroken);
             return;
         }
-        const bool wasFull = pipe.waitingBytes >= Pipe::byteLimit;
-        pipe.waitingBytes -= pipe.waiting.front().bytes.size();
-        pipe.waiting.pop_front();
-        if (!pipe.waiting.empty()) {
-            awaitFirst(pipe);
-        }
-        if (wasFull && pipe.waitingBytes < Pipe::byteLimit) {
-            read(pipe);
-        }
+        pipe.isDelivering = false;
+        deliver(pipe);
     }
 
     void endDirection(State half)
     {
-        if (state == State::open) {
+        if (state == State::whole) {
             state = half;
+        } else if (state == State::halfClosed && half == State::halfClosed) {
+            end("closed");
         } else {
-            end(state == State::halfClosed && half == State::halfClosed ? "closed" : "broken");
+            breakOff();
         }
     }
 
-    void end(const std::string& reason)
+    /// Resets both sides.
+    void breakOff()
     {
-        state = State::ended;
+        Error ignored;  // a closed socket needs no reset
+        for (Socket* const socket : {&client, &server}) {
+            socket->set_option(Socket::linger(true, 0), ignored);
+        }
+        end("broken");
+    }
+
+    void hangUp() override
+    {
         Error ignored;  // closing is all we can do
         cutTimer.cancel(ignored);
         for (Pipe* const pipe : {&up, &down}) {
             pipe->timer.cancel(ignored);
-            if (reason == "broken") {
-                pipe->to.set_option(Socket::linger(true, 0), ignored);  // a reset
-            }
             pipe->to.close(ignored);
-        }
-        if (const OnEnd announce = std::exchange(onEnd, nullptr)) {
-            announce(reason);
         }
     }
 };

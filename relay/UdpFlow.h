@@ -1,8 +1,7 @@
 #pragma once
 
+#include "relay/Connection.h"
 #include "relay/RelayConfig.h"
-#include "relay/WhileOpen.h"
-#include "service/LogOnce.h"
 
 #include <boost/asio/ip/udp.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -17,7 +16,7 @@ namespace relay {
 ///
 /// The flow has a socket of its own towards the server, so the server still tells clients apart by address.
 /// Answers leave from the socket that the client sent to. Lives on that socket's single-threaded executor.
-class UdpFlow : public WhileOpen<UdpFlow>
+class UdpFlow final : public Connection
 {
 public:
     using Socket = boost::asio::ip::udp::socket;
@@ -27,7 +26,8 @@ public:
     /// `listening` and the config outlive the flow. Throws boost::system::system_error without a socket.
     UdpFlow(Socket& listening_, const Endpoint& client_, const Endpoint& server, std::uint32_t number,
             const RelayConfig& config_)
-        : listening(listening_),
+        : Connection("datagrams " + std::to_string(number), config_.log),
+          listening(listening_),
           upstream(listening_.get_executor()),
           client(client_),
           config(config_),
@@ -40,7 +40,7 @@ public:
     {
         upstream.connect(server);
         upstream.non_blocking(true);
-        config.record(up.flow, Chunk::Kind::opened);
+        config.record(up.flow, Chunk::OPENED);
     }
 
     /// Receives from the server. Errors do not end the flow: a stopped server refuses datagrams until it is
@@ -53,7 +53,7 @@ public:
                                        receiveError.clear();
                                        push(down, received.data(), bytes);
                                    } else if (error != boost::asio::error::connection_refused) {
-                                       receiveError.log(line(error.message()));
+                                       receiveError.log(name + ": " + error.message());
                                    }
                                    if (isOpen()) {
                                        receive();
@@ -71,16 +71,6 @@ public:
 
     /// Whether the client has sent nothing for so long.
     bool isIdleFor(Duration limit) const { return lastReceived < Clock::now() - limit; }
-
-    /// Passes nothing any more.
-    void close()
-    {
-        Error ignored;  // closing is all we can do
-        timer.cancel(ignored);
-        upstream.close(ignored);
-    }
-
-    bool isOpen() const { return upstream.is_open(); }
 
 private:
     /// What is under way in one direction.
@@ -107,26 +97,27 @@ private:
     Time cutTime;
     std::vector<char> received;
 
-    std::string line(const std::string& text) const
-    {
-        return "datagrams " + std::to_string(up.flow.number) + ": " + text;
-    }
-
     void push(Pipe& pipe, const char* data, std::size_t size)
     {
         const Time now = Clock::now();
         if (now >= cutTime) {
-            config.log(line("cut"));
-            close();
+            end("cut");
             return;
         }
-        config.record(pipe.flow, Chunk::Kind::bytes, data, size);
+        config.record(pipe.flow, Chunk::BYTES, data, size);
         if (pipe.queue.push(now, std::string(data, size))) {
             pipe.overflow.clear();
         } else {
-            pipe.overflow.log(line("too many are under way, some are lost"));
+            pipe.overflow.log(name + ": too many are under way, some are lost");
         }
         deliver();
+    }
+
+    void hangUp() override
+    {
+        Error ignored;  // closing is all we can do
+        timer.cancel(ignored);
+        upstream.close(ignored);
     }
 
     /// What a socket does not take at once is lost, as on any full link.

@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <memory>
 #include <string>
 
 namespace {
@@ -17,30 +18,26 @@ void report(const std::string& line)
 }
 
 /// Runs a relay or a replayer until a signal asks for the end.
-int serve(boost::asio::io_context& io, relay::Listener& service, const std::string& role)
+void serve(const relay::RelayConfig& config)
 {
+    boost::asio::io_context io(1);
+    std::unique_ptr<relay::Listener> service;
+    std::string role;
+    if (config.replayPath.empty()) {
+        service = std::make_unique<relay::Relay>(io, config);
+        role = "to " + config.serverHost + ":" + config.serverPort + ", " + describe(config);
+    } else {
+        service = std::make_unique<relay::Replayer>(io, config.port,
+                                                    relay::readServerTrack(config.replayPath, report),
+                                                    config.replaySpeed, config.log);
+        role = "replaying " + printable(config.replayPath);
+    }
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
-    signals.async_wait([&service](const boost::system::error_code&, int) { service.stop(); });
-    service.start();
-    writeStatusLine("ready 127.0.0.1:" + std::to_string(service.port()));
+    signals.async_wait([&service](const boost::system::error_code&, int) { service->stop(); });
+    service->start();
+    writeStatusLine("ready 127.0.0.1:" + std::to_string(service->port()));
     writeStatusLine(role);
     io.run();
-    return 0;
-}
-
-int passOn(const relay::RelayConfig& config)
-{
-    boost::asio::io_context io(1);
-    relay::Relay relay(io, config);
-    return serve(io, relay, "to " + config.serverHost + ":" + config.serverPort + ", " + describe(config));
-}
-
-int replay(const relay::RelayConfig& config)
-{
-    boost::asio::io_context io(1);
-    relay::Replayer replayer(io, config.port, relay::readServerTrack(config.replayPath, report),
-                             config.replaySpeed, config.log);
-    return serve(io, replayer, "replaying " + printable(config.replayPath));
 }
 
 }  // namespace
@@ -55,7 +52,8 @@ int main(int argc, char** argv)
         if (const auto status = relay::readCommandLine(argc, argv, config)) {
             return *status;
         }
-        return config.replayPath.empty() ? passOn(config) : replay(config);
+        serve(config);
+        return 0;
     } catch (const std::exception& error) {
         report(error.what());
         return 1;

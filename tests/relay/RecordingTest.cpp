@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <unistd.h>
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -22,21 +21,11 @@ class Recording : public testing::Test
 protected:
     ~Recording() override { std::filesystem::remove(path); }
 
-    void stream(std::uint32_t number, Direction direction, const std::string& bytes)
+    void write(const Flow& flow, const std::string& bytes)
     {
-        writer.write({Transport::stream, number, direction}, Chunk::Kind::bytes, bytes.data(), bytes.size());
+        writer.write(flow, Chunk::BYTES, bytes.data(), bytes.size());
     }
-    void datagram(std::uint32_t number, Direction direction, const std::string& bytes)
-    {
-        writer.write({Transport::datagrams, number, direction}, Chunk::Kind::bytes, bytes.data(),
-                     bytes.size());
-    }
-    std::string content() const
-    {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    /// Reads a file of these bytes. Returns the number of chunks and the warning, or the reason for refusal.
+    /// The number of chunks and the warning, or the reason why the reader refuses these bytes.
     std::string reading(const std::string& bytes) const
     {
         std::ofstream(path, std::ios::binary) << bytes;
@@ -45,115 +34,84 @@ protected:
     static std::string readingFile(const std::string& path)
     {
         std::string warning;
-        return resultOf([&] {
+        try {
             const auto chunks = readRecording(path, [&](const std::string& line) { warning = "; " + line; });
             return std::to_string(chunks.size()) + " chunks" + warning;
-        });
-    }
-    /// The bytes of the server's track, or the reason why there is none.
-    std::string track() const
-    {
-        std::string bytes;
-        return resultOf([&] {
-            for (const Chunk& chunk : readServerTrack(path, {}).chunks) {
-                bytes += chunk.bytes + ' ';
-            }
-            return bytes;
-        });
-    }
-    template <class Function>
-    static std::string resultOf(Function function)
-    {
-        try {
-            return function();
         } catch (const std::runtime_error& error) {
             return error.what();
         }
     }
 
     const std::string path = testing::TempDir() + "recording-" + std::to_string(getpid());
+    const std::string foreign = path + " is no recording of this version";
     RecordingWriter writer{path};
+    const std::string header{std::istreambuf_iterator(std::ifstream(path).rdbuf()), {}};
+    /// Microseconds, transport, number, direction, kind; in `good` with their length before and bytes behind.
+    const std::string chunk = "\x08\1\x10\0\x18\1\x20\0\x28\0"s;
+    const std::string good = "\xA3\x01" + chunk + "\x32\x96\x01" + std::string(150, 'x');
 };
 
 }  // namespace
 
 TEST_F(Recording, CutAnywhereKeepsItsWholeChunks)
 {
-    std::vector<std::size_t> ends = {content().size()};
-    for (const std::string& bytes : {"a\0b"s, ""s, std::string(150, 'x')}) {
-        stream(1, toClient, bytes);
-        ends.push_back(content().size());
-    }
-    writer.write({Transport::datagrams, 7, toServer}, Chunk::Kind::closed);
-    const std::string whole = content();
-    ends.push_back(whole.size());
+    const std::string whole = header + good + good + good;
     for (std::size_t size = 0; size <= whole.size(); ++size) {
-        const auto end = std::upper_bound(ends.begin(), ends.end(), size) - ends.begin();
-        const std::string warning =
-            "; " + path + " breaks off within chunk " + std::to_string(end) + "; all before it is used";
-        const bool isWhole = std::count(ends.begin(), ends.end(), size) > 0;
-        EXPECT_EQ(reading(whole.substr(0, size)),
-                  end == 0 ? path + " is no recording of this version"
-                           : std::to_string(end - 1) + " chunks" + (isWhole ? "" : warning));
+        const std::size_t rest = std::max(size, header.size()) - header.size(), chunks = rest / good.size();
+        const std::string warning = "; " + path + " breaks off within chunk " + std::to_string(chunks + 1) +
+                                    "; all before it is used";
+        const std::string expected =
+            std::to_string(chunks) + " chunks" + (rest % good.size() == 0 ? "" : warning);
+        EXPECT_EQ(reading(whole.substr(0, size)), size < header.size() ? foreign : expected);
     }
 }
 
 TEST_F(Recording, ThatIsGarbledIsRefusedWithThePlace)
 {
-    const std::string header = content();
-    // Microseconds, transport, number, direction, kind.
-    const std::string chunk = "\x08\1\x10\0\x18\1\x20\0\x28\0"s;
-    const auto with = [&chunk](std::size_t index, char value) {
-        std::string changed = chunk;
-        changed[index] = value;
-        return "\x0A" + changed;
-    };
-    const std::string good = "\x0A" + chunk;
-    EXPECT_EQ(reading(header + good + good), "2 chunks");
-    const std::string largest = "\x32\x80\x80\x04" + std::string(65'536, 'x');
-    EXPECT_EQ(reading(header + good + "\x8E\x80\x04" + chunk + largest), "2 chunks");
-    const std::string cases[] = {
-        with(1, 0),                                                    // older than the chunk before it
-        "\x11\x08\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F" + chunk.substr(2),  // thousands of years later
-        with(3, 7),
-        with(7, 7),
-        with(9, 7),                                  // no such transport, direction, kind
-        "\x08" + chunk.substr(0, 8),                 // no kind
-        "\x0D" + chunk.substr(0, 9) + "\1\x32\1x"s,  // bytes of what has none
-        "\x8F\x80\x04" + chunk + "\x32\x81\x80\x04" + std::string(65'537, 'x'),
-        "\xFF\xFF\xFF\x7F",
-        "\x80\x80\x80\x80\x10",
-        std::string(11, '\xFF'),
-        std::string(1000, '\0')};
-    for (const std::string& garbled : cases) {
+    const std::string largest = "\x8E\x80\x04" + chunk + "\x32\x80\x80\x04" + std::string(65'536, 'x');
+    EXPECT_EQ(reading(header + largest + good), "2 chunks");
+    for (const std::string& garbled :
+         {"\x0A\x08"s + '\0' + chunk.substr(2),                          // before the chunk before it
+          "\x11\x08\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F" + chunk.substr(2),  // thousands of years later
+          "\x0A" + chunk.substr(0, 9) + '\7',                            // no such kind
+          "\x08" + chunk.substr(0, 8),                                   // no kind
+          "\x0D" + chunk.substr(0, 9) + "\1\x32\1x"s,                    // bytes of what has none
+          "\x8F\x80\x04" + chunk + "\x32\x81\x80\x04" + std::string(65'537, 'x'),  // too many bytes
+          "\xFF\xFF\xFF\x7F"s, "\x80\x80\x80\x80\x10"s, std::string(11, '\xFF'),   // no length
+          std::string(1000, '\0')}) {
         EXPECT_EQ(reading(header + good + garbled), path + " is garbled at chunk 2") << garbled.substr(0, 40);
     }
     std::string newer = header;
     ++newer.back();
-    EXPECT_EQ(reading(newer + good), path + " is no recording of this version");
-    EXPECT_EQ(reading(std::string(100'000, '\0')), path + " is no recording of this version");
+    EXPECT_EQ(reading(newer + good), foreign);
+    EXPECT_EQ(reading(std::string(100'000, '\0')), foreign);
     EXPECT_EQ(readingFile("/dev/zero"), "/dev/zero is no regular file");
     EXPECT_EQ(readingFile("/no/such/file"), "cannot read /no/such/file: No such file or directory");
 }
 
 TEST_F(Recording, GivesTheTrackOfTheFirstPlayer)
 {
-    const std::string nobody = path + ": no server welcomes a client here";
-    EXPECT_EQ(track(), nobody);
+    EXPECT_THROW(readServerTrack(path, {}), std::runtime_error) << "nobody is welcomed";
+    const auto track = [this] {
+        std::string bytes;
+        for (const ServerTrack::Piece& piece : readServerTrack(path, {}).pieces) {
+            bytes += piece.bytes + ' ';
+        }
+        return bytes;
+    };
     const auto welcome = [](std::uint32_t qport) { return messages::welcomeFrame({}, qport); };
-    stream(1, toClient, "\x05\0\x05\xFF\xFF\xFF\xFF"s);
-    stream(2, toServer, welcome(9));
-    EXPECT_EQ(track(), nobody);
-    stream(4, toClient, welcome(5) + "more");
+    write({Transport::stream, 1, toClient}, "\x05\0\x05\xFF\xFF\xFF\xFF"s);
+    write({Transport::stream, 2, toServer}, welcome(9));
+    write({Transport::stream, 3, toClient}, welcome(5) + "more");
     EXPECT_EQ(track(), welcome(5) + "more ") << "of the first spectator where nobody plays";
-    stream(3, toClient, welcome(6).substr(0, 3));
-    stream(3, toClient, welcome(6).substr(3));
+    write({Transport::stream, 4, toClient}, welcome(6).substr(0, 3));
+    write({Transport::stream, 4, toClient}, welcome(6).substr(3));
     for (const std::string& bytes : {"\6"s, "\6\1"s, "\6\0!"s, "\6\0!!"s}) {
-        datagram(static_cast<std::uint32_t>(bytes.size()), toServer, bytes);
-        datagram(static_cast<std::uint32_t>(bytes.size()), toClient, "datagram" + bytes);
+        const auto number = static_cast<std::uint32_t>(bytes.size());
+        write({Transport::datagrams, number, toServer}, bytes);
+        write({Transport::datagrams, number, toClient}, "datagram" + bytes);
     }
-    stream(4, toClient, "another's");
-    stream(3, toClient, "last words");
-    writer.write({Transport::stream, 3, toClient}, Chunk::Kind::closed);
+    write({Transport::stream, 3, toClient}, "another's");
+    write({Transport::stream, 4, toClient}, "last words");
     EXPECT_EQ(track(), welcome(6).substr(0, 3) + " " + welcome(6).substr(3) + " datagram\6\0! last words "s);
 }
