@@ -30,7 +30,10 @@ TEST(RelayProgram, PlaysAMatchToTheClientOverABadNetwork)
 {
     const Process replay({VANTOR_RELAY, "--replay", VANTOR_RECORDINGS "/short-match.rec"});
     const std::string server = "127.0.0.1:" + portOf(replay);
-    Process relay({VANTOR_RELAY, "--to", server, "--network", "mobile"});
+    // The recording has room for a kilobyte; the match goes on without it.
+    const std::string recording = testing::TempDir() + "small-recording-" + std::to_string(getpid());
+    Process relay({"bash", "-c", "ulimit -f 1; exec \"$0\" \"$@\"", VANTOR_RELAY, "--to", server, "--network",
+                   "mobile", "--record", recording});
     const support::VirtualDisplay display;
     Process client(support::clientCommand(display.name(), {"--host", "127.0.0.1", "--port", portOf(relay)}));
     EXPECT_TRUE(awaitText(relay, "to " + server + ", 80±30 ms, loss 5%, duplicate 1%, reorder 2%, seed 1"));
@@ -38,8 +41,10 @@ TEST(RelayProgram, PlaysAMatchToTheClientOverABadNetwork)
     EXPECT_EQ(client.end(), "status 0") << client.output();
     EXPECT_TRUE(awaitText(replay, "client 1: played to the end"));
     EXPECT_TRUE(awaitText(relay, "connection 1: closed"));
+    EXPECT_TRUE(relay.hasPrinted("the recording ends here: cannot record into "));
     relay.signal(SIGTERM);
-    EXPECT_EQ(relay.end(), "status 0");
+    EXPECT_EQ(relay.end(), "status 1");
+    std::filesystem::remove(recording);
 }
 
 TEST(RelayProgram, NamesABadRecordingAndEndsWithStatusOne)

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <unistd.h>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -44,7 +46,8 @@ protected:
 
     const std::string path = testing::TempDir() + "recording-" + std::to_string(getpid());
     const std::string foreign = path + " is no recording of this version";
-    RecordingWriter writer{path};
+    std::vector<std::string> log;
+    RecordingWriter writer{path, [this](const std::string& line) { log.push_back(line); }};
     const std::string header{std::istreambuf_iterator(std::ifstream(path).rdbuf()), {}};
     /// Microseconds, transport, number, direction, kind; in `good` with their length before and bytes behind.
     const std::string chunk = "\x08\1\x10\0\x18\1\x20\0\x28\0"s;
@@ -64,6 +67,23 @@ TEST_F(Recording, CutAnywhereKeepsItsWholeChunks)
             std::to_string(chunks) + " chunks" + (rest % good.size() == 0 ? "" : warning);
         EXPECT_EQ(reading(whole.substr(0, size)), size < header.size() ? foreign : expected);
     }
+}
+
+TEST_F(Recording, EndsOnceWhereTheDiskIsFull)
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    write({Transport::datagrams, 1, toServer}, "whole");
+    const rlimit full{std::filesystem::file_size(path) + 5, limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+    write({Transport::datagrams, 1, toServer}, "too much");
+    setrlimit(RLIMIT_FSIZE, &limit);
+    write({Transport::datagrams, 1, toServer}, "too late");
+    EXPECT_TRUE(writer.hasFailed());
+    const std::string line = "the recording ends here: cannot record into " + path + ": File too large";
+    EXPECT_EQ(log, std::vector<std::string>{line});
+    EXPECT_EQ(readingFile(path), "1 chunks; " + path + " breaks off within chunk 2; all before it is used");
 }
 
 TEST_F(Recording, ThatIsGarbledIsRefusedWithThePlace)
