@@ -13,7 +13,7 @@ using boost::asio::ip::udp;
 TEST(Sending, PrependsTheQportAndReportsFailures)
 {
     boost::asio::io_service service;
-    udp::socket unopened(service), datagrams(service, udp::v4());
+    udp::socket datagrams(service);
     tcp::acceptor acceptor(service, {boost::asio::ip::address_v4::loopback(), 0});
     tcp::socket stream(service), server(service);
     stream.connect(acceptor.local_endpoint());
@@ -32,11 +32,11 @@ TEST(Sending, PrependsTheQportAndReportsFailures)
         return printedBy([&] { service.run(); });
     };
 
-    sender.setSocket(&unopened);
+    sender.setSocket(&datagrams);
     EXPECT_EQ(printedBySending(), "") << "no stream and no endpoint";
     sender.setEndpoint(&nobody);
     EXPECT_EQ(printedBySending(), "Error while sending: Bad file descriptor (code: 9)\n");
-    sender.setSocket(&datagrams);
+    datagrams.open(udp::v4());
     sender.setSocket(&stream);
     sender.setQPort(0xFE34);
     EXPECT_EQ(printedBySending(), "");
