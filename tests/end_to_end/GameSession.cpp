@@ -1,17 +1,15 @@
 #include "tests/end_to_end/GameSession.h"
 
-#include <gtest/gtest.h>
-
 #include <iostream>
 
 using namespace std::chrono_literals;
 using messages::ShipState;
 
-GameSession::GameSession(std::vector<std::string> arguments, const std::vector<std::string>& wrapper)
+GameSession::GameSession(std::vector<std::string> arguments)
 {
     const std::vector<std::string> address = {"--host", "127.0.0.1", "--port", server.port()};
     arguments.insert(arguments.end(), address.begin(), address.end());
-    client.emplace(support::clientCommand(display.name(), arguments, wrapper));
+    client.emplace(support::clientCommand(display.name(), arguments));
     if (!peer::eventually([this] { return !server.record().datagrams.empty(); }, 40s)) {
         throw std::runtime_error("the client sends no datagram; it printed:\n" + client->output());
     }
@@ -26,8 +24,9 @@ GameSession::~GameSession()
 
 void GameSession::join(const ShipState& ownShip)
 {
-    server.sendTcp(messages::welcomeFrame({ownId}, 1) + messages::infoFrame(ownShip));
-    EXPECT_TRUE(awaitUpdate([](const peer::SteeringDatagram& s) { return s.qport == 1; }));
+    constexpr std::uint32_t beyondQport = 0x10000;  // only the low 16 bits count
+    server.sendTcp(messages::welcomeFrame({ownId}, qport + beyondQport) + messages::infoFrame(ownShip));
+    EXPECT_TRUE(awaitUpdate([](const auto& update) { return update.qport == qport; }));
     std::this_thread::sleep_for(300ms);  // the frames in which the first mouse reading turns the view
 }
 
@@ -36,41 +35,25 @@ bool GameSession::awaitUpdate(const std::function<bool(const peer::SteeringDatag
     return peer::eventually([&] { return wanted(server.lastSteering()); }, 5s);
 }
 
-std::string GameSession::leave()
+ShipState lonelyShip()
 {
-    display.xdotool("keydown Escape");
-    return client->end();
+    return {GameSession::ownId, false, Vector3(0.0F, 0.0F, 3000.0F)};
 }
 
-ShipState lonelyShip(std::uint64_t id)
+ShipState shipBehind(Vector3 viewer)
 {
-    ShipState ship;
-    ship.id = id;
-    ship.position = Vector3(0.0F, 0.0F, 3000.0F);
-    return ship;
-}
-
-ShipState shipBehind(Vector3 viewer, std::uint64_t id)
-{
-    ShipState ship;
-    ship.id = id;
-    ship.orientation = Quaternion(0, 0, 1, 0);
-    ship.position = viewer - Vector3(0, 2, 5);
-    return ship;
+    return {GameSession::ownId, false, viewer - Vector3(0, 2, 5), Quaternion(0, 0, 1, 0)};
 }
 
 // The viewer looks along +z with +y up, so its right is -x.
-std::vector<ShipState> parade(Vector3 viewer)
+std::string parade(Vector3 viewer)
 {
-    std::vector<ShipState> ships;
+    std::string frames;
     for (unsigned int i = 0; i < 8; ++i) {
         const auto column = static_cast<float>(i % 4);
-        ShipState ship;
-        ship.id = 20 + i;
-        ship.blueTeam = i < 4;
-        ship.position = viewer + Vector3(7.5F - 5.0F * column, ship.blueTeam ? 1.3F : -1.7F, 18.0F);
-        ship.orientation = Quaternion::FromAxisAngle(1.5707963F * column + 0.1F, Vector3(0, 1, 0));
-        ships.push_back(ship);
+        const Vector3 place(7.5F - 5.0F * column, i < 4 ? 1.3F : -1.7F, 18.0F);
+        const auto turn = Quaternion::FromAxisAngle(1.5707963F * column + 0.1F, Vector3(0, 1, 0));
+        frames += messages::infoFrame(ShipState{20 + i, i < 4, viewer + place, turn});
     }
-    return ships;
+    return frames;
 }

@@ -2,7 +2,6 @@
 
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,36 +11,24 @@
 
 namespace support {
 
-namespace {
-
-pid_t start(std::vector<std::string>& command, int output)
+Process::Process(std::vector<std::string> command, int output) : kept(memfd_create("output", MFD_CLOEXEC))
 {
     std::vector<char*> words;
     for (std::string& word : command) {
         words.push_back(word.data());
     }
     words.push_back(nullptr);
-    const pid_t child = fork();
-    if (child < 0) {
+    pid = fork();
+    if (pid < 0) {
         throw std::runtime_error("cannot fork for " + command.front());
     }
-    if (child == 0) {  // the child of a program with threads must neither allocate nor lock
-        constexpr rlimit noCoreFile = {0, 0};
+    if (pid == 0) {  // the child of a program with threads must neither allocate nor lock
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-        setrlimit(RLIMIT_CORE, &noCoreFile);
-        dup2(output, STDOUT_FILENO);
-        dup2(output, STDERR_FILENO);
+        dup2(output < 0 ? kept : output, STDOUT_FILENO);
+        dup2(STDOUT_FILENO, STDERR_FILENO);
         execvp(words[0], words.data());
         _exit(127);
     }
-    return child;
-}
-
-}  // namespace
-
-Process::Process(std::vector<std::string> command, int output)
-    : kept(memfd_create("output", MFD_CLOEXEC)), pid(start(command, output < 0 ? kept : output))
-{
 }
 
 Process::~Process()
@@ -87,20 +74,14 @@ std::string outputOf(const std::vector<std::string>& command)
     return process.output();
 }
 
-std::vector<std::string> clientCommand(const std::string& display, const std::vector<std::string>& arguments,
-                                       const std::vector<std::string>& wrapper)
+std::vector<std::string> clientCommand(const std::string& display, const std::vector<std::string>& arguments)
 {
     // A sanitized client looks for no leaks: its singletons live for ever on purpose.
-    std::vector<std::string> command = {"env",
-                                        "-u",
-                                        "WAYLAND_DISPLAY",
-                                        "DISPLAY=" + display,
-                                        "SDL_VIDEODRIVER=x11",
-                                        "SDL_AUDIODRIVER=dummy",
-                                        "LIBGL_ALWAYS_SOFTWARE=1",
-                                        "ASAN_OPTIONS=detect_leaks=0"};
-    command.insert(command.end(), wrapper.begin(), wrapper.end());
-    command.emplace_back(VANTOR_CLIENT);
+    const std::string environment =
+        "env -u WAYLAND_DISPLAY SDL_VIDEODRIVER=x11 SDL_AUDIODRIVER=dummy "
+        "LIBGL_ALWAYS_SOFTWARE=1 ASAN_OPTIONS=detect_leaks=0 DISPLAY=" +
+        display;
+    std::vector<std::string> command = {"sh", "-c", "exec " + environment + " \"$0\" \"$@\"", VANTOR_CLIENT};
     command.insert(command.end(), arguments.begin(), arguments.end());
     return command;
 }

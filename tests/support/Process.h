@@ -42,9 +42,7 @@ private:
 /// Runs a tool to its end; throws unless that is status 0. A test without its tools fails, it does not skip.
 std::string outputOf(const std::vector<std::string>& command);
 
-/// The command that runs the real client on a display (none where it is empty), perhaps within another
-/// command.
-std::vector<std::string> clientCommand(const std::string& display, const std::vector<std::string>& arguments,
-                                       const std::vector<std::string>& wrapper = {});
+/// The command that runs the real client on a display (none where it is empty).
+std::vector<std::string> clientCommand(const std::string& display, const std::vector<std::string>& arguments);
 
 }  // namespace support

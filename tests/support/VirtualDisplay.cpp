@@ -1,7 +1,8 @@
 #include "tests/support/VirtualDisplay.h"
 
-#include <iterator>
-#include <sstream>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
 #include <stdexcept>
 
 namespace support {
@@ -19,10 +20,29 @@ VirtualDisplay::VirtualDisplay()
 
 void VirtualDisplay::run(const std::string& command) const
 {
-    std::istringstream words(command);
-    std::vector<std::string> all = {"env", "DISPLAY=" + displayName};
-    all.insert(all.end(), std::istream_iterator<std::string>(words), {});
-    outputOf(all);
+    outputOf({"sh", "-c", "export DISPLAY=" + displayName + "; exec " + command});
+}
+
+void VirtualDisplay::expectImage(const std::string& name, const std::string& region,
+                                 const std::function<void()>& prepare) const
+{
+    const std::string golden = VANTOR_GOLDEN_IMAGES + name + ".png";
+    const std::string seen = VANTOR_SEEN_IMAGES + name + ".seen.png";
+    if (std::getenv("VANTOR_REMAKE_PICTURES") != nullptr) {
+        std::this_thread::sleep_for(1800ms);  // until a scene stands still
+        prepare();
+        screenshot(region, golden);
+    }
+    const int area = std::stoi(region) * std::stoi(region.substr(region.find('x') + 1));
+    int different = 0;
+    const auto isLikeGolden = [&] {
+        prepare();
+        screenshot(region, seen);
+        different = countDifferent(golden, seen, VANTOR_SEEN_IMAGES + name + ".differences.png");
+        return different <= area / 1000;
+    };
+    EXPECT_TRUE(eventually(isLikeGolden, 20s))
+        << different << " pixels differ from " << golden << "; see " << seen;
 }
 
 int countDifferent(const std::string& first, const std::string& second, const std::string& differences)

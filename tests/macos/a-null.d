@@ -1,0 +1,2 @@
+null.o: /dev/null /work/wt/wire/tests/macos/GNUstep.h
+/work/wt/wire/tests/macos/GNUstep.h:
