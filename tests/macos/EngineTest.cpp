@@ -22,6 +22,6 @@ TEST(EngineOnMacOS, LooksForItsFilesInTheBundle)
 TEST(EngineOnMacOS, EnablesMultithreadedOpenGL)
 {
     EXPECT_TRUE(enableMultithreadedGL());
-    answerToEnable = -1;
+    answer = 1;
     EXPECT_FALSE(enableMultithreadedGL());
 }

@@ -13,15 +13,8 @@ compile() {  # GNUstep's headers are the system's
         -include "$here/GNUstep.h" "$@"
 }
 
-launch() {  # launch ARGUMENT...: sets output
-    local status=0
-    output=$(timeout --signal KILL 30 "$bundle/Probe" "$@" 2>"$work/errors") || status=$?
-    [ $status -eq 7 ] || fail "status $status: $(cat "$work/errors")"
-}
-
-expect() {  # expect FOLDER_AND_ARGUMENTS ARGUMENT...
-    launch "${@:2}"
-    diff - <(printf '%s\n' "$output") <<END || fail "launched with ${*:2}"
+expect() {  # expect FOLDER_AND_ARGUMENTS ARGUMENT...: launches
+    diff - <(timeout --signal KILL 30 "$bundle/Probe" "${@:2}" 2>"$work/errors" || echo "status $?") <<END ||
 policy 0
 in $1 end
 late document: 0
@@ -36,26 +29,25 @@ Quit Vantor, terminate:, 100000q
 Window, submenuAction:, 100000
 Minimize, performMiniaturize:, 100000m
 quit
+status 7
 END
+        fail "launched with ${*:2}: $(cat "$work/errors")"
 }
 
 here=$(dirname "$(readlink -f "$0")")
-source=$here/../../GUIClient/macos
 . "$here/../../packaging/session.sh"
 open_session
+# GNUstep starts daemons, which stay for some seconds.
+trap 'kill $(grep -lszF "$work/GNUstep.conf" /proc/[0-9]*/environ | tr -dc "0-9\n") 2>/dev/null || true; close_session' EXIT
+cd "$work"  # where the compiler leaves notes
 ls /usr/lib/GNUstep/Bundles/libgnustep-back-*.bundle >/dev/null 2>"$work/errors" &&
     compile -x objective-c -fsyntax-only /dev/null 2>"$work/errors" ||
     fail "no GNUstep, run tools/install-dependencies macos: $(cat "$work/errors")" 77
-beside=$work/Applications
-bundle=$beside/Probe.app
-document=$work/Bücher.txt
-mkdir -p "$bundle/Resources"
-cd "$work"  # where the compiler also leaves notes
+beside=$work/Applications bundle=$work/Applications/Probe.app document=$work/Bücher.txt
+install -D "$here/../../GUIClient/macos/Info.plist.in" "$bundle/Resources/Info-gnustep.plist"
 compile -std=gnu11 -Werror -Wextra -Wshadow -Wconversion -Wsign-conversion -Wformat=2 -I"$here/../.." -o "$bundle/Probe" \
-    "$here/LaunchProbe.m" "$source"/*.m $(gnustep-config --gui-libs) $(pkg-config --cflags --libs sdl)
-cp "$source/Info.plist.in" "$bundle/Resources/Info-gnustep.plist"
+    "$here/LaunchProbe.m" "$here"/../../GUIClient/macos/*.m $(gnustep-config --gui-libs) $(pkg-config --cflags --libs sdl)
 printf 'GNUSTEP_USER_DEFAULTS_DIR=%s\nGNUSTEP_USER_DIR_LIBRARY=%s\n' "$work/Defaults" "$work" >GNUstep.conf
-echo >"$document"
 export TEMP=$work GNUSTEP_CONFIG_FILE=$work/GNUstep.conf SDL_VIDEODRIVER=dummy MALLOC_PERTURB_=90
 start_display
 
@@ -64,12 +56,9 @@ expect "$beside: /first" -psnX
 expect "$beside: /first $document" -psn_0_1234 -GSFilePath "$document"  # the desktop asks for a document
 
 echo '{}' >"$bundle/Resources/Info-gnustep.plist"  # no name: the process's
-launch
-for item in About Hide Quit; do
-    grep -q "^$item Probe," <<<"$output" || fail "no $item in $output"
-done
+output=$(timeout --signal KILL 30 "$bundle/Probe" 2>&1 || true)
+[[ $output == *'About Probe,'*'Hide Probe,'*'Quit Probe,'* ]] || fail "not the process's name: $output"
 
 # An open descriptor still starts a program whose folder is gone.
-status=0
-output=$(exec 9<"$bundle/Probe"; rm -r "$beside"; exec timeout --signal KILL 30 /proc/self/fd/9 -psn_0_1234 2>&1) || status=$?
-[ $status -eq 134 ] && [[ $output == *'chdir (parentdir) == 0'* ]] || fail "no abort: $status $output"
+output=$(exec 9<"$bundle/Probe"; rm -r "$beside"; timeout --signal KILL 30 /proc/self/fd/9 -psn 2>&1 || echo "status $?")
+[[ $output == *'chdir (parentdir) == 0'*'status 134' ]] || fail "no abort: $output"

@@ -23,9 +23,8 @@ constexpr auto CFBundleCopyBundleURL = [](CFURLRef bundle) {
 };
 
 constexpr auto CFStringGetCString = [](CFStringRef path, char* buffer, std::size_t size, unsigned encoding) {
-    const bool isAscii = encoding == kCFStringEncodingASCII && path->find("ü") == std::string::npos;
     path->copy(buffer, size - 1);  // into zeros
-    return isAscii && path->size() < size ? 1 : 0;
+    return encoding == kCFStringEncodingASCII && path->size() < size && path->find("ü") == std::string::npos;
 };
 
 constexpr auto CFRelease = [](CFTypeRef object) { copies -= object == &bundlePath ? 1 : 0; };

@@ -3,9 +3,7 @@
 
 constexpr int kCGLNoError = 0, kCGLCEMPEngine = 313;
 
-inline int answerToEnable = kCGLNoError;
+inline int answer = kCGLNoError;
 
 constexpr auto CGLGetCurrentContext = [] { return nullptr; };
-constexpr auto CGLEnable = [](const long*, int option) {
-    return option == kCGLCEMPEngine ? answerToEnable : -1;
-};
+constexpr auto CGLEnable = [](const long*, int option) { return option == kCGLCEMPEngine ? answer : 1; };
