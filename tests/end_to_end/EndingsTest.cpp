@@ -7,7 +7,6 @@
 #include <future>
 #include <regex>
 
-using namespace std::chrono_literals;
 using peer::Clock;
 using support::Process;
 

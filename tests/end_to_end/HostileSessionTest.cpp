@@ -5,8 +5,6 @@
 
 #include <csignal>
 
-using namespace std::chrono_literals;
-
 TEST(HostileSession, TheClientLivesAndDrawsOn)
 {
     GameSession game;

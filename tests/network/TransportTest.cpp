@@ -3,12 +3,13 @@
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "instrumentation/Logger.h"
 #include "network/Messages.h"
+#include "network/PacketSender.h"
 #include "tests/network/Support.h"
 
+#include <boost/asio.hpp>
 #include <boost/make_shared.hpp>
 
-#include <atomic>
-#include <thread>
+#include <future>
 
 namespace {
 
@@ -21,9 +22,9 @@ struct Service
 
 // Records what is dispatched. The sockets are not open: a receive that is started fails as soon as the
 // service runs.
-struct Reception : testing::Test, Service, AbstractPacketReceiver
+struct Transport : testing::Test, Service, AbstractPacketReceiver
 {
-    Reception() : AbstractPacketReceiver(&service) {}
+    Transport() : AbstractPacketReceiver(&service) {}
 
     bool dispatchClosedConnection(tcp::socket* socket) override
     {
@@ -60,7 +61,7 @@ struct Reception : testing::Test, Service, AbstractPacketReceiver
 
 }  // namespace
 
-TEST_F(Reception, AFrameInTwoReceivesArrivesOnce)
+TEST_F(Transport, AFrameInTwoReceivesArrivesOnce)
 {
     printedByTcp(destroyFrame(1) + destroyFrame(2).substr(0, 3));
     EXPECT_EQ(dispatched(), "1 ");
@@ -78,7 +79,7 @@ TEST_F(Reception, AFrameInTwoReceivesArrivesOnce)
     EXPECT_EQ(dispatched(), "");
 }
 
-TEST_F(Reception, NothingJoinsTwoDatagrams)
+TEST_F(Transport, NothingJoinsTwoDatagrams)
 {
     EXPECT_EQ(printedByUdp(destroyFrame(1) + destroyFrame(2) + "\x09"),
               "Error has leftovers after UDP 1 of 11 - ?\n");
@@ -90,7 +91,7 @@ TEST_F(Reception, NothingJoinsTwoDatagrams)
     EXPECT_EQ(logger.messages[Logger::UDP_RECEIVED], 3U);
 }
 
-TEST_F(Reception, AStalledStreamKeepsOneMebibyte)
+TEST_F(Transport, AStalledStreamKeepsOneMebibyte)
 {
     EXPECT_EQ(printedByTcp(destroyFrame(1) + std::string(2, '\0')), "");
     std::string printed;
@@ -102,7 +103,7 @@ TEST_F(Reception, AStalledStreamKeepsOneMebibyte)
     EXPECT_EQ(dispatched(), "1 ");
 }
 
-TEST_F(Reception, GoesOnAfterEachReceiveUntilAnError)
+TEST_F(Transport, GoesOnAfterEachReceiveUntilAnError)
 {
     stream.open(tcp::v4());
     printedByTcp(destroyFrame(1));
@@ -115,24 +116,59 @@ TEST_F(Reception, GoesOnAfterEachReceiveUntilAnError)
 }
 
 // Without the locks, events would get lost or the program would crash.
-TEST_F(Reception, AnotherThreadMayFillTheQueues)
+TEST_F(Transport, AnotherThreadMayFillTheQueues)
 {
-    constexpr std::size_t count = 20000;
+    constexpr std::size_t count = 200000;
     const auto event = boost::make_shared<NetworkEvent>();
     event->kind = NetworkEvent::CLOSED_CONNECTION;
     event->socket = &stream;
-    std::atomic<bool> finished = false;
-    std::thread network([&] {
+    const auto network = std::async(std::launch::async, [&] {
         for (std::size_t n = 0; n < count; ++n) {
             addTCPNetworkEvent(event);
             addUDPNetworkEvent(event);
         }
-        finished = true;
     });
     std::size_t received = 0;
-    while (!finished) {
+    while (network.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
         received += dispatched().size();
     }
-    network.join();
     EXPECT_EQ(received + dispatched().size(), 2 * count * std::string("closed ").size());
+}
+
+TEST_F(Transport, PrependsTheQportAndReportsFailures)
+{
+    const auto loopback = boost::asio::ip::address_v4::loopback();
+    tcp::acceptor acceptor(service, {loopback, 0});
+    stream.connect(acceptor.local_endpoint());
+    tcp::socket server = acceptor.accept();
+    udp::endpoint nobody(loopback, 9);
+    PacketSender sender;
+    const auto printedBySending = [&] {
+        Vantor::ClientUpdate message;
+        messages::set(*message.mutable_orientation(), {1, 2, 3, 4});
+        message.set_boosterson(7);
+        sender.send(message);
+        sender.sendMessageTcp(MessageTypes::CLIENT_UPDATE, message);
+        message.Clear();  // the sender has copied it
+        service.restart();
+        return printedBy([&] { service.run(); });
+    };
+
+    sender.setSocket(&udpSocket);
+    EXPECT_EQ(printedBySending(), "") << "no stream and no endpoint";
+    sender.setEndpoint(&nobody);
+    EXPECT_EQ(printedBySending(), "Error while sending: Bad file descriptor (code: 9)\n");
+    udpSocket.open(udp::v4());
+    sender.setSocket(&stream);
+    sender.setQPort(0xFE34);
+    EXPECT_EQ(printedBySending(), "");
+
+    const std::string expected = messages::steeringFrame(0xFE34, {{1, 2, 3, 4}, 7});
+    std::string bytes(expected.size(), '?');
+    boost::asio::read(server, boost::asio::buffer(bytes));
+    EXPECT_EQ(bytes, expected);
+    for (const int channel : {Logger::TCP_SENT, Logger::UDP_SENT}) {
+        EXPECT_EQ(logger.packets[channel], 1U) << "a failure does not count";
+        EXPECT_EQ(logger.bytes[channel], bytes.size());
+    }
 }
