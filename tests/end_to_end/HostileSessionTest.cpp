@@ -32,7 +32,5 @@ TEST(HostileSession, TheClientLivesAndDrawsOn)
 
     game.client->signal(SIGTERM);
     EXPECT_EQ(game.client->end(), "status 0");
-    for (const char* report : {"AddressSanitizer", "runtime error"}) {
-        EXPECT_FALSE(game.client->hasPrinted(report));
-    }
+    EXPECT_FALSE(game.client->hasPrinted("runtime error")) << "by a sanitizer, which goes on";
 }
