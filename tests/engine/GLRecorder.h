@@ -32,8 +32,5 @@ struct GLRecorder
 
 extern GLRecorder glRecorder;
 
-/// Calls in the form of take(), from a text with a semicolon or a line end between two calls and with
-/// OpenGL's names for numbers.
-std::string script(std::string text);
-/// script() of a file below tests/.
+/// Calls in the form of take(), from a file below tests/. Behind a number and a colon stands its name.
 std::string golden(const std::string& file);
