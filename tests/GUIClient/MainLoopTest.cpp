@@ -1,5 +1,6 @@
 // The main loop and the player's input. tests/engine compares what a frame draws; tests/end_to_end checks the
 // messages, the carriers, and Escape.
+#include "network/Timer.h"
 #include "tests/engine/FreshWorld.h"
 #include "tests/network/FixedClock.h"
 

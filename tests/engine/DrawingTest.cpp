@@ -61,8 +61,7 @@ TEST_F(Drawing, StartAndFrameMakeTheGoldenCalls)
     const float lifetime = shot->lifetime;
     auto* explosion = new Billboard(9, {1.0F, 2.0F, 3.0F});
     graph->attach(explosion);
-    explosion->scale(1.0F, 3.0F, 2.0F);
-    explosion->scale({2.0F, 1.0F, 2.0F});
+    explosion->scale(2.0F, 3.0F, 4.0F);
     explosion->translate(1.0F, 5.0F, 6.0F);
     explosion->rotate(quarterTurn, {0.0F, 1.0F, 0.0F});
     explosion->rotate(quarterTurn, {1.0F, 0.0F, 0.0F});  // acts first: +y goes to +z and on to +x
@@ -125,7 +124,6 @@ TEST_F(Drawing, TheCameraTurnsAboutItsOwnAxes)
         }
         expectNear(camera.direction, direction);
         expectNear(camera.up, up);
-        expectNear(camera.orientation.rotate({0.0F, 0.0F, 1.0F}), direction);
         expectNear(camera.orientation.rotate({0.0F, 1.0F, 0.0F}), up);
     }
 }

@@ -26,36 +26,27 @@ TEST_F(GameObjects, LoadAheadAndACarrierNeverMoves)
     EXPECT_EQ(carrier.position, Vector3());
 }
 
-TEST_F(GameObjects, AShotLeavesAfterTwentySeconds)
-{
-    auto* shot = new Projectile(1ULL);
-    graph->attach(shot);
-    Vector3 start(3.0F, 0.0F, 0.0F);
-    shot->updateInfo(0, start, shot->orientation, true);
-    shot->currentVelocity = {8.0F, 0.0F, 0.0F};
-    graph->update(20.0F);
-    EXPECT_TRUE(graph->removeList.empty());
-    EXPECT_EQ(shot->position.x, 163.0F);
-    graph->update(0.25F);
-    EXPECT_EQ(graph->removeList.size(), 1U);
-    EXPECT_EQ(shot->position.x, 165.0F) << "moves in its last frame too";
-}
-
-TEST_F(GameObjects, AnExplosionFacesTheCameraForASecond)
+TEST_F(GameObjects, ShotsAndExplosionsLeaveAfterTheirTime)
 {
     const Quaternion view = Quaternion::FromAxisAngle(1.0F, {0.0F, 1.0F, 0.0F});
     controller->setCameraOrientation(view);
     auto* explosion = new Billboard(1, {4.0F, 5.0F, 6.0F});
     controller->setCameraOrientation(Quaternion());
-    graph->attach(explosion);
-    explosion->currentVelocity = {9.0F, 0.0F, 0.0F};
-    graph->update(0.5F);
-    graph->update(0.5F);
-    EXPECT_TRUE(graph->removeList.empty());
+    auto* shot = new Projectile(2ULL);
+    Vector3 start(3.0F, 0.0F, 0.0F);
+    shot->updateInfo(0, start, shot->orientation, true);
+    for (Transform* object : {static_cast<Transform*>(explosion), static_cast<Transform*>(shot)}) {
+        graph->attach(object);
+        object->currentVelocity = {8.0F, 0.0F, 0.0F};
+    }
+    const std::pair<float, std::size_t> frames[] = {{1.0F, 0}, {0.5F, 1}, {18.5F, 1}, {0.25F, 2}};
+    for (const auto& [dt, leaving] : frames) {
+        graph->update(dt);
+        EXPECT_EQ(graph->removeList.size(), leaving);
+    }
+    EXPECT_EQ(shot->position.x, 165.0F) << "moves in its last frame too";
     EXPECT_EQ(explosion->position, Vector3(4.0F, 5.0F, 6.0F));
-    EXPECT_EQ(explosion->orientation, view);
-    graph->update(0.001F);
-    EXPECT_EQ(graph->removeList.size(), 1U);
+    EXPECT_EQ(explosion->orientation, view) << "faces the camera of its start";
 
     // with an orientation: i * (cos 90 + j sin 90), the angle in radians, and normalised
     expectNear(Billboard(3, {}, {0, 2, 0, 0}).orientation, {0, -0.4480736F, 0, 0.8939967F});
