@@ -42,8 +42,9 @@ TEST_F(Drawing, StartAndFrameMakeTheGoldenCalls)
     controller->update(1.0F);  // the frame sends nothing
     controller->hud();
     timer.getTimeDiff();  // and takes no time, for the display and for the scene
-    VT.window.width = 640;
-    VT.window.height = 480;
+    VT.window.createSDLWindow(640, 480, true);
+    EXPECT_EQ(glRecorder.take("VideoMode|Viewport"),
+              "SDL_SetVideoMode 640 480 0 2147483650\nglViewport 0 0 640 480\n");
     glRecorder.mouseX = 360;
     glRecorder.mouseY = 220;
     auto* ship = new Player(0ULL, true, 100);

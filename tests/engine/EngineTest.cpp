@@ -39,32 +39,17 @@ TEST_F(EnginesDeathTest, AFailureEndsTheProcessWithItsStatus)
     EXPECT_EXIT(resources->getTexture("grey.png"), testing::ExitedWithCode(255), "^$");
 }
 
-TEST_F(Engines, TheWindowMayFillTheScreen)
-{
-    glRecorder.deliver(4, 0xFF0000, 800, 600);
-    VT.window.createSDLWindow(640, 480, true);
-    EXPECT_EQ(glRecorder.take("VideoMode|Viewport"),
-              "SDL_SetVideoMode 640 480 0 2147483650\nglViewport 0 0 640 480\n");
-}
-
-TEST_F(Engines, TheQueueIsDrainedAndKeysAreDownFromPressToRelease)
+TEST_F(Engines, KeysAndButtonsAreDownFromPressToRelease)
 {
     Subscriber subscriber;
     VT.inputHandler.subscribeToKeyboardEvents(&subscriber);
-    glRecorder.send(SDL_QUIT);
-    glRecorder.send(SDL_KEYDOWN, SDLK_c);
-    glRecorder.send(SDL_MOUSEMOTION);
-    glRecorder.send(SDL_KEYUP, SDLK_c);
-    for (const int symbol : {+SDLK_UNDO, +SDLK_LAST, 511}) {  // the last of SDL's symbols, and beyond
-        glRecorder.send(SDL_KEYDOWN, static_cast<SDLKey>(symbol));
-    }
+    // of the keys, the last three are the last of SDL's symbols, and beyond
+    glRecorder.events = {{SDL_QUIT, 0},     {SDL_KEYDOWN, 'c'},       {SDL_MOUSEMOTION, 'c'},
+                         {SDL_KEYUP, 'c'},  {SDL_KEYDOWN, SDLK_UNDO}, {SDL_KEYDOWN, SDLK_LAST},
+                         {SDL_KEYDOWN, 511}};
     VT.inputHandler.handleEvents();
     EXPECT_EQ(received, "+down -up -up +down +down +up +up +up +up ") << "the first press has one receiver";
     EXPECT_TRUE(done);
-}
-
-TEST_F(Engines, MouseButtonsAreReadAtOnce)
-{
     for (const int buttons : {1, 2, 4}) {
         glRecorder.mouseButtons = static_cast<Uint8>(buttons);
         EXPECT_EQ(VT.inputHandler.isLMouseDown(), buttons == 1);

@@ -8,7 +8,6 @@
 #include "network/PacketSender.h"
 #include "scene/General.h"
 #include "scene/SceneGraph.h"
-#include "scene/SceneObjectFactory.h"
 #include "tests/engine/GLRecorder.h"
 #include "tests/math/Near.h"
 #include "tests/network/Support.h"
@@ -42,7 +41,6 @@ protected:
 
     SceneGraph* graph = renewed<SceneGraph>();
     General* general = renewed<General>();
-    SceneObjectFactory* factory = renewed<SceneObjectFactory>();
     ResourceManager* resources = renewed<ResourceManager>();
     VTEntryPoint* controller = VTEntryPoint::getInstance();
 };

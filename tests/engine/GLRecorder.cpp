@@ -23,13 +23,6 @@ void GLRecorder::deliver(int bytesPerPixel, unsigned int redMask, int width, int
     surface.h = height;
 }
 
-void GLRecorder::send(Uint8 type, SDLKey symbol)
-{
-    SDL_Event& event = events.emplace_back();
-    event.type = type;
-    event.key.keysym.sym = symbol;
-}
-
 std::string GLRecorder::take(const std::string& pattern)
 {
     std::istringstream lines(std::exchange(calls, ""));
@@ -119,7 +112,8 @@ int SDL_PollEvent(SDL_Event* event)
     if (glRecorder.events.empty()) {
         return 0;
     }
-    *event = glRecorder.events.front();
+    event->type = glRecorder.events.front().first;
+    event->key.keysym.sym = static_cast<SDLKey>(glRecorder.events.front().second);
     glRecorder.events.pop_front();
     return 1;
 }

@@ -12,7 +12,6 @@
 #include <fstream>
 #include <iterator>
 #include <numeric>
-#include <utility>
 
 namespace {
 
@@ -52,8 +51,7 @@ TEST(MeasurementLog, RatesNeedMoreThanASecond)
 TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
 {
     const FixedClock clock{start};
-    SceneGraph scene;
-    delete std::exchange(SceneGraph::instance, &scene);
+    SceneGraph& scene = *SceneGraph::getInstance();
     Logger logger;
     logger.setFileToWriteTo("/no-such-folder/log.csv");
     logger.writeMeasurementToFile();
@@ -72,7 +70,6 @@ TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
     logger.byteRate[3] = std::nanf("");
     ResourceMonitor::getInstance()->cpuUsage = -10;
     logger.writeMeasurementToFile();
-    SceneGraph::instance = nullptr;
     usageResult = -1;
     EXPECT_EQ(ResourceMonitor::getInstance()->GetMemoryUsage(), static_cast<unsigned long>(-74));
 

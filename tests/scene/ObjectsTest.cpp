@@ -1,16 +1,21 @@
-// Game objects and starting points.
+// Game objects, their motion, and starting points.
 #include "scene/Billboard.h"
 #include "scene/Player.h"
 #include "scene/Projectile.h"
+#include "scene/SceneObjectFactory.h"
 #include "scene/TestCube.h"
 #include "tests/engine/FreshWorld.h"
 
 #include <climits>
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <sstream>
 #include <tuple>
 
 using GameObjects = FreshWorld;
+using Motion = FreshWorld;
 using StartingPoints = FreshWorld;
 
 TEST_F(GameObjects, LoadAheadAndACarrierNeverMoves)
@@ -54,6 +59,7 @@ TEST_F(GameObjects, ShotsAndExplosionsLeaveAfterTheirTime)
 
 TEST_F(GameObjects, TheFactoryMakesExplosionsOnly)
 {
+    SceneObjectFactory* factory = SceneObjectFactory::getInstance();
     for (const long long id : {2LL, 3LL, static_cast<long long>(INT_MIN)}) {
         Transform* made = factory->create(SGT_BILLBOARD);
         EXPECT_EQ(made->type, SGT_BILLBOARD);
@@ -63,6 +69,41 @@ TEST_F(GameObjects, TheFactoryMakesExplosionsOnly)
     }
     EXPECT_EQ(printedBy([&] { EXPECT_EQ(factory->create(SGT_PROJECTILE), nullptr); }),
               "Error creating type of 1");
+}
+
+TEST_F(Motion, FollowsTheScenarios)
+{
+    std::unique_ptr<Transform> object;
+    std::ifstream file(VANTOR_TESTS "scene/golden/motion.txt");
+    int lines = 0;
+    for (std::string line; std::getline(file, line); ++lines) {
+        SCOPED_TRACE(line);
+        std::istringstream words(line);
+        std::string word, time;
+        Vector3 numbers;
+        float degrees = 0.0F;
+        words >> word >> time >> numbers.x >> numbers.y >> numbers.z >> degrees;
+        if (word == "object") {
+            object = std::make_unique<Transform>(1ULL);
+        } else if (word == "player") {
+            object = std::make_unique<Player>(1ULL, true, 100);
+        } else if (word == "reset" || word == "state") {
+            Quaternion orientation = Quaternion::FromEuler(0.0F, degrees, 0.0F);
+            object->updateInfo(static_cast<unsigned int>(std::stoul(time)), numbers, orientation,
+                               word == "reset");
+        } else if (word == "velocity") {
+            expectNear(object->velocity[0], numbers);
+            EXPECT_TRUE(object->velocity[0] * numbers >= 0.0F);
+        } else if (word == "frame") {
+            object->realUpdate(std::stof(time));
+            const bool isPlayer = object->type == SGT_PLAYER;
+            expectNear(isPlayer ? object->position : object->smoothPosition, numbers);
+            EXPECT_TRUE(isPlayer || object->position == Vector3()) << "drawn where it was put";
+            const Vector3 nose = object->orientation.rotate({0.0F, 0.0F, 1.0F});
+            EXPECT_NEAR(std::atan2(nose.x, nose.z) * 57.29578F, degrees, 0.05F);
+        }
+    }
+    EXPECT_GT(lines, 90);
 }
 
 TEST_F(StartingPoints, TheGridGrowsWithTheNumberOfPlayers)

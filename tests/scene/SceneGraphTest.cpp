@@ -1,5 +1,7 @@
 #include "tests/engine/FreshWorld.h"
 
+#include <tuple>
+
 namespace {
 
 using Objects = std::list<Transform*>;
@@ -50,19 +52,15 @@ TEST_F(Scene, FilesObjectsByTypeIdAndKeysUntilRemoval)
         const auto id = static_cast<long long>(type) - 0xFFFFFFFFLL;
         EXPECT_EQ(graph->getListOfType(type), nullptr);
         Noting* object = add(static_cast<unsigned long long>(id), type);
-        EXPECT_EQ(object->parent, graph);
+        const auto found = [&, tcpKey = object->getTCPid(), udpKey = object->getUDPid()] {
+            return std::tuple<Transform*, Transform*, Transform*>(
+                graph->getOBjectById(id), graph->getObjectByTCPid(tcpKey), graph->getObjectByUDPid(udpKey));
+        };
+        Noting* const underKey = type == SGT_PLAYER ? object : nullptr;
         EXPECT_EQ(*graph->getListOfType(type), Objects{object});
-        EXPECT_EQ(graph->getOBjectById(id), object);
-        void* const tcpKey = object->getTCPid();
-        const long long udpKey = object->getUDPid();
-        Transform* const underKey = type == SGT_PLAYER ? object : nullptr;
-        EXPECT_EQ(graph->getObjectByTCPid(tcpKey), underKey);
-        EXPECT_EQ(graph->getObjectByUDPid(udpKey), underKey);
-
+        EXPECT_EQ(found(), std::tuple(object, underKey, underKey));
         remove(object);
-        EXPECT_EQ(graph->getOBjectById(id), nullptr);
-        EXPECT_EQ(graph->getObjectByTCPid(tcpKey), nullptr);
-        EXPECT_EQ(graph->getObjectByUDPid(udpKey), nullptr);
+        EXPECT_EQ(found(), std::tuple(nullptr, nullptr, nullptr));
         // an object without a type stays in its list
         EXPECT_EQ(*graph->getListOfType(type), type == SGT_NONE ? Objects{object} : Objects());
     }
