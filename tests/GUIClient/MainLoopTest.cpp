@@ -88,7 +88,7 @@ TEST_F(Controller, KeysRollTheCamera)
         VT.inputHandler.keyStates[key] = true;
         controller->update(0.5F);
         controller->setCamera();
-        expectNear(controller->camera.up,
-                   {-0.4794255F, 0.8775826F, 0.0F});  // half a radian; then both cancel
+        // half a radian; then both cancel
+        expectNear(controller->camera.up, {-0.4794255F, 0.8775826F, 0.0F});
     }
 }

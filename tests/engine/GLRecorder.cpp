@@ -1,16 +1,13 @@
 #include "tests/engine/GLRecorder.h"
 
-#include <SDL.h>
 #include <SDL_image.h>
 #include <SDL_opengl.h>
 #include <SDL_ttf.h>
 
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <regex>
 #include <sstream>
-#include <utility>
 
 GLRecorder glRecorder;
 

@@ -73,7 +73,7 @@ TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
     usageResult = -1;
     EXPECT_EQ(ResourceMonitor::getInstance()->GetMemoryUsage(), static_cast<unsigned long>(-74));
 
-    std::ifstream written(path), expected(VANTOR_GOLDEN_LOG);
+    std::ifstream written(path), expected(VANTOR_TESTS "instrumentation/golden/log.csv");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}),
               std::string(std::istreambuf_iterator<char>(expected), {}));
     std::filesystem::remove(path);
