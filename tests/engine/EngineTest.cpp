@@ -1,13 +1,38 @@
-// Window, input and resources.
+// Window, input and resources, and the calls of OpenGL and SDL behind the picture.
+#include "GUIClient/drawGL.h"
 #include "engine/ModelLoader.h"
 #include "engine/OpenGL.h"
-#include "engine/VTObject.h"
+#include "scene/Billboard.h"
+#include "scene/Player.h"
+#include "scene/Projectile.h"
+#include "scene/TestCube.h"
 #include "tests/engine/FreshWorld.h"
+#include "tests/network/FixedClock.h"
 
 #include <filesystem>
+#include <limits>
+#include <regex>
 #include <tuple>
 
 namespace {
+
+constexpr float quarterTurn = 1.5707964F;
+
+class Drawing : public FreshWorld
+{
+protected:
+    Drawing() { glRecorder.deliver(4, 0xFF0000, 40, 20); }
+
+    // The display's colours and texts, without the rest of the calls.
+    std::string display()
+    {
+        controller->hud();
+        return std::regex_replace(glRecorder.take("glColor3f|RenderText"),
+                                  std::regex("TTF_RenderText_Blended 255 255 255 |glColor3f "), "");
+    }
+
+    FixedClock clock{1000};
+};
 
 std::string received;
 
@@ -28,6 +53,102 @@ using Engines = FreshWorld;
 using EnginesDeathTest = FreshWorld;
 
 }  // namespace
+
+TEST_F(Drawing, StartAndFrameMakeTheGoldenCalls)
+{
+    resources->models = {{"carrier.obj", 101}, {"fighter.obj", 102}, {"shot.obj", 103}};
+    VT.init();
+    controller->init();
+    EXPECT_EQ(glRecorder.take(), golden("engine/golden/start.txt"));
+
+    controller->update(1.0F);  // the frame sends nothing
+    controller->hud();
+    timer.getTimeDiff();  // and takes no time, for the display and for the scene
+    VT.window.createSDLWindow(640, 480, true);
+    EXPECT_EQ(glRecorder.take("VideoMode|Viewport"),
+              "SDL_SetVideoMode 640 480 0 2147483650\nglViewport 0 0 640 480\n");
+    glRecorder.mouseX = 360;
+    glRecorder.mouseY = 220;
+    auto* ship = new Player(0ULL, true, 100);
+    graph->attach(ship);
+    ship->smoothPosition = {10.0F, 20.0F, 30.0F};
+    ship->velocity[0] = {3.0F, -4.0F, 0.0F};
+    ship->score = -7;
+    general->redTeamScore = 12;
+    ship->smoothOrientation = Quaternion::FromAxisAngle(quarterTurn, {0.0F, 1.0F, 0.0F});
+    auto* shot = new Projectile(7);
+    graph->attach(shot);
+    shot->lifetime = -1.0F;  // leaves the scene before it is drawn
+    shot = new Projectile(8);
+    graph->attach(shot);
+    auto* explosion = new Billboard(9, {1.0F, 2.0F, 3.0F});
+    graph->attach(explosion);
+    explosion->scale(2.0F, 3.0F, 4.0F);
+    explosion->translate(1.0F, 5.0F, 6.0F);
+    explosion->rotate(quarterTurn, {0.0F, 1.0F, 0.0F});
+    explosion->rotate(quarterTurn, {1.0F, 0.0F, 0.0F});  // acts first: +y goes to +z and on to +x
+    explosion->attach(new Transform(10));
+    glRecorder.take();
+    drawGL();
+    EXPECT_EQ(glRecorder.take(), golden("engine/golden/frame.txt"));
+
+    graph->idTable.clear();  // no object has the own id any more: the camera stays
+    clock.set(0);
+    drawGL();
+    EXPECT_EQ(glRecorder.take("Translate.* 22 30$"), "glTranslatef 5 22 30\n");
+    EXPECT_EQ(shot->lifetime, 20.0F) << "a frame never takes negative time";
+}
+
+TEST_F(Drawing, TheDisplayShowsTheRateOfTheLastFrameAndTheShip)
+{
+    graph->attach(new TestCube(0, true, true));  // found instead of a ship
+    display();
+    EXPECT_EQ(display(), "fps: inf\n") << "within one millisecond";
+    clock.set(1050);
+    EXPECT_EQ(display(), "fps: 20.00\n");
+    clock.set(1066);
+    EXPECT_EQ(display(), "fps: 62.50\n") << "without the frames before";
+
+    auto* ship = new Player(0ULL, true, 100);
+    graph->attach(ship);
+    const std::pair<float, std::string> cases[] = {{20.0F, "\n0 1 0\nhealth: 20.00%"},
+                                                   {19.99F, "\n1 0 0\nhealth: 19.99%"},
+                                                   {std::nanf(""), "\n0 1 0\nhealth: nan%"}};
+    for (const auto& [health, lines] : cases) {
+        ship->health = health;
+        EXPECT_NE(display().find(lines), std::string::npos) << lines;
+    }
+    const float largest = std::numeric_limits<float>::max();
+    ship->position = {-largest, largest, -largest};
+    const std::string lines = display();
+    EXPECT_EQ(lines.size() - lines.find("(-34028234"), 100U) << "99 characters and the line's end";
+}
+
+TEST_F(Drawing, TheCameraTurnsAboutItsOwnAxes)
+{
+    // quarter turns: yaw, roll, pitch; a frame is drawn at each | and at the end
+    const std::tuple<std::string, Vector3, Vector3> cases[] = {
+        {"y", {1, 0, 0}, {0, 1, 0}},    {"r", {0, 0, 1}, {-1, 0, 0}},
+        {"p", {0, 1, 0}, {0, 0, -1}},   {"yp", {0, 1, 0}, {-1, 0, 0}},  // within a frame the pitch acts first
+        {"ry", {0, 1, 0}, {-1, 0, 0}},                                  // about the old up
+        {"y|r|", {1, 0, 0}, {0, 0, 1}},
+    };
+    for (const auto& [turns, direction, up] : cases) {
+        SCOPED_TRACE(turns);
+        Camera camera;
+        for (const char turn : turns + '|') {
+            camera.yaw(turn == 'y' ? quarterTurn : 0.0F);
+            camera.roll(turn == 'r' ? quarterTurn : 0.0F);
+            camera.pitch(turn == 'p' ? quarterTurn : 0.0F);
+            if (turn == '|') {
+                camera.setCamera();
+            }
+        }
+        expectNear(camera.direction, direction);
+        expectNear(camera.up, up);
+        expectNear(camera.orientation.rotate({0.0F, 1.0F, 0.0F}), up);
+    }
+}
 
 TEST_F(EnginesDeathTest, AFailureEndsTheProcessWithItsStatus)
 {
