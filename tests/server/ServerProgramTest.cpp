@@ -1,6 +1,9 @@
 #include "server/net/ServerOptions.h"
 #include "tests/support/Process.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/local/datagram_protocol.hpp>
+
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -147,4 +150,29 @@ TEST(ServerProgram, LogsMeasurementsThatCanBeDrawn)
     EXPECT_EQ(Process({VANTOR_TOOLS "/plot-log", log, log}).end(), "status 2");
     std::filesystem::remove(picture);
     std::filesystem::remove(log);
+}
+
+TEST(ServerProgram, TellsItsServiceManagerWhenItListens)
+{
+    namespace local = boost::asio::local;
+    const std::string folder = std::filesystem::temp_directory_path();
+    const std::string number = std::to_string(getpid());
+    for (const std::string& name : {"@vantor-notify." + number, folder + "/vantor-notify." + number}) {
+        boost::asio::io_context io;
+        const std::string address = name.front() == '@' ? std::string(1, '\0') + name.substr(1) : name;
+        local::datagram_protocol::socket manager(io, address);
+        Process server({"env", "NOTIFY_SOCKET=" + name, VANTOR_SERVER, "--port", "0"});
+        std::string received(100, '\0');
+        manager.async_receive(boost::asio::buffer(received), [&](auto, std::size_t size) { received.resize(size); });
+        io.run_for(20s);
+        EXPECT_EQ(received, "READY=1") << server.output();
+        EXPECT_TRUE(server.hasPrinted("ready 127.0.0.1:")) << server.output();
+
+        server.signal(SIGTERM);
+        EXPECT_EQ(server.end(1s), "status 0") << "a stop that takes longer holds up the machine's shutdown";
+        std::filesystem::remove(name);
+    }
+    Process server({"env", "NOTIFY_SOCKET=/no/such/socket", VANTOR_SERVER, "--port", "0"});
+    EXPECT_TRUE(peer::eventually([&] { return server.hasPrinted("cannot report to the service manager"); }));
+    EXPECT_TRUE(server.isRunning());
 }
