@@ -163,7 +163,8 @@ TEST(ServerProgram, TellsItsServiceManagerWhenItListens)
         local::datagram_protocol::socket manager(io, address);
         Process server({"env", "NOTIFY_SOCKET=" + name, VANTOR_SERVER, "--port", "0"});
         std::string received(100, '\0');
-        manager.async_receive(boost::asio::buffer(received), [&](auto, std::size_t size) { received.resize(size); });
+        manager.async_receive(boost::asio::buffer(received),
+                              [&](auto, std::size_t size) { received.resize(size); });
         io.run_for(20s);
         EXPECT_EQ(received, "READY=1") << server.output();
         EXPECT_TRUE(server.hasPrinted("ready 127.0.0.1:")) << server.output();
