@@ -154,25 +154,27 @@ TEST(ServerProgram, LogsMeasurementsThatCanBeDrawn)
 
 TEST(ServerProgram, TellsItsServiceManagerWhenItListens)
 {
-    namespace local = boost::asio::local;
-    const std::string folder = std::filesystem::temp_directory_path();
-    const std::string number = std::to_string(getpid());
-    for (const std::string& name : {"@vantor-notify." + number, folder + "/vantor-notify." + number}) {
+    using Socket = boost::asio::local::datagram_protocol::socket;
+    const std::string path = freshFile("vantor-notify");
+    const std::pair<std::string, std::string> sockets[] = {{path, path}, {"@" + path, '\0' + path}};
+    for (const auto& [name, address] : sockets) {
         boost::asio::io_context io;
-        const std::string address = name.front() == '@' ? std::string(1, '\0') + name.substr(1) : name;
-        local::datagram_protocol::socket manager(io, address);
+        Socket manager(io, address);
         Process server({"env", "NOTIFY_SOCKET=" + name, VANTOR_SERVER, "--port", "0"});
-        std::string received(100, '\0');
-        manager.async_receive(boost::asio::buffer(received),
-                              [&](auto, std::size_t size) { received.resize(size); });
+        std::string received(100, ' ');
+        manager.async_receive(boost::asio::buffer(received), [&](auto, auto size) { received.resize(size); });
         io.run_for(20s);
-        EXPECT_EQ(received, "READY=1") << server.output();
+        EXPECT_EQ(received, "READY=1");
         EXPECT_TRUE(server.hasPrinted("ready 127.0.0.1:")) << server.output();
 
         server.signal(SIGTERM);
-        EXPECT_EQ(server.end(1s), "status 0") << "a stop that takes longer holds up the machine's shutdown";
-        std::filesystem::remove(name);
+        EXPECT_EQ(server.end(1s), "status 0") << "a slow end holds up the machine's shutdown";
     }
+    std::filesystem::remove(path);
+}
+
+TEST(ServerProgram, ServesWithoutItsServiceManager)
+{
     Process server({"env", "NOTIFY_SOCKET=/no/such/socket", VANTOR_SERVER, "--port", "0"});
     EXPECT_TRUE(peer::eventually([&] { return server.hasPrinted("cannot report to the service manager"); }));
     EXPECT_TRUE(server.isRunning());
