@@ -237,6 +237,8 @@ TEST(Relay, OutlivesAServerThatBreaksAndComesBack)
     network.serverDatagrams.socket = std::move(network.server.udp);
     datagrams.send("again", network.address);
     EXPECT_TRUE(network.serverReceives("again"));
+    network.serverDatagrams.send("answer", network.serverDatagrams.received.back().sender);
+    EXPECT_TRUE(network.await([&] { return !datagrams.received.empty(); }));
     network.connect();
     network.accept();
     EXPECT_EQ(network.log,
