@@ -151,15 +151,12 @@ BotSkill drawSkill(Difficulty difficulty, Random& random)
 
 Vector3 fightCentre(Team carrier, float time)
 {
-    constexpr Vector3 pivot(500.0F, 45.0F, -50.0F);  // above red's carrier; blue's has the opposite x
-    constexpr float distance = 240.0F;               // units from there; the bow is at 180
-    constexpr float swing = 0.2F;                    // rad to each side of the bow
-    constexpr float period = 150.0F;                 // seconds for one swing to and fro
-    constexpr float twoPi = 6.2831853F;
-    const float angle = swing * std::sin(std::fmod(time, period) * (twoPi / period));
-    const float side = carrier == Team::blue ? -1.0F : 1.0F;
-    const Vector3 fromPivot(-side * std::sin(angle), 0.0F, std::cos(angle));
-    return Vector3(side * pivot.x, pivot.y, pivot.z) + fromPivot * distance;
+    constexpr Vector3 middle(500.0F, 45.0F, 190.0F);  // before red's bow; blue's has the opposite x
+    constexpr float swing = 48.0F;                    // units to each side
+    constexpr float period = 150.0F;                  // seconds for one swing to and fro
+    const float phase = 2.0F * (time / period - std::floor(time / period)) - 1.0F;  // in [-1, 1)
+    const float wave = 4.0F * phase * (1.0F - std::fabs(phase));                    // parabolas instead of a sine
+    return {(carrier == Team::blue ? -1.0F : 1.0F) * (middle.x + swing * wave), middle.y, middle.z};
 }
 
 ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
@@ -207,8 +204,7 @@ void Bot::drawAimError(Random& random)
     aimErrorIn = skill.aimPeriod * random.between(0.6F, 1.4F);
     const float yaw = random.between(-skill.aimError, skill.aimError);
     const float pitch = random.between(-skill.aimError, skill.aimError);
-    aimError =
-        Quaternion::FromAxisAngle(yaw, Vector3(0, 1, 0)) * Quaternion::FromAxisAngle(pitch, Vector3(1, 0, 0));
+    aimError = smallTurn(Vector3(0, 1, 0), yaw) * smallTurn(Vector3(1, 0, 0), pitch);
 }
 
 void Bot::drawDodge(Random& random)

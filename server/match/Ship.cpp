@@ -23,15 +23,30 @@ Vector3 thrustDirection(std::uint32_t controls)
     return direction;
 }
 
+/// The tangent of an angle of at most a quarter of a radian, to 1e-7.
+///
+/// Sines and cosines of the C library differ between its versions, so turns get along without them. Engines
+/// that simulate the same on every machine do so too: Catto, "Determinism", box2d.org, 2024.
+float tangentOfSmall(float angle)
+{
+    const float square = angle * angle;
+    return angle * (1.0F + square * (1.0F / 3.0F + square * (2.0F / 15.0F + square * (17.0F / 315.0F))));
+}
+
 /// Turns `from` towards `to` by at most `maxAngle` radians on the shorter arc; unit length.
 Quaternion turnTowards(const Quaternion& from, const Quaternion& to, float maxAngle)
 {
-    const float alignment = std::min(std::fabs(Quaternion::dotProduct(from, to)), 1.0F);
-    const float angle = 2.0F * std::acos(alignment);
-    if (angle <= maxAngle) {
+    Quaternion between = ~from * to;
+    if (between.w < 0.0F) {  // the same orientation by the longer arc
+        between = -between;
+    }
+    const Vector3 axis(between.x, between.y, between.z);
+    const float sine = axis.length();  // of half the angle between them, as between.w is the cosine
+    const float tangent = tangentOfSmall(maxAngle / 2.0F);
+    if (sine <= tangent * between.w) {
         return to;
     }
-    Quaternion turned = Quaternion::Slerp(from, to, maxAngle / angle);
+    Quaternion turned = from * Quaternion(1.0F, axis * (tangent / sine));
     turned.normalise();
     return turned;
 }
@@ -77,13 +92,28 @@ void flyShip(Ship& ship, const Rules& rules, float dt)
     stayInside(ship, rules);
 }
 
+Quaternion smallTurn(const Vector3& axis, float angle)
+{
+    Quaternion turn(1.0F, axis * tangentOfSmall(angle / 2.0F));
+    turn.normalise();
+    return turn;
+}
+
+/// A turn by an angle is the quaternion (1 + cosine, axis * sine), scaled to unit length.
 Quaternion lookAlong(const Vector3& direction)
 {
-    const float ground = std::hypot(direction.x, direction.z);
-    const float yaw = std::atan2(direction.x, direction.z);
-    const float pitch = -std::atan2(direction.y, ground);
-    return Quaternion::FromAxisAngle(yaw, Vector3(0, 1, 0)) *
-           Quaternion::FromAxisAngle(pitch, Vector3(1, 0, 0));
+    const float length = direction.length();
+    const float ground = std::sqrt(direction.x * direction.x + direction.z * direction.z);
+    Quaternion yaw(ground + direction.z, 0.0F, direction.x, 0.0F);
+    if (direction.z < 0.0F) {  // the same turn, without the difference of two nearly equal numbers
+        yaw = Quaternion(std::fabs(direction.x), 0.0F, std::copysign(ground - direction.z, direction.x), 0.0F);
+    }
+    if (ground == 0.0F) {
+        yaw = Quaternion();
+    }
+    Quaternion orientation = yaw * Quaternion(length + ground, -direction.y, 0.0F, 0.0F);
+    orientation.normalise();
+    return orientation;
 }
 
 Vector3 noseOf(const Quaternion& orientation)

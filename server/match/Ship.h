@@ -62,6 +62,9 @@ struct Ship
 /// Moves a ship by one step of `dt` seconds: turn, thrust, damping, speed limit, border.
 void flyShip(Ship& ship, const Rules& rules, float dt);
 
+/// A turn about a unit axis by at most half a radian.
+Quaternion smallTurn(const Vector3& axis, float angle);
+
 /// The upright orientation whose nose points along `direction`, of any length but zero.
 Quaternion lookAlong(const Vector3& direction);
 

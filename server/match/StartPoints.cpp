@@ -38,6 +38,18 @@ Vector3 randomPoint(const Vector3& centre, const Vector3& size, Random& random)
     return centre + Vector3(size.x * x, size.y * y, size.z * z);
 }
 
+/// The grid's cells along x, as many as in a grid of the client, whose `pow` is not the same on every machine.
+int cellsAlongX(std::size_t players)
+{
+    const Vector3 box = General::gridBox;
+    const float cube = static_cast<float>(players) / (box.y / box.x) / (box.z / box.x);
+    int root = 0;
+    while (static_cast<float>((root + 1) * (root + 1) * (root + 1)) <= cube) {
+        ++root;
+    }
+    return root;
+}
+
 }  // namespace
 
 Vector3 StartPoints::next(Team team, const std::vector<Ship>& ships, Random& random)
@@ -50,7 +62,7 @@ Vector3 StartPoints::next(Team team, const std::vector<Ship>& ships, Random& ran
     } else if (mode == General::GRID) {
         int& slot = team == Team::blue ? blueSlot : redSlot;
         slot += 2;
-        start = General::gridPoint(General::gridCentre, General::gridBox, slot, ships.size());
+        start = General::gridCell(General::gridCentre, General::gridBox, slot, cellsAlongX(ships.size()));
     }
     return clearPlace(start, ships);
 }
