@@ -1,9 +1,12 @@
 #include "server/match/Bot.h"
 
+#include "server/match/Hull.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace practice {
 
@@ -24,13 +27,25 @@ constexpr float burstTime = 1.0F;      ///< seconds of fire before a pause
 // The cost of a target is a distance.
 constexpr float offCentreCost = 0.3F;  ///< for each unit between the enemy and the fight's centre
 constexpr float chaserCost = 40.0F;    ///< for each friend that chases the enemy
-constexpr float humanFactor = 0.35F;   ///< humans seem nearer: they have come to see action
+constexpr float humanFactor = 0.15F;   ///< humans seem nearer: they have come to see action
 constexpr float chaseCone = 0.97F;     ///< cosine of 14 degrees: a ship chases the enemy that it points at
 constexpr float chaseRange = 200.0F;
 
+// How a bot shows itself to a human.
+constexpr float showDistance = 60.0F;   ///< before the human's nose
+constexpr float showWidth = 22.0F;      ///< to each side of it
+constexpr float showPeriod = 5.0F;      ///< seconds for one turn to and fro
+constexpr float viewRange = 95.0F;      ///< within it a human can tell a ship from a star
+constexpr float viewCone = 0.9F;        ///< cosine of 26 degrees: before a human's eyes
+constexpr float humanLeash = 450.0F;    ///< from a fight's centre; so far a bot follows a human
+constexpr float lineOfFire = 0.985F;    ///< cosine of 10 degrees: others there might be hit
+
 // Seconds of spawn protection.
-constexpr float firstSpawnProtection = 22.0F;  ///< time to look around
-constexpr float respawnProtection = 4.0F;
+constexpr float newcomerProtection = 22.0F;  ///< of a human's first life, also while it fires: time to look around
+constexpr float respawnProtection = 4.0F;    ///< until the ship fires
+
+constexpr float hullMargin = 25.0F;    ///< kept from the carriers' hulls ...
+constexpr float hullLookAhead = 0.8F;  ///< ... at the place to be reached in so many seconds
 
 /// The controls that push towards a direction of the world.
 std::uint32_t controlsTowards(const Vector3& direction, const Quaternion& orientation)
@@ -47,10 +62,10 @@ std::uint32_t controlsTowards(const Vector3& direction, const Quaternion& orient
     return controls;
 }
 
-/// The direction away from all ships within the clearance; zero if there are none.
+/// The direction away from hulls ahead and all ships within the clearance; zero if there are none.
 Vector3 awayFromOthers(const Ship& self, const std::vector<ShipView>& ships)
 {
-    Vector3 away;
+    Vector3 away = wayOutOfHulls(self.position + self.velocity * hullLookAhead, hullMargin);
     for (const ShipView& other : ships) {
         const Vector3 gap = self.position - other.position;
         if (other.id != self.id && gap.lengthSquared() < clearance * clearance) {
@@ -67,24 +82,55 @@ const ShipView* findView(const std::vector<ShipView>& ships, ObjectId id)
     return found == ships.end() ? nullptr : &*found;
 }
 
-/// Bots do not fire first at a ship that has just appeared.
+/// Bots do not fire at a ship that has just appeared.
 bool hasSpawnProtection(const ShipView& ship)
 {
-    return !ship.firedInLife &&
-           ship.sinceSpawn <= (ship.firstLife ? firstSpawnProtection : respawnProtection);
+    if (ship.human && ship.firstLife) {
+        return ship.sinceSpawn <= newcomerProtection;
+    }
+    return !ship.firedInLife && ship.sinceSpawn <= respawnProtection;
 }
 
-bool isChasing(const ShipView& friendly, const ShipView& enemy)
+bool isBefore(const ShipView& ship, const Vector3& place, float cone, float range)
 {
-    const Vector3 offset = enemy.position - friendly.position;
+    const Vector3 offset = place - ship.position;
     const float distance = offset.length();
-    return distance < chaseRange && noseOf(friendly.orientation).dotProduct(offset) > chaseCone * distance;
+    return distance < range && noseOf(ship.orientation).dotProduct(offset) > cone * distance;
+}
+
+/// Bots of a team do not all turn on the same human, but those nearest to it.
+bool mayTarget(const Ship& self, const ShipView& enemy, const BotView& view, const BotSkill& skill)
+{
+    if (enemy.team == self.team) {
+        return false;
+    }
+    if (!enemy.human) {
+        return !hasSpawnProtection(enemy);
+    }
+    const float distance = self.position.distanceSquared(enemy.position);
+    const auto nearer = std::count_if(view.ships.begin(), view.ships.end(), [&](const ShipView& friendly) {
+        return friendly.team == self.team && !friendly.human &&
+               friendly.position.distanceSquared(enemy.position) < distance;
+    });
+    return nearer < skill.packSize;
+}
+
+/// Whether a shot of the ship might hit a human whom its pilot is not fighting.
+bool endangersOthers(const Ship& self, const ShipView& target, const std::vector<ShipView>& ships)
+{
+    const Vector3 nose = noseOf(self.orientation);
+    return std::any_of(ships.begin(), ships.end(), [&](const ShipView& other) {
+        const Vector3 offset = other.position - self.position;
+        return other.human && other.team != self.team && other.id != target.id &&
+               nose.dotProduct(offset) > lineOfFire * offset.length();
+    });
 }
 
 float targetCost(const Ship& self, const ShipView& enemy, const BotView& view, const Vector3& centre)
 {
     const auto chasers = std::count_if(view.ships.begin(), view.ships.end(), [&](const ShipView& friendly) {
-        return friendly.team == self.team && friendly.id != self.id && isChasing(friendly, enemy);
+        return friendly.team == self.team && friendly.id != self.id &&
+               isBefore(friendly, enemy.position, chaseCone, chaseRange);
     });
     const float way =
         self.position.distance(enemy.position) + offCentreCost * centre.distance(enemy.position);
@@ -134,11 +180,15 @@ BotSkill drawSkill(Difficulty difficulty, Random& random)
         skill.aimPeriod = 0.9F;
         skill.dodgeShare = 0.3F;
         skill.burstPause = 3.5F;
+        skill.packSize = 1;
+        skill.stalkTime = 0.5F;
     } else if (difficulty == Difficulty::hard) {
         skill.aimError = 0.06F;
         skill.aimPeriod = 0.4F;
         skill.dodgeShare = 1.0F;
         skill.burstPause = 0.0F;
+        skill.packSize = 5;
+        skill.stalkTime = 1e6F;  // it never breaks off
     }
     const float clumsiness = random.between(0.75F, 1.25F);
     skill.aimError *= clumsiness;
@@ -151,12 +201,11 @@ BotSkill drawSkill(Difficulty difficulty, Random& random)
 
 Vector3 fightCentre(Team carrier, float time)
 {
-    constexpr Vector3 middle(500.0F, 45.0F, 190.0F);  // before red's bow; blue's has the opposite x
     constexpr float swing = 48.0F;                    // units to each side
     constexpr float period = 150.0F;                  // seconds for one swing to and fro
     const float phase = 2.0F * (time / period - std::floor(time / period)) - 1.0F;  // in [-1, 1)
     const float wave = 4.0F * phase * (1.0F - std::fabs(phase));                    // parabolas instead of a sine
-    return {(carrier == Team::blue ? -1.0F : 1.0F) * (middle.x + swing * wave), middle.y, middle.z};
+    return fightMiddle(carrier) + Vector3((carrier == Team::blue ? -swing : swing) * wave, 0.0F, 0.0F);
 }
 
 ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
@@ -166,13 +215,15 @@ ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
     reactToHit(self, random);
     chooseTarget(self, view, centre, random);
     const ShipView* enemy = findView(view.ships, target);
-    const bool engaged = enemy != nullptr && self.position.distance(enemy->position) < engageRange;
-    updateReturning(self, centre, engaged);
+    updateUnseen(self, enemy, view);
+    updateReturning(self, centre, enemy);
     ShipInput input;
     if (returning) {
         input = flyTowards(centre - self.position);
     } else if (breakAwayLeft > 0.0F || enemy == nullptr) {
         input = flyTowards(breakAwayDirection);
+    } else if (showsItself(*enemy)) {
+        input = passInFront(self, *enemy, view);
     } else {
         input = attack(self, *enemy, view, random);
     }
@@ -229,11 +280,11 @@ void Bot::chooseTarget(const Ship& self, const BotView& view, const Vector3& cen
     if (targetChoiceIn > 0.0F && findView(view.ships, target) != nullptr) {
         return;
     }
-    targetChoiceIn = random.between(2.0F, 4.0F);
-    target = noObject;
+    targetChoiceIn = random.between(1.5F, 3.0F);
+    const ObjectId before = std::exchange(target, noObject);
     float least = std::numeric_limits<float>::max();
     for (const ShipView& enemy : view.ships) {
-        if (enemy.team == self.team || hasSpawnProtection(enemy)) {
+        if (!mayTarget(self, enemy, view, skill)) {
             continue;
         }
         const float cost = targetCost(self, enemy, view, centre);
@@ -241,6 +292,9 @@ void Bot::chooseTarget(const Ship& self, const BotView& view, const Vector3& cen
             least = cost;
             target = enemy.id;
         }
+    }
+    if (target != before) {
+        unseenFor = skill.stalkTime;  // first it has to show itself
     }
 }
 
@@ -255,11 +309,36 @@ void Bot::startBreakAway(const Ship& self, Random& random)
 
 /// A bot that has left the fight flies back well inside before it fights again. It fights an enemy on its
 /// way, unless it is very far out.
-void Bot::updateReturning(const Ship& self, const Vector3& centre, bool engaged)
+void Bot::updateReturning(const Ship& self, const Vector3& centre, const ShipView* enemy)
 {
     const float limit = returning ? fightRadius * returnShare : fightRadius;
     const float distance = self.position.distance(centre);
-    returning = distance > limit && (!engaged || distance > 2.0F * fightRadius);
+    const bool engaged = enemy != nullptr && self.position.distance(enemy->position) < engageRange &&
+                         distance < (enemy->human ? humanLeash : 2.0F * fightRadius);
+    returning = distance > limit && !engaged;
+}
+
+void Bot::updateUnseen(const Ship& self, const ShipView* enemy, const BotView& view)
+{
+    const bool seen = enemy != nullptr && isBefore(*enemy, self.position, viewCone, viewRange);
+    unseenFor = seen ? 0.0F : unseenFor + view.dt;
+}
+
+bool Bot::showsItself(const ShipView& enemy) const
+{
+    return enemy.human && (hasSpawnProtection(enemy) || unseenFor > skill.stalkTime);
+}
+
+/// Flies to and fro before the human's nose, as fast as the human.
+ShipInput Bot::passInFront(const Ship& self, const ShipView& human, const BotView& view) const
+{
+    const float phase = view.time / showPeriod + static_cast<float>(ship % 8U) / 8.0F;
+    const float sway = showWidth * (4.0F * std::fabs(phase - std::floor(phase) - 0.5F) - 1.0F);
+    const Vector3 place = human.position + human.orientation.rotate(Vector3(sway, 0.0F, showDistance));
+    const Vector3 correction = human.velocity + (place - self.position) * approachRate - self.velocity;
+    ShipInput input = flyTowards(correction);
+    input.controls = control::forward;
+    return input;
 }
 
 ShipInput Bot::attack(const Ship& self, const ShipView& enemy, const BotView& view, Random& random)
@@ -271,7 +350,7 @@ ShipInput Bot::attack(const Ship& self, const ShipView& enemy, const BotView& vi
     input.orientation = lookAlong(aimDirection(self, enemy, view.rules.shotSpeed)) * aimError;
     input.controls = dodge | throttle(distance, closingSpeed);
     const bool onTarget = noseOf(self.orientation).dotProduct(noseOf(input.orientation)) > fireCone;
-    if (onTarget && burstLeft > 0.0F && distance < fireRange) {
+    if (onTarget && burstLeft > 0.0F && distance < fireRange && !endangersOthers(self, enemy, view.ships)) {
         input.controls |= control::fire;
     }
     if (distance < tooClose) {

@@ -40,6 +40,8 @@ struct BotSkill
     float breakAwayChance = 0.25F;  ///< when hit; in [0, 1]
     float dodgeShare = 0.6F;        ///< share of its fighting time in which it dodges sideways
     float burstPause = 1.8F;        ///< seconds between bursts of fire
+    int packSize = 2;               ///< bots of a team that turn on the same human
+    float stalkTime = 1.5F;         ///< seconds for which it attacks a human who no longer sees it
 };
 
 /// One bot's skill: the difficulty's, better or worse by up to a quarter.
@@ -53,7 +55,8 @@ Vector3 fightCentre(Team carrier, float time);
 ///
 /// It stays in the fight near one of the carriers, and prefers near enemies that few of its friends chase. It
 /// aims ahead of a moving enemy, dodges sideways, breaks away when it is hit or too close, and keeps clear of
-/// other ships. It spares ships that have just appeared, until they fire.
+/// other ships and the carriers' hulls. It spares ships that have just appeared. It weaves before the nose of
+/// a new human, and of one who has not seen it lately, before it attacks.
 class Bot
 {
 public:
@@ -78,6 +81,7 @@ private:
     float burstLeft = 0.0F;       ///< seconds of fire left; negative in the pause after it
     bool returning = false;       ///< flies back to the fight
     float lastHealth = 0.0F;
+    float unseenFor = 0.0F;  ///< seconds since its target looked towards it
     std::uint32_t dodge = 0;  ///< the control held for it, or 0
     Quaternion aimError;
     Vector3 breakAwayDirection = Vector3(0, 0, 1);
@@ -88,7 +92,10 @@ private:
     void reactToHit(const Ship& self, Random& random);
     void chooseTarget(const Ship& self, const BotView& view, const Vector3& centre, Random& random);
     void startBreakAway(const Ship& self, Random& random);
-    void updateReturning(const Ship& self, const Vector3& centre, bool engaged);
+    void updateReturning(const Ship& self, const Vector3& centre, const ShipView* enemy);
+    void updateUnseen(const Ship& self, const ShipView* enemy, const BotView& view);
+    bool showsItself(const ShipView& enemy) const;
+    ShipInput passInFront(const Ship& self, const ShipView& human, const BotView& view) const;
     ShipInput attack(const Ship& self, const ShipView& enemy, const BotView& view, Random& random);
     ShipInput flyTowards(const Vector3& direction) const;
 };

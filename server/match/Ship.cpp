@@ -1,5 +1,7 @@
 #include "server/match/Ship.h"
 
+#include "server/match/Hull.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -57,15 +59,24 @@ Vector3 limited(const Vector3& v, float longest)
     return length > longest ? v * (longest / length) : v;
 }
 
-/// The acceleration by the border: zero inside, growing with the distance outside.
-Vector3 borderPush(const Vector3& position, const Rules& rules)
+/// The border's push on a ship that thrusts as given. It grows with the distance outside. It lasts until the
+/// ship is back at a fight, or inside and its pilot steers there too.
+Vector3 borderPush(Ship& ship, const Vector3& thrust, const Rules& rules)
 {
-    const float distance = position.length();
-    const float excess = distance - rules.borderRadius;
-    return excess > 0.0F ? position * (-excess * rules.borderSpring / distance) : Vector3();
+    const float excess = ship.position.length() - rules.borderRadius;
+    Vector3 home = fightMiddle(ship.position.x < 0.0F ? Team::blue : Team::red) - ship.position;
+    const float distance = home.length();
+    home.normalise();
+    if (excess > 0.0F) {
+        ship.borderGrip = std::max(ship.borderGrip, std::min(excess / rules.borderDepth, 1.0F));
+    } else if (distance < rules.returnRadius || thrust.dotProduct(home) > 0.0F) {
+        ship.borderGrip = 0.0F;
+    }
+    const bool isReturning = ship.velocity.dotProduct(home) >= rules.returnSpeed;
+    return isReturning ? Vector3() : home * (rules.borderPush * ship.borderGrip);
 }
 
-/// Stops a ship at the border's limit. The default rules' spring never lets a ship get that far.
+/// Stops a ship at the border's limit. The default rules' push never lets a ship get that far.
 void stayInside(Ship& ship, const Rules& rules)
 {
     const float distance = ship.position.length();
@@ -80,15 +91,30 @@ void stayInside(Ship& ship, const Rules& rules)
     }
 }
 
+/// Moves a ship out of a hull and takes the speed towards the hull away.
+void slideAlongHulls(Ship& ship, const Rules& rules)
+{
+    Vector3 out = wayOutOfHulls(ship.position, rules.shipRadius);
+    ship.position += out;
+    out.normalise();
+    ship.velocity -= out * std::min(ship.velocity.dotProduct(out), 0.0F);
+}
+
 }  // namespace
+
+Vector3 fightMiddle(Team carrier)
+{
+    return {carrier == Team::blue ? -500.0F : 500.0F, 45.0F, 190.0F};
+}
 
 void flyShip(Ship& ship, const Rules& rules, float dt)
 {
     ship.orientation = turnTowards(ship.orientation, ship.input.orientation, rules.turnRate * dt);
     const Vector3 push = ship.orientation.rotate(thrustDirection(ship.input.controls)) * rules.thrust;
-    ship.velocity += (push + borderPush(ship.position, rules)) * dt;
+    ship.velocity += (push + borderPush(ship, push, rules)) * dt;
     ship.velocity = limited(ship.velocity * (1.0F - rules.damping * dt), rules.maxSpeed);
     ship.position += ship.velocity * dt;
+    slideAlongHulls(ship, rules);
     stayInside(ship, rules);
 }
 

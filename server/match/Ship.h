@@ -56,10 +56,15 @@ struct Ship
     float sinceSpawn = 0.0F;   ///< seconds since it last appeared
     bool firstLife = true;     ///< in its first life of its first match
     bool firedInLife = false;  ///< has fired since it last appeared
+    float borderGrip = 0.0F;   ///< share of the border's full push on the ship; in [0, 1]
+    Team fightsAt = Team::red; ///< the carrier near which a bot fights
     ShipInput input;
 };
 
-/// Moves a ship by one step of `dt` seconds: turn, thrust, damping, speed limit, border.
+/// The middle of the fight near a team's carrier, before the carrier's bow.
+Vector3 fightMiddle(Team carrier);
+
+/// Moves a ship by one step of `dt` seconds: turn, thrust, damping, speed limit, border, hulls.
 void flyShip(Ship& ship, const Rules& rules, float dt);
 
 /// A turn about a unit axis by at most half a radian.

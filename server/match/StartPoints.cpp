@@ -1,16 +1,20 @@
 #include "server/match/StartPoints.h"
 
+#include "server/match/Hull.h"
+
 #include <algorithm>
 
 namespace practice {
 
 namespace {
 
+constexpr float hullClearance = 4.5F;  ///< units; the fixed points lie 5 above the decks
+constexpr Vector3 patrolBox(110.0F, 70.0F, 110.0F);
 constexpr float spacing = 14.0F;  ///< units between ships that have just started; a ship is 4 long
 
 bool isClear(const Vector3& place, const std::vector<Ship>& ships)
 {
-    return std::none_of(ships.begin(), ships.end(), [&](const Ship& other) {
+    return wayOutOfHulls(place, hullClearance) == Vector3() && std::none_of(ships.begin(), ships.end(), [&](const Ship& other) {
         return other.alive && place.distanceSquared(other.position) < spacing * spacing;
     });
 }
@@ -65,6 +69,15 @@ Vector3 StartPoints::next(Team team, const std::vector<Ship>& ships, Random& ran
         start = General::gridCell(General::gridCentre, General::gridBox, slot, cellsAlongX(ships.size()));
     }
     return clearPlace(start, ships);
+}
+
+Vector3 StartPoints::onPatrol(const Vector3& middle, Team team, const std::vector<Ship>& ships, Random& random)
+{
+    if (mode == General::GRID) {
+        return next(team, ships, random);
+    }
+    Random own(random.next());
+    return clearPlace(randomPoint(middle, patrolBox, own), ships);
 }
 
 }  // namespace practice

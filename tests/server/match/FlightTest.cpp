@@ -61,7 +61,7 @@ TEST(Flight, AShipTurnsTheShortWayAtItsRate)
 TEST(Flight, TheBorderHoldsShips)
 {
     Rules noSpring;
-    noSpring.borderSpring = 0.0F;
+    noSpring.borderPush = 0.0F;
     Ship soft = shipWith(control::forward, lookAlong({0.3F, 0.5F, -0.8F}));
     Ship hard = soft;
     for (int i = 0; i < 60 * 60; ++i) {
