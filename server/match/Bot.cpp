@@ -32,7 +32,7 @@ constexpr float chaseCone = 0.97F;     ///< cosine of 14 degrees: a ship chases 
 constexpr float chaseRange = 200.0F;
 
 // How a bot shows itself to a human.
-constexpr float showDistance = 60.0F;   ///< before the human's nose
+constexpr float showDistance = 70.0F;   ///< before the human's nose
 constexpr float showWidth = 22.0F;      ///< to each side of it
 constexpr float showPeriod = 5.0F;      ///< seconds for one turn to and fro
 constexpr float viewRange = 95.0F;      ///< within it a human can tell a ship from a star
@@ -112,7 +112,7 @@ bool mayTarget(const Ship& self, const ShipView& enemy, const BotView& view, con
         return friendly.team == self.team && !friendly.human &&
                friendly.position.distanceSquared(enemy.position) < distance;
     });
-    return nearer < skill.packSize;
+    return nearer < skill.packSize + (hasSpawnProtection(enemy) ? 1 : 0);
 }
 
 /// Whether a shot of the ship might hit a human whom its pilot is not fighting.
@@ -220,7 +220,7 @@ ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
     ShipInput input;
     if (returning) {
         input = flyTowards(centre - self.position);
-    } else if (breakAwayLeft > 0.0F || enemy == nullptr) {
+    } else if (enemy == nullptr || (breakAwayLeft > 0.0F && !hasSpawnProtection(*enemy))) {
         input = flyTowards(breakAwayDirection);
     } else if (showsItself(*enemy)) {
         input = passInFront(self, *enemy, view);
@@ -277,7 +277,10 @@ void Bot::reactToHit(const Ship& self, Random& random)
 
 void Bot::chooseTarget(const Ship& self, const BotView& view, const Vector3& centre, Random& random)
 {
-    if (targetChoiceIn > 0.0F && findView(view.ships, target) != nullptr) {
+    const bool humanAppeared = std::any_of(view.ships.begin(), view.ships.end(), [&](const ShipView& other) {
+        return other.human && other.sinceSpawn < view.dt;
+    });
+    if (targetChoiceIn > 0.0F && !humanAppeared && findView(view.ships, target) != nullptr) {
         return;
     }
     targetChoiceIn = random.between(1.5F, 3.0F);
@@ -336,9 +339,9 @@ ShipInput Bot::passInFront(const Ship& self, const ShipView& human, const BotVie
     const float sway = showWidth * (4.0F * std::fabs(phase - std::floor(phase) - 0.5F) - 1.0F);
     const Vector3 place = human.position + human.orientation.rotate(Vector3(sway, 0.0F, showDistance));
     const Vector3 correction = human.velocity + (place - self.position) * approachRate - self.velocity;
-    ShipInput input = flyTowards(correction);
-    input.controls = control::forward;
-    return input;
+    const bool near = self.position.distanceSquared(human.position) < viewRange * viewRange;
+    const Quaternion orientation = near ? lookAlong(noseOf(human.orientation)) : lookAlong(correction);
+    return {orientation, controlsTowards(correction, self.orientation)};
 }
 
 ShipInput Bot::attack(const Ship& self, const ShipView& enemy, const BotView& view, Random& random)

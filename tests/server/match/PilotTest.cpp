@@ -220,3 +220,23 @@ TEST(Pilots, Balance)
     }
     std::printf("wins red %d blue %d, kills red %d blue %d\n", wins[0], wins[1], total[0], total[1]);
 }
+
+TEST(Pilots, Trace)
+{
+    const char* text = std::getenv("SEED");
+    Flight f(text ? static_cast<unsigned>(std::atoi(text)) : 1, Difficulty::normal);
+    for (int i = 0; i < 15 * 60; ++i) {
+        f.match.setInput(f.human, {Quaternion(), i >= 240 ? control::forward | control::fire : 0U});
+        f.step();
+        if (i % 30 == 0) {
+            std::printf("%4.1f z %5.0f seen %.1f:", (double)f.time, (double)f.self().position.z, (double)f.seenTime);
+            for (const Ship& s : f.match.allShips()) {
+                const Vector3 o = s.position - f.self().position;
+                if (s.team == Team::red && s.alive && o.length() < 300) {
+                    std::printf("  %s(%.0f %.0f %.0f)%s", s.name.substr(0, 3).c_str(), (double)o.x, (double)o.y, (double)o.z, f.inView(s, 100) ? "*" : "");
+                }
+            }
+            std::printf("\n");
+        }
+    }
+}
