@@ -27,6 +27,16 @@ constexpr std::array<Box, 6> hull = {{
     {{-64, -30, -170}, {64, -8, -20}},   // pods and their pylons
 }};
 
+/// A sphere around all of it, to tell quickly what is far away.
+constexpr Vector3 hullMiddle(0.0F, 5.0F, -30.0F);
+constexpr float hullReach = 200.0F;
+
+bool isFar(const Vector3& place, float distance)
+{
+    const float reach = hullReach + distance;
+    return place.distanceSquared(hullMiddle) > reach * reach;
+}
+
 const Vector3& nearestBase(const Vector3& place)
 {
     return place.x < 0.0F ? General::blueBase : General::redBase;
@@ -80,6 +90,9 @@ void clip(float from, float motion, float low, float high, float& enter, float& 
 Vector3 wayOutOfHulls(const Vector3& centre, float radius)
 {
     const Vector3 start = centre - nearestBase(centre);
+    if (isFar(start, radius)) {
+        return {};
+    }
     Vector3 place = start;
     for (const Box& box : hull) {
         place += wayOut(box, place, radius);
@@ -91,6 +104,9 @@ std::optional<float> hullContact(const Vector3& from, const Vector3& motion)
 {
     const Vector3 start = from - nearestBase(from);
     std::optional<float> earliest;
+    if (isFar(start, motion.length())) {
+        return earliest;
+    }
     for (const Box& box : hull) {
         float enter = 0.0F;
         float leave = 1.0F;
