@@ -32,17 +32,15 @@ constexpr float chaseCone = 0.97F;     ///< cosine of 14 degrees: a ship chases 
 constexpr float chaseRange = 200.0F;
 
 // How a bot shows itself to a human.
-constexpr float showDistance = 70.0F;   ///< before the human's nose
-constexpr float showWidth = 22.0F;      ///< to each side of it
-constexpr float showPeriod = 5.0F;      ///< seconds for one turn to and fro
-constexpr float viewRange = 95.0F;      ///< within it a human can tell a ship from a star
-constexpr float viewCone = 0.9F;        ///< cosine of 26 degrees: before a human's eyes
-constexpr float humanLeash = 450.0F;    ///< from a fight's centre; so far a bot follows a human
-constexpr float lineOfFire = 0.985F;    ///< cosine of 10 degrees: others there might be hit
+constexpr float showDistance = 70.0F;  ///< before the human's nose
+constexpr float showWidth = 22.0F;     ///< to each side of it
+constexpr float showPeriod = 5.0F;     ///< seconds for one turn to and fro
+constexpr float viewRange = 95.0F;     ///< within it a human can tell a ship from a star
+constexpr float viewCone = 0.9F;       ///< cosine of 26 degrees: before a human's eyes
+constexpr float humanLeash = 450.0F;   ///< from a fight's centre; so far a bot follows a human
+constexpr float lineOfFire = 0.985F;   ///< cosine of 10 degrees: others there might be hit
 
-// Seconds of spawn protection.
-constexpr float newcomerProtection = 22.0F;  ///< of a human's first life, also while it fires: time to look around
-constexpr float respawnProtection = 4.0F;    ///< until the ship fires
+constexpr float respawnProtection = 4.0F;  ///< seconds, until the ship fires
 
 constexpr float hullMargin = 25.0F;    ///< kept from the carriers' hulls ...
 constexpr float hullLookAhead = 0.8F;  ///< ... at the place to be reached in so many seconds
@@ -82,15 +80,16 @@ const ShipView* findView(const std::vector<ShipView>& ships, ObjectId id)
     return found == ships.end() ? nullptr : &*found;
 }
 
-/// Bots do not fire at a ship that has just appeared.
-bool hasSpawnProtection(const ShipView& ship)
+/// Bots do not fire at a ship that has just appeared. A human's first life is spared also while it fires.
+bool hasSpawnProtection(const ShipView& ship, const BotSkill& skill)
 {
     if (ship.human && ship.firstLife) {
-        return ship.sinceSpawn <= newcomerProtection;
+        return ship.sinceSpawn <= skill.newcomerProtection;
     }
     return !ship.firedInLife && ship.sinceSpawn <= respawnProtection;
 }
 
+/// Whether a place lies within range before a ship's nose. `cone` is the cosine of the widest angle.
 bool isBefore(const ShipView& ship, const Vector3& place, float cone, float range)
 {
     const Vector3 offset = place - ship.position;
@@ -105,14 +104,14 @@ bool mayTarget(const Ship& self, const ShipView& enemy, const BotView& view, con
         return false;
     }
     if (!enemy.human) {
-        return !hasSpawnProtection(enemy);
+        return !hasSpawnProtection(enemy, skill);
     }
     const float distance = self.position.distanceSquared(enemy.position);
     const auto nearer = std::count_if(view.ships.begin(), view.ships.end(), [&](const ShipView& friendly) {
         return friendly.team == self.team && !friendly.human &&
                friendly.position.distanceSquared(enemy.position) < distance;
     });
-    return nearer < skill.packSize + (hasSpawnProtection(enemy) ? 1 : 0);
+    return nearer < skill.packSize + (hasSpawnProtection(enemy, skill) ? 1 : 0);
 }
 
 /// Whether a shot of the ship might hit a human whom its pilot is not fighting.
@@ -183,11 +182,12 @@ BotSkill drawSkill(Difficulty difficulty, Random& random)
         skill.packSize = 1;
         skill.stalkTime = 0.5F;
     } else if (difficulty == Difficulty::hard) {
-        skill.aimError = 0.06F;
+        skill.aimError = 0.035F;
         skill.aimPeriod = 0.4F;
         skill.dodgeShare = 1.0F;
         skill.burstPause = 0.0F;
-        skill.packSize = 5;
+        skill.packSize = 8;
+        skill.newcomerProtection = 8.0F;
         skill.stalkTime = 1e6F;  // it never breaks off
     }
     const float clumsiness = random.between(0.75F, 1.25F);
@@ -201,16 +201,16 @@ BotSkill drawSkill(Difficulty difficulty, Random& random)
 
 Vector3 fightCentre(Team carrier, float time)
 {
-    constexpr float swing = 48.0F;                    // units to each side
-    constexpr float period = 150.0F;                  // seconds for one swing to and fro
+    constexpr float swing = 48.0F;    // units to each side
+    constexpr float period = 150.0F;  // seconds for one swing to and fro
     const float phase = 2.0F * (time / period - std::floor(time / period)) - 1.0F;  // in [-1, 1)
-    const float wave = 4.0F * phase * (1.0F - std::fabs(phase));                    // parabolas instead of a sine
+    const float wave = 4.0F * phase * (1.0F - std::fabs(phase));  // parabolas instead of a sine
     return fightMiddle(carrier) + Vector3((carrier == Team::blue ? -swing : swing) * wave, 0.0F, 0.0F);
 }
 
 ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
 {
-    const Vector3 centre = fightCentre(carrier, view.time);
+    const Vector3 centre = fightCentre(self.fightsAt, view.time);
     updateTimers(view, random);
     reactToHit(self, random);
     chooseTarget(self, view, centre, random);
@@ -220,7 +220,7 @@ ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
     ShipInput input;
     if (returning) {
         input = flyTowards(centre - self.position);
-    } else if (enemy == nullptr || (breakAwayLeft > 0.0F && !hasSpawnProtection(*enemy))) {
+    } else if (enemy == nullptr || (breakAwayLeft > 0.0F && !hasSpawnProtection(*enemy, skill))) {
         input = flyTowards(breakAwayDirection);
     } else if (showsItself(*enemy)) {
         input = passInFront(self, *enemy, view);
@@ -278,7 +278,7 @@ void Bot::reactToHit(const Ship& self, Random& random)
 void Bot::chooseTarget(const Ship& self, const BotView& view, const Vector3& centre, Random& random)
 {
     const bool humanAppeared = std::any_of(view.ships.begin(), view.ships.end(), [&](const ShipView& other) {
-        return other.human && other.sinceSpawn < view.dt;
+        return other.human && other.team != self.team && other.sinceSpawn < view.dt;
     });
     if (targetChoiceIn > 0.0F && !humanAppeared && findView(view.ships, target) != nullptr) {
         return;
@@ -329,7 +329,7 @@ void Bot::updateUnseen(const Ship& self, const ShipView* enemy, const BotView& v
 
 bool Bot::showsItself(const ShipView& enemy) const
 {
-    return enemy.human && (hasSpawnProtection(enemy) || unseenFor > skill.stalkTime);
+    return enemy.human && (hasSpawnProtection(enemy, skill) || unseenFor > skill.stalkTime);
 }
 
 /// Flies to and fro before the human's nose, as fast as the human.

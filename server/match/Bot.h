@@ -41,7 +41,9 @@ struct BotSkill
     float dodgeShare = 0.6F;        ///< share of its fighting time in which it dodges sideways
     float burstPause = 1.8F;        ///< seconds between bursts of fire
     int packSize = 2;               ///< bots of a team that turn on the same human
-    float stalkTime = 1.5F;         ///< seconds for which it attacks a human who no longer sees it
+    float stalkTime = 2.0F;         ///< seconds for which it attacks a human who no longer sees it
+    float newcomerProtection =
+        22.0F;  ///< seconds for which it spares a human's first life, also while that fires
 };
 
 /// One bot's skill: the difficulty's, better or worse by up to a quarter.
@@ -60,9 +62,7 @@ Vector3 fightCentre(Team carrier, float time);
 class Bot
 {
 public:
-    Bot(ObjectId ship_, Team carrier_, const BotSkill& skill_) : ship(ship_), carrier(carrier_), skill(skill_)
-    {
-    }
+    Bot(ObjectId ship_, const BotSkill& skill_) : ship(ship_), skill(skill_) {}
 
     ObjectId shipId() const { return ship; }
 
@@ -71,7 +71,6 @@ public:
 
 private:
     ObjectId ship;
-    Team carrier;  ///< it fights near this team's carrier
     BotSkill skill;
     ObjectId target = noObject;
     float targetChoiceIn = 0.0F;  ///< seconds until it chooses a target again
@@ -81,7 +80,7 @@ private:
     float burstLeft = 0.0F;       ///< seconds of fire left; negative in the pause after it
     bool returning = false;       ///< flies back to the fight
     float lastHealth = 0.0F;
-    float unseenFor = 0.0F;  ///< seconds since its target looked towards it
+    float unseenFor = 0.0F;   ///< seconds since its target looked towards it
     std::uint32_t dodge = 0;  ///< the control held for it, or 0
     Quaternion aimError;
     Vector3 breakAwayDirection = Vector3(0, 0, 1);

@@ -19,12 +19,12 @@ struct Box
 /// World units from the base, bow along +z; both sides are alike. tools/art/carrier.py has the same parts
 /// at heights 13 greater and, along the hull, 64 greater.
 constexpr std::array<Box, 6> hull = {{
-    {{-40, -39, -206}, {40, -1, -38}},   // aft, with the engines
-    {{-31, -33, -38}, {31, -5, 30}},     // amidships
-    {{-20, -24, -38}, {20, -5, 148}},    // deck, bow and catapult
-    {{-27, -5, -160}, {27, 19, -38}},    // hangar
-    {{-15, 18, -126}, {15, 51, -82}},    // bridge
-    {{-64, -30, -170}, {64, -8, -20}},   // pods and their pylons
+    {{-40, -39, -206}, {40, -1, -38}},  // aft, with the engines
+    {{-31, -33, -38}, {31, -5, 30}},    // amidships
+    {{-20, -24, -38}, {20, -5, 148}},   // deck, bow and catapult
+    {{-27, -5, -160}, {27, 19, -38}},   // hangar
+    {{-15, 18, -126}, {15, 51, -82}},   // bridge
+    {{-64, -30, -170}, {64, -8, -20}},  // pods and their pylons
 }};
 
 /// A sphere around all of it, to tell quickly what is far away.

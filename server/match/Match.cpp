@@ -38,7 +38,8 @@ Match::Match(const MatchSettings& settings_, const Rules& rules_)
 ObjectId Match::addHuman()
 {
     ++humansJoined;
-    return addShip(smallerTeam(), true, "Pilot " + std::to_string(humansJoined), Team::red);
+    const Team team = smallerTeam();
+    return addShip(team, true, "Pilot " + std::to_string(humansJoined), team);
 }
 
 /// Three of eight bots defend their own carrier. More attack: they die more often and have a long way back.
@@ -49,7 +50,7 @@ ObjectId Match::addBot()
     const bool isDefender = index / 2 % 8 % 3 == 0;
     const Team carrier = isDefender == (team == Team::blue) ? Team::blue : Team::red;
     const ObjectId id = addShip(team, false, botName(index), carrier);
-    bots.emplace_back(id, carrier, drawSkill(settings.difficulty, random));
+    bots.emplace_back(id, drawSkill(settings.difficulty, random));
     return id;
 }
 

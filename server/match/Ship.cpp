@@ -42,13 +42,13 @@ Quaternion turnTowards(const Quaternion& from, const Quaternion& to, float maxAn
     if (between.w < 0.0F) {  // the same orientation by the longer arc
         between = -between;
     }
-    const Vector3 axis(between.x, between.y, between.z);
-    const float sine = axis.length();  // of half the angle between them, as between.w is the cosine
+    const Vector3 vector(between.x, between.y, between.z);
+    const float sine = vector.length();  // of half the angle between them, as between.w is the cosine
     const float tangent = tangentOfSmall(maxAngle / 2.0F);
     if (sine <= tangent * between.w) {
         return to;
     }
-    Quaternion turned = from * Quaternion(1.0F, axis * (tangent / sine));
+    Quaternion turned = from * Quaternion(1.0F, vector * (tangent / sine));
     turned.normalise();
     return turned;
 }
@@ -132,7 +132,8 @@ Quaternion lookAlong(const Vector3& direction)
     const float ground = std::sqrt(direction.x * direction.x + direction.z * direction.z);
     Quaternion yaw(ground + direction.z, 0.0F, direction.x, 0.0F);
     if (direction.z < 0.0F) {  // the same turn, without the difference of two nearly equal numbers
-        yaw = Quaternion(std::fabs(direction.x), 0.0F, std::copysign(ground - direction.z, direction.x), 0.0F);
+        yaw =
+            Quaternion(std::fabs(direction.x), 0.0F, std::copysign(ground - direction.z, direction.x), 0.0F);
     }
     if (ground == 0.0F) {
         yaw = Quaternion();
@@ -144,7 +145,8 @@ Quaternion lookAlong(const Vector3& direction)
 
 Vector3 noseOf(const Quaternion& orientation)
 {
-    return orientation.rotate(Vector3(0, 0, 1));
+    const auto& [w, x, y, z] = orientation;
+    return {2.0F * (x * z + w * y), 2.0F * (y * z - w * x), 2.0F * (w * w + z * z) - 1.0F};
 }
 
 }  // namespace practice

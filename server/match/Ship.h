@@ -49,15 +49,15 @@ struct Ship
     Vector3 velocity;  ///< units/s
     Quaternion orientation;
     float health = 0.0F;
-    std::int32_t score = 0;    ///< kills of this match
-    std::int32_t deaths = 0;   ///< in this match
-    float reload = 0.0F;       ///< seconds until it may fire again
-    float respawnIn = 0.0F;    ///< seconds until a dead ship returns
-    float sinceSpawn = 0.0F;   ///< seconds since it last appeared
-    bool firstLife = true;     ///< in its first life of its first match
-    bool firedInLife = false;  ///< has fired since it last appeared
-    float borderGrip = 0.0F;   ///< share of the border's full push on the ship; in [0, 1]
-    Team fightsAt = Team::red; ///< the carrier near which a bot fights
+    std::int32_t score = 0;     ///< kills of this match
+    std::int32_t deaths = 0;    ///< in this match
+    float reload = 0.0F;        ///< seconds until it may fire again
+    float respawnIn = 0.0F;     ///< seconds until a dead ship returns
+    float sinceSpawn = 0.0F;    ///< seconds since it last appeared
+    bool firstLife = true;      ///< in its first life of its first match
+    bool firedInLife = false;   ///< has fired since it last appeared
+    float borderGrip = 0.0F;    ///< share of the border's full push on the ship; in [0, 1]
+    Team fightsAt = Team::red;  ///< a bot fights near this team's carrier
     ShipInput input;
 };
 

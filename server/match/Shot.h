@@ -21,8 +21,8 @@ struct Shot
 Shot shotFrom(const Ship& ship, ObjectId id, const Rules& rules);
 
 /// The ship that the shot meets first in the step of `dt` seconds, or null. The ships have moved in this step
-/// already, the shot has not. A shot never hits its shooter, and its own team only under friendly fire. `end` is the
-/// share of the step at which something else stops the shot.
+/// already, the shot has not. A shot never hits its shooter, and its own team only under friendly fire. `end`
+/// is the share of the step at which something else stops the shot.
 Ship* firstHit(const Shot& shot, std::vector<Ship>& ships, const Rules& rules, bool friendlyFire, float dt,
                std::optional<float> end);
 

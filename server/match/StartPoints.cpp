@@ -14,9 +14,10 @@ constexpr float spacing = 14.0F;  ///< units between ships that have just starte
 
 bool isClear(const Vector3& place, const std::vector<Ship>& ships)
 {
-    return wayOutOfHulls(place, hullClearance) == Vector3() && std::none_of(ships.begin(), ships.end(), [&](const Ship& other) {
-        return other.alive && place.distanceSquared(other.position) < spacing * spacing;
-    });
+    return wayOutOfHulls(place, hullClearance) == Vector3() &&
+           std::none_of(ships.begin(), ships.end(), [&](const Ship& other) {
+               return other.alive && place.distanceSquared(other.position) < spacing * spacing;
+           });
 }
 
 /// Tries rows along the runway, that is along +z, until it ends. Each next row lies above.
@@ -42,7 +43,8 @@ Vector3 randomPoint(const Vector3& centre, const Vector3& size, Random& random)
     return centre + Vector3(size.x * x, size.y * y, size.z * z);
 }
 
-/// The grid's cells along x, as many as in a grid of the client, whose `pow` is not the same on every machine.
+/// The grid's cells along x, as many as in a grid of the client, whose `pow` is not the same on every
+/// machine.
 int cellsAlongX(std::size_t players)
 {
     const Vector3 box = General::gridBox;
@@ -71,7 +73,8 @@ Vector3 StartPoints::next(Team team, const std::vector<Ship>& ships, Random& ran
     return clearPlace(start, ships);
 }
 
-Vector3 StartPoints::onPatrol(const Vector3& middle, Team team, const std::vector<Ship>& ships, Random& random)
+Vector3 StartPoints::onPatrol(const Vector3& middle, Team team, const std::vector<Ship>& ships,
+                              Random& random)
 {
     if (mode == General::GRID) {
         return next(team, ships, random);

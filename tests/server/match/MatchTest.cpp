@@ -1,5 +1,6 @@
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "network/Framing.h"
+#include "server/match/Hull.h"
 #include "server/match/Match.h"
 #include "server/net/MatchBroadcast.h"
 #include "server/net/MeasurementLog.h"
@@ -186,6 +187,17 @@ TEST(Match, OneMatchFollowsAnother)
     game.expectTranscript("matches");
 }
 
+TEST(Match, ACarrierStopsShots)
+{
+    Game game(twoKills);
+    const ObjectId shooter = game.place({-500, 30, -200});
+    const ObjectId enemy = game.place({-500, 30, 0}, 5.0F);  // behind the bridge
+    game.fireOnce(shooter);
+    game.step(40);
+    EXPECT_TRUE(game.match.allShots().empty());
+    EXPECT_TRUE(game.match.findShip(enemy)->alive);
+}
+
 TEST(StartPoints, KeepShipsApartInEveryMode)
 {
     const struct
@@ -194,7 +206,7 @@ TEST(StartPoints, KeepShipsApartInEveryMode)
         float leastDistance;
         float reach;  ///< from the team's base
     } cases[] = {
-        {General::FIXED, 13.9F, 99.0F}, {General::RANDOM, 13.9F, 75.0F}, {General::GRID, 60.0F, 850.0F}};
+        {General::FIXED, 13.9F, 99.0F}, {General::RANDOM, 13.9F, 140.0F}, {General::GRID, 60.0F, 850.0F}};
     for (const auto& c : cases) {
         Random random(1);
         Random same(1);
@@ -208,6 +220,7 @@ TEST(StartPoints, KeepShipsApartInEveryMode)
             EXPECT_EQ(start, again.next(team, ships, same)) << "same seed, same place";
             EXPECT_EQ(start.x == base.x, c.mode == General::FIXED);
             EXPECT_LT(start.distance(base), c.reach);
+            EXPECT_EQ(wayOutOfHulls(start, 4.0F), Vector3()) << start.toString();
             EXPECT_GT(distanceToLiving(ships, start), c.leastDistance) << c.mode;
             ships[i].position = start;
             ships[i].alive = true;
