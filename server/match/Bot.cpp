@@ -38,7 +38,6 @@ constexpr float showPeriod = 5.0F;     ///< seconds for one turn to and fro
 constexpr float viewRange = 95.0F;     ///< within it a human can tell a ship from a star
 constexpr float viewCone = 0.9F;       ///< cosine of 26 degrees: before a human's eyes
 constexpr float humanLeash = 450.0F;   ///< from a fight's centre; so far a bot follows a human
-constexpr float lineOfFire = 0.985F;   ///< cosine of 10 degrees: others there might be hit
 
 constexpr float respawnProtection = 4.0F;  ///< seconds, until the ship fires
 
@@ -112,17 +111,6 @@ bool mayTarget(const Ship& self, const ShipView& enemy, const BotView& view, con
                friendly.position.distanceSquared(enemy.position) < distance;
     });
     return nearer < skill.packSize + (hasSpawnProtection(enemy, skill) ? 1 : 0);
-}
-
-/// Whether a shot of the ship might hit a human whom its pilot is not fighting.
-bool endangersOthers(const Ship& self, const ShipView& target, const std::vector<ShipView>& ships)
-{
-    const Vector3 nose = noseOf(self.orientation);
-    return std::any_of(ships.begin(), ships.end(), [&](const ShipView& other) {
-        const Vector3 offset = other.position - self.position;
-        return other.human && other.team != self.team && other.id != target.id &&
-               nose.dotProduct(offset) > lineOfFire * offset.length();
-    });
 }
 
 float targetCost(const Ship& self, const ShipView& enemy, const BotView& view, const Vector3& centre)
@@ -353,7 +341,7 @@ ShipInput Bot::attack(const Ship& self, const ShipView& enemy, const BotView& vi
     input.orientation = lookAlong(aimDirection(self, enemy, view.rules.shotSpeed)) * aimError;
     input.controls = dodge | throttle(distance, closingSpeed);
     const bool onTarget = noseOf(self.orientation).dotProduct(noseOf(input.orientation)) > fireCone;
-    if (onTarget && burstLeft > 0.0F && distance < fireRange && !endangersOthers(self, enemy, view.ships)) {
+    if (onTarget && burstLeft > 0.0F && distance < fireRange) {
         input.controls |= control::fire;
     }
     if (distance < tooClose) {

@@ -27,49 +27,25 @@ constexpr std::array<Box, 6> hull = {{
     {{-64, -30, -170}, {64, -8, -20}},  // pods and their pylons
 }};
 
-/// A sphere around all of it, to tell quickly what is far away.
-constexpr Vector3 hullMiddle(0.0F, 5.0F, -30.0F);
-constexpr float hullReach = 200.0F;
-
-bool isFar(const Vector3& place, float distance)
-{
-    const float reach = hullReach + distance;
-    return place.distanceSquared(hullMiddle) > reach * reach;
-}
-
 const Vector3& nearestBase(const Vector3& place)
 {
     return place.x < 0.0F ? General::blueBase : General::redBase;
 }
 
-/// The way from the nearest face of a box to a sphere's centre inside, lengthened by the radius.
-Vector3 wayThroughNearestFace(const Box& box, const Vector3& centre, float radius)
-{
-    const Vector3 toLow = centre - box.low;
-    const Vector3 toHigh = box.high - centre;
-    const float x = std::min(toLow.x, toHigh.x);
-    const float y = std::min(toLow.y, toHigh.y);
-    const float z = std::min(toLow.z, toHigh.z);
-    if (y <= x && y <= z) {
-        return {0.0F, toHigh.y <= toLow.y ? y + radius : -y - radius, 0.0F};
-    }
-    if (x <= z) {
-        return {toHigh.x <= toLow.x ? x + radius : -x - radius, 0.0F, 0.0F};
-    }
-    return {0.0F, 0.0F, toHigh.z <= toLow.z ? z + radius : -z - radius};
-}
-
+/// The way by which a sphere leaves a box. A centre inside the box moves away from the box's middle.
 Vector3 wayOut(const Box& box, const Vector3& centre, float radius)
 {
     const Vector3 nearest(std::clamp(centre.x, box.low.x, box.high.x),
                           std::clamp(centre.y, box.low.y, box.high.y),
                           std::clamp(centre.z, box.low.z, box.high.z));
-    const Vector3 gap = centre - nearest;
+    Vector3 gap = centre - nearest;
     const float distance = gap.length();
     if (distance >= radius) {
         return {};
     }
-    return distance > 0.0F ? gap * (radius / distance - 1.0F) : wayThroughNearestFace(box, centre, radius);
+    gap = distance > 0.0F ? gap : centre - (box.low + box.high) * 0.5F;
+    gap.normalise();
+    return gap * (radius - distance);
 }
 
 /// Narrows the span in which a motion is between two parallel planes.
@@ -90,9 +66,6 @@ void clip(float from, float motion, float low, float high, float& enter, float& 
 Vector3 wayOutOfHulls(const Vector3& centre, float radius)
 {
     const Vector3 start = centre - nearestBase(centre);
-    if (isFar(start, radius)) {
-        return {};
-    }
     Vector3 place = start;
     for (const Box& box : hull) {
         place += wayOut(box, place, radius);
@@ -104,9 +77,6 @@ std::optional<float> hullContact(const Vector3& from, const Vector3& motion)
 {
     const Vector3 start = from - nearestBase(from);
     std::optional<float> earliest;
-    if (isFar(start, motion.length())) {
-        return earliest;
-    }
     for (const Box& box : hull) {
         float enter = 0.0F;
         float leave = 1.0F;

@@ -78,9 +78,7 @@ Team Match::smallerTeam() const
 /// Puts a ship that is not alive into the world, at rest and whole.
 void Match::spawn(Ship& ship)
 {
-    const bool onPatrol = !ship.human && ship.deaths == 0;  // a match starts with fights already on
-    ship.position = onPatrol ? startPoints.onPatrol(fightMiddle(ship.fightsAt), ship.team, ships, random)
-                             : startPoints.next(ship.team, ships, random);
+    ship.position = startPoints.next(ship, ships, random);
     ship.velocity = Vector3();
     ship.borderGrip = 0.0F;
     // A human's view does not follow the ship, so the ship starts where the human already looks.

@@ -76,21 +76,6 @@ Vector3 borderPush(Ship& ship, const Vector3& thrust, const Rules& rules)
     return isReturning ? Vector3() : home * (rules.borderPush * ship.borderGrip);
 }
 
-/// Stops a ship at the border's limit. The default rules' push never lets a ship get that far.
-void stayInside(Ship& ship, const Rules& rules)
-{
-    const float distance = ship.position.length();
-    if (distance <= rules.borderLimit) {
-        return;
-    }
-    const Vector3 outward = ship.position * (1.0F / distance);
-    ship.position = outward * rules.borderLimit;
-    const float outwardSpeed = ship.velocity.dotProduct(outward);
-    if (outwardSpeed > 0.0F) {
-        ship.velocity -= outward * outwardSpeed;
-    }
-}
-
 /// Moves a ship out of a hull and takes the speed towards the hull away.
 void slideAlongHulls(Ship& ship, const Rules& rules)
 {
@@ -115,7 +100,6 @@ void flyShip(Ship& ship, const Rules& rules, float dt)
     ship.velocity = limited(ship.velocity * (1.0F - rules.damping * dt), rules.maxSpeed);
     ship.position += ship.velocity * dt;
     slideAlongHulls(ship, rules);
-    stayInside(ship, rules);
 }
 
 Quaternion smallTurn(const Vector3& axis, float angle)

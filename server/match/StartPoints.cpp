@@ -58,29 +58,21 @@ int cellsAlongX(std::size_t players)
 
 }  // namespace
 
-Vector3 StartPoints::next(Team team, const std::vector<Ship>& ships, Random& random)
+Vector3 StartPoints::next(const Ship& ship, const std::vector<Ship>& ships, Random& random)
 {
     // One draw in every mode, so that the mode changes nothing else of a match.
     Random own(random.next());
-    Vector3 start = team == Team::blue ? General::blueBase : General::redBase;
-    if (mode == General::RANDOM) {
-        start = randomPoint(start, General::teamBox, own);
-    } else if (mode == General::GRID) {
-        int& slot = team == Team::blue ? blueSlot : redSlot;
+    Vector3 start = ship.team == Team::blue ? General::blueBase : General::redBase;
+    if (mode == General::GRID) {
+        int& slot = ship.team == Team::blue ? blueSlot : redSlot;
         slot += 2;
         start = General::gridCell(General::gridCentre, General::gridBox, slot, cellsAlongX(ships.size()));
+    } else if (!ship.human && ship.deaths == 0) {
+        start = randomPoint(fightMiddle(ship.fightsAt), patrolBox, own);
+    } else if (mode == General::RANDOM) {
+        start = randomPoint(start, General::teamBox, own);
     }
     return clearPlace(start, ships);
-}
-
-Vector3 StartPoints::onPatrol(const Vector3& middle, Team team, const std::vector<Ship>& ships,
-                              Random& random)
-{
-    if (mode == General::GRID) {
-        return next(team, ships, random);
-    }
-    Random own(random.next());
-    return clearPlace(randomPoint(middle, patrolBox, own), ships);
 }
 
 }  // namespace practice

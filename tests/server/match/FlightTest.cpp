@@ -63,33 +63,25 @@ TEST(Flight, AShipTurnsTheShortWayAtItsRate)
 
 TEST(Flight, TheBorderTurnsShipsBackToTheFight)
 {
-    Rules withoutPush;
-    withoutPush.borderPush = 0.0F;
     for (const Team team : {Team::blue, Team::red}) {
         Ship ship = shipWith(control::forward, Quaternion());
         ship.position = team == Team::blue ? General::blueBase : General::redBase;
-        Ship stopped = ship;
         float farthest = 0.0F;
         float nearest = 1000.0F;  // to the fight, after it was beyond the border
         for (int i = 0; i < 60 * 60; ++i) {
             flyShip(ship, Rules(), dt);
-            flyShip(stopped, withoutPush, dt);
             const float distance = ship.position.length();
-            const bool leaves = farthest < distance;
-            farthest = std::max(farthest, distance);
-            if (farthest > Rules().borderRadius) {
-                nearest = std::min(nearest, ship.position.distance(fightMiddle(team)));
-            }
-            if (leaves && distance < Rules().borderRadius + 20.0F && i > 200) {
+            if (i > 200 && distance > farthest && distance < Rules().borderRadius + 20.0F) {
                 EXPECT_GT(ship.velocity.z, Rules().maxSpeed * 0.9F) << "a gentle push";
             }
+            farthest = std::max(farthest, distance);
+            const float toFight = ship.position.distance(fightMiddle(team));
+            nearest = farthest > Rules().borderRadius ? std::min(nearest, toFight) : nearest;
             EXPECT_LT(std::fabs(ship.position.x - fightMiddle(team).x), 20.0F) << "sideways";
             EXPECT_EQ(noseOf(ship.orientation), Vector3(0, 0, 1)) << "its pilot steers";
         }
-        EXPECT_LT(farthest, Rules().borderLimit - 10.0F);
+        EXPECT_LT(farthest, 1000.0F);
         EXPECT_LT(nearest, Rules().returnRadius);
-        EXPECT_NEAR(stopped.position.length(), Rules().borderLimit, 0.01F);
-        EXPECT_LT(stopped.velocity.length(), 75.0F) << "it slides along";
     }
 }
 
@@ -115,28 +107,6 @@ TEST(Hulls, ShipsSlideAlongThem)
         }
         EXPECT_TRUE(touched) << c.from.toString();
         EXPECT_GT(ship.velocity.z, 40.0F) << c.from.toString();
-    }
-}
-
-TEST(Hulls, EndWhatFliesIntoThem)
-{
-    const struct
-    {
-        Vector3 from;  ///< the base
-        Vector3 motion;
-        float contact;                                     ///< -1: none
-    } cases[] = {{{0, 0, 0}, {0, 0, 300}, -1.0F},          // along the runway
-                 {{0, 0, 0}, {0, 0, -100}, 0.38F},         // into the hangar
-                 {{0, 20, 50}, {0, -50, 0}, 0.5F},         // onto the deck
-                 {{100, -15, -80}, {-100, 0, 0}, 0.36F},   // a pod
-                 {{-100, 30, -100}, {200, 0, 0}, 0.425F},  // the bridge
-                 {{-100, 30, -60}, {200, 0, 0}, -1.0F},    // before the bridge, over the hangar
-                 {{0, -10, 0}, {0, 1, 0}, 0.0F}};          // from inside
-    for (const auto& c : cases) {
-        for (const Vector3& base : {General::blueBase, General::redBase}) {
-            EXPECT_NEAR(hullContact(base + c.from, c.motion).value_or(-1.0F), c.contact, 1e-4F)
-                << c.from.toString();
-        }
     }
 }
 

@@ -187,15 +187,26 @@ TEST(Match, OneMatchFollowsAnother)
     game.expectTranscript("matches");
 }
 
-TEST(Match, ACarrierStopsShots)
+TEST(Match, CarriersStopShots)
 {
-    Game game(twoKills);
-    const ObjectId shooter = game.place({-500, 30, -200});
-    const ObjectId enemy = game.place({-500, 30, 0}, 5.0F);  // behind the bridge
-    game.fireOnce(shooter);
-    game.step(40);
-    EXPECT_TRUE(game.match.allShots().empty());
-    EXPECT_TRUE(game.match.findShip(enemy)->alive);
+    const struct
+    {
+        Vector3 shooter;  ///< from the base; it looks along +z at an enemy 180 units ahead
+        bool kills;
+    } cases[] = {{{0, 30, -200}, false},    // the bridge is between
+                 {{20, 30, -200}, true},    // beside it, over the hangar
+                 {{0, 0, -30}, true},       // along the runway
+                 {{53, -20, -200}, false},  // a pod
+                 {{0, -20, -230}, false}};  // the stern
+    for (const auto& c : cases) {
+        Game game(twoKills);
+        const ObjectId shooter = game.place(General::redBase + c.shooter);
+        game.place(General::redBase + c.shooter + Vector3(0, 0, 180), 5.0F);
+        game.fireOnce(shooter);
+        game.step(55);
+        EXPECT_EQ(game.match.findShip(shooter)->score, c.kills ? 1 : 0) << c.shooter.toString();
+        EXPECT_TRUE(game.match.allShots().empty());
+    }
 }
 
 TEST(StartPoints, KeepShipsApartInEveryMode)
@@ -216,8 +227,10 @@ TEST(StartPoints, KeepShipsApartInEveryMode)
         for (std::size_t i = 0; i < 16; ++i) {
             const Team team = i % 2 == 0 ? Team::blue : Team::red;
             const Vector3 base = team == Team::blue ? General::blueBase : General::redBase;
-            const Vector3 start = points.next(team, ships, random);
-            EXPECT_EQ(start, again.next(team, ships, same)) << "same seed, same place";
+            ships[i].team = team;
+            ships[i].human = true;
+            const Vector3 start = points.next(ships[i], ships, random);
+            EXPECT_EQ(start, again.next(ships[i], ships, same)) << "same seed, same place";
             EXPECT_EQ(start.x == base.x, c.mode == General::FIXED);
             EXPECT_LT(start.distance(base), c.reach);
             EXPECT_EQ(wayOutOfHulls(start, 4.0F), Vector3()) << start.toString();
