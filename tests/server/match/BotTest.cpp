@@ -183,19 +183,15 @@ TEST(Bots, FightLivelyAndBalancedMatches)
     constexpr int minutes = 3;
     int kills[2] = {0, 0};  // red's, blue's
     int wins[2] = {0, 0};
-    int fighting = 0;  // ships, counted each second
     int touching = 0;  // a carrier
     int crowded = 0;   // their hulls seem to touch
     for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
         Match match = botMatch({seed, Difficulty::normal, General::FIXED, 0, 0});
-        for (int i = 1; i <= minutes * 60; ++i) {
+        for (int i = 0; i < minutes * 60; ++i) {
             run(match, second);
-            const auto time = static_cast<float>(i);
             for (const Ship& ship : match.allShips()) {
                 touching +=
                     ship.alive && !(wayOutOfHulls(ship.position, Rules().shipRadius + 0.5F) == Vector3());
-                fighting += ship.position.distance(fightCentre(Team::blue, time)) <= 400.0F ||
-                            ship.position.distance(fightCentre(Team::red, time)) <= 400.0F;
                 for (const Ship& other : match.allShips()) {
                     crowded += ship.alive && other.alive && &other != &ship &&
                                other.position.distance(ship.position) < 8.0F;
@@ -212,7 +208,6 @@ TEST(Bots, FightLivelyAndBalancedMatches)
     EXPECT_GT(kills[0] + kills[1], static_cast<int>(seeds) * minutes * 20);
     EXPECT_LE(std::max(kills[0], kills[1]) * 10, (kills[0] + kills[1]) * 6);
     EXPECT_LE(std::max(wins[0], wins[1]) * 10, static_cast<int>(seeds) * 6);
-    EXPECT_GT(fighting, counted * 9 / 10) << "the others are on their way";
     EXPECT_LT(crowded, counted / 1000);
     EXPECT_EQ(touching, 0);
 }

@@ -1,7 +1,6 @@
 #include "scene/General.h"
 #include "server/match/Hull.h"
 #include "server/match/Ship.h"
-#include "server/match/Shot.h"
 
 #include <gtest/gtest.h>
 
@@ -108,17 +107,4 @@ TEST(Hulls, ShipsSlideAlongThem)
         EXPECT_TRUE(touched) << c.from.toString();
         EXPECT_GT(ship.velocity.z, 40.0F) << c.from.toString();
     }
-}
-
-TEST(Shots, ContactIsFoundAnywhereOnTheWay)
-{
-    const auto contact = [](const Vector3& offset, const Vector3& motion) {
-        return contactTime(offset, motion, 4.0F).value_or(-1.0F);
-    };
-    EXPECT_NEAR(contact({0, 0, -100}, {0, 0, 1000}), 0.096F, 0.001F) << "through it in one step";
-    EXPECT_EQ(contact({4.1F, 0, -100}, {0, 0, 1000}), -1.0F) << "just out of reach";
-    EXPECT_EQ(contact({0, 0, -10}, {0, 0, 5}), -1.0F) << "stops short";
-    EXPECT_EQ(contact({0, 0, 10}, {0, 0, 5}), -1.0F) << "has passed already";
-    EXPECT_EQ(contact({1, 1, 1}, {0, 0, -50}), 0.0F) << "begins inside";
-    EXPECT_EQ(contact({0, 0, 9}, {0, 0, 0}), -1.0F) << "stands still outside";
 }

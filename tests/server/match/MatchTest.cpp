@@ -92,15 +92,6 @@ struct Game
     }
 };
 
-float distanceToLiving(const std::vector<Ship>& ships, const Vector3& place)
-{
-    float least = 1e6F;
-    for (const Ship& ship : ships) {
-        least = ship.alive ? std::min(least, place.distance(ship.position)) : least;
-    }
-    return least;
-}
-
 const MatchSettings twoKills{1, Difficulty::normal, General::FIXED, 2, 0};
 
 }  // namespace
@@ -209,34 +200,19 @@ TEST(Match, CarriersStopShots)
     }
 }
 
-TEST(StartPoints, KeepShipsApartInEveryMode)
+TEST(StartPoints, LieApartAndOutsideTheHulls)
 {
-    const struct
-    {
-        General::Mode mode;
-        float leastDistance;
-        float reach;  ///< from the team's base
-    } cases[] = {
-        {General::FIXED, 13.9F, 99.0F}, {General::RANDOM, 13.9F, 140.0F}, {General::GRID, 60.0F, 850.0F}};
-    for (const auto& c : cases) {
-        Random random(1);
-        Random same(1);
-        StartPoints points(c.mode);
-        StartPoints again(c.mode);
-        std::vector<Ship> ships(40);
-        for (std::size_t i = 0; i < 16; ++i) {
-            const Team team = i % 2 == 0 ? Team::blue : Team::red;
-            const Vector3 base = team == Team::blue ? General::blueBase : General::redBase;
-            ships[i].team = team;
-            ships[i].human = true;
-            const Vector3 start = points.next(ships[i], ships, random);
-            EXPECT_EQ(start, again.next(ships[i], ships, same)) << "same seed, same place";
-            EXPECT_EQ(start.x == base.x, c.mode == General::FIXED);
-            EXPECT_LT(start.distance(base), c.reach);
-            EXPECT_EQ(wayOutOfHulls(start, 4.0F), Vector3()) << start.toString();
-            EXPECT_GT(distanceToLiving(ships, start), c.leastDistance) << c.mode;
-            ships[i].position = start;
-            ships[i].alive = true;
+    for (const General::Mode mode : {General::FIXED, General::RANDOM, General::GRID}) {
+        Match match({1, Difficulty::normal, mode});
+        for (int i = 0; i < 32; ++i) {
+            const ObjectId id = i % 2 == 0 ? match.addHuman() : match.addBot();
+            const Ship& ship = *match.findShip(id);
+            for (const Ship& other : match.allShips()) {
+                EXPECT_TRUE(other.id == id || ship.position.distance(other.position) > 13.9F);
+            }
+            const float x = ship.team == Team::blue ? General::blueBase.x : General::redBase.x;
+            EXPECT_EQ(ship.position.x == x, mode == General::FIXED && ship.human);
+            EXPECT_EQ(wayOutOfHulls(ship.position, 4.0F), Vector3()) << ship.position.toString();
         }
     }
 }
