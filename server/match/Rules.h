@@ -41,7 +41,6 @@ struct Rules
     float borderRadius = 800.0F;  ///< units; both carriers lie inside
     float borderDepth = 120.0F;   ///< units beyond the border over which the push grows
     float borderPush = 100.0F;    ///< units/s² at most: more than thrust and damping together
-    float returnSpeed = 60.0F;    ///< units/s towards the fight, at which the push ends
     float returnRadius = 120.0F;  ///< units from the fight's middle, where the push lets go
 
     // Weapons.

@@ -72,8 +72,7 @@ Vector3 borderPush(Ship& ship, const Vector3& thrust, const Rules& rules)
     } else if (distance < rules.returnRadius || thrust.dotProduct(home) > 0.0F) {
         ship.borderGrip = 0.0F;
     }
-    const bool isReturning = ship.velocity.dotProduct(home) >= rules.returnSpeed;
-    return isReturning ? Vector3() : home * (rules.borderPush * ship.borderGrip);
+    return home * (rules.borderPush * ship.borderGrip);
 }
 
 /// Moves a ship out of a hull and takes the speed towards the hull away.

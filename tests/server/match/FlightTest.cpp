@@ -79,6 +79,15 @@ TEST(Flight, TheBorderTurnsShipsBackToTheFight)
             EXPECT_LT(std::fabs(ship.position.x - fightMiddle(team).x), 20.0F) << "sideways";
             EXPECT_EQ(noseOf(ship.orientation), Vector3(0, 0, 1)) << "its pilot steers";
         }
+        ship.position.z = 640.0F;
+        flyShip(ship, Rules(), dt);
+        EXPECT_GT(ship.borderGrip, 0.0F);
+        ship.position.z = 600.0F;
+        flyShip(ship, Rules(), dt);
+        EXPECT_GT(ship.borderGrip, 0.0F) << "still leaving";
+        ship.input.controls = control::backward;
+        flyShip(ship, Rules(), dt);
+        EXPECT_EQ(ship.borderGrip, 0.0F) << "its pilot returns";
         EXPECT_LT(farthest, 1000.0F);
         EXPECT_LT(nearest, Rules().returnRadius);
     }
