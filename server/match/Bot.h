@@ -35,15 +35,14 @@ struct BotView
 /// How well a bot flies and shoots; the defaults are those of normal difficulty.
 struct BotSkill
 {
-    float aimError = 0.09F;         ///< rad, largest error on each axis
-    float aimPeriod = 0.6F;         ///< seconds for which it keeps one error
-    float breakAwayChance = 0.25F;  ///< when hit; in [0, 1]
-    float dodgeShare = 0.6F;        ///< share of its fighting time in which it dodges sideways
-    float burstPause = 1.8F;        ///< seconds between bursts of fire
-    int packSize = 2;               ///< bots of a team that turn on the same human
-    float stalkTime = 2.0F;         ///< seconds for which it attacks a human who no longer sees it
-    float newcomerProtection =
-        22.0F;  ///< seconds for which it spares a human's first life, also while that fires
+    float aimError = 0.09F;            ///< rad, largest error on each axis
+    float aimPeriod = 0.6F;            ///< seconds for which it keeps one error
+    float breakAwayChance = 0.25F;     ///< when hit; in [0, 1]
+    float dodgeShare = 0.6F;           ///< share of its fighting time in which it dodges sideways
+    float burstPause = 1.8F;           ///< seconds between bursts of fire
+    int packSize = 2;                  ///< bots of a team that turn on the same human
+    float stalkTime = 2.0F;            ///< seconds for which it attacks a human who no longer sees it
+    float newcomerProtection = 22.0F;  ///< seconds for which it spares a human's first life
 };
 
 /// One bot's skill: the difficulty's, better or worse by up to a quarter.

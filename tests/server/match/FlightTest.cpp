@@ -90,6 +90,7 @@ TEST(Flight, TheBorderTurnsShipsBackToTheFight)
         EXPECT_EQ(ship.borderGrip, 0.0F) << "its pilot returns";
         EXPECT_LT(farthest, 1000.0F);
         EXPECT_LT(nearest, Rules().returnRadius);
+        EXPECT_GT(nearest, 40.0F) << "then it lets go";
     }
 }
 
@@ -114,6 +115,9 @@ TEST(Hulls, ShipsSlideAlongThem)
             touched = touched || !(wayOutOfHulls(ship.position, Rules().shipRadius + 0.1F) == Vector3());
         }
         EXPECT_TRUE(touched) << c.from.toString();
+        const Vector3 before = ship.position;
+        flyShip(ship, Rules(), dt);
+        EXPECT_LT((ship.position - before).distance(ship.velocity * dt), 0.1F) << "clients derive velocities";
         EXPECT_GT(ship.velocity.z, 40.0F) << c.from.toString();
     }
 }
