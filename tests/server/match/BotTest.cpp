@@ -1,15 +1,10 @@
+#include "server/balance/ScriptedPilots.h"
 #include "server/match/Hull.h"
-#include "server/match/Match.h"
 #include "server/net/MatchBroadcast.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
-#include <deque>
-#include <functional>
-#include <map>
-#include <vector>
 
 using namespace practice;
 
@@ -17,7 +12,7 @@ namespace {
 
 constexpr int second = Match::stepsPerSecond;
 constexpr std::uint32_t seeds = 40;
-constexpr float never = 1e6F;  ///< seconds
+constexpr float never = FlightRecord::never;
 
 void run(Match& match, unsigned steps)
 {
@@ -25,132 +20,6 @@ void run(Match& match, unsigned steps)
         match.step();
     }
 }
-
-Match botMatch(const MatchSettings& settings)
-{
-    Match match(settings);
-    for (int i = 0; i < 16; ++i) {
-        match.addBot();
-    }
-    return match;
-}
-
-/// A scripted human among bots, and what it sees and suffers. Two of three join a match that is under way.
-struct Flight : MatchObserver
-{
-    using Script = std::function<ShipInput(const Flight&)>;
-
-    Match match;
-    const Ship* self;
-    float time = 0.0F;         ///< seconds since the human joined, like all the others
-    float enemyInView = 0.0F;  ///< in the first 15
-    float firstKill = never;
-    float firstDamage = never;
-    std::vector<float> unseen;  ///< for each hit: seconds since its shooter was in view
-    std::map<ObjectId, float> lastSeen;
-    ObjectId shooter = noObject;
-    float health = Rules().fullHealth;
-
-    Flight(std::uint32_t seed, Difficulty difficulty, float duration, const Script& script)
-        : match(botMatch({seed, difficulty, General::FIXED, 0, 0}))
-    {
-        run(match, seed % 3 * 20 * second);
-        self = match.findShip(match.addHuman());
-        match.addObserver(this);
-        while (time < duration) {
-            match.setInput(self->id, script(*this));
-            match.step();
-            time += Match::stepTime;
-            look();
-        }
-    }
-
-    /// The client's picture is 60 degrees high and 4:3. Its camera flies behind the ship and looks where the
-    /// mouse points, not where the nose points.
-    bool isInView(const Ship& ship, float range) const
-    {
-        const Vector3 camera = self->position + self->orientation.rotate({0.0F, 2.0F, -5.0F});
-        const Vector3 sight = ship.position - camera;
-        const Vector3 local = (~self->input.orientation).rotate(sight);
-        const float halfHeight = local.z * 0.57735F;
-        return ship.alive && ship.team != self->team && local.z > 1.0F && local.length() < range &&
-               std::fabs(local.y) < halfHeight && std::fabs(local.x) < halfHeight * 4.0F / 3.0F &&
-               !hullContact(camera, sight);
-    }
-
-    void look()
-    {
-        bool sees = false;
-        for (const Ship& ship : match.allShips()) {
-            if (isInView(ship, 100.0F)) {  // 20 pixels long
-                lastSeen[ship.id] = time;
-                sees = true;
-            }
-        }
-        enemyInView += sees && time < 15.0F ? Match::stepTime : 0.0F;
-        firstKill = self->score > 0 ? std::min(firstKill, time) : firstKill;
-    }
-
-    void shotEnded(const Shot& shot) override { shooter = shot.shooter; }
-    void shipDataChanged(const Ship& ship) override { noteDamage(ship); }
-    void shipExploded(const Ship& ship) override { noteDamage(ship); }
-    void noteDamage(const Ship& ship)
-    {
-        if (&ship != self || ship.health >= health) {
-            return;
-        }
-        health = ship.health;
-        unseen.push_back(lastSeen.count(shooter) != 0 ? time - lastSeen[shooter] : never);
-        firstDamage = std::min(firstDamage, time);
-    }
-    void shipAppeared(const Ship& ship) override { health = &ship == self ? ship.health : health; }
-    void shipVanished(const Ship& /*ship*/) override {}
-    void shotFired(const Shot& /*shot*/) override {}
-};
-
-/// Turns by at most 90 degrees a second towards the place where it saw the nearest enemy 250 ms ago, without
-/// leading. Aims 2 degrees off, fires when it points there. Seeing nobody, it circles to the left.
-class AverageHuman
-{
-public:
-    ShipInput operator()(const Flight& flight)
-    {
-        seen.push_back(wayToNearest(flight));
-        const Vector3 way = seen.front();
-        if (seen.size() > 15) {
-            seen.pop_front();
-        }
-        const Quaternion& view = flight.self->input.orientation;
-        if (way == Vector3()) {
-            return {view * smallTurn({0, 1, 0}, turn / 2.0F), control::forward};
-        }
-        const float around = std::floor(flight.time * 2.0F);  // another error each half second
-        const Vector3 axis(std::cos(around), std::sin(around), 0.0F);
-        const Quaternion aim = lookAlong(way) * smallTurn(axis, 0.035F);
-        const float angle = 2.0F * std::acos(std::min(std::fabs(view.dotProduct(aim)), 1.0F));
-        Quaternion turned = Quaternion::Slerp(view, aim, std::min(1.0F, turn / std::max(angle, turn)));
-        turned.normalise();
-        const bool points = noseOf(flight.self->orientation).dotProduct(noseOf(aim)) > 0.998F;
-        return {turned, (way.length() > 60.0F ? control::forward : 0U) | (points ? control::fire : 0U)};
-    }
-
-private:
-    static constexpr float turn = 1.5708F * Match::stepTime;
-    std::deque<Vector3> seen;  ///< ways to enemies; zero if none was in view
-
-    static Vector3 wayToNearest(const Flight& flight)
-    {
-        Vector3 nearest;
-        float least = 250.0F;  // farther ships are specks
-        for (const Ship& ship : flight.match.allShips()) {
-            if (flight.isInView(ship, least)) {
-                nearest = ship.position - flight.self->position;
-                least = nearest.length();
-            }
-        }
-        return nearest;
-    }
-};
 
 }  // namespace
 
@@ -219,9 +88,7 @@ TEST(Pilots, SeeTheEnemyBeforeItHurtsThem)
         int spared = 0;
         int hurt = 0;
         for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
-            const Flight flight(seed, Difficulty::normal, 45.0F, [waits](const Flight& f) {
-                return ShipInput{{}, f.time < waits ? 0 : control::forward | control::fire};
-            });
+            const FlightRecord flight = fly(seed, Difficulty::normal, 45.0F, newcomer(waits));
             saw += flight.enemyInView >= 2.0F;
             hurt += !flight.unseen.empty();
             spared += flight.firstDamage > 20.0F && (flight.unseen.empty() || flight.unseen.front() <= 3.0F);
@@ -251,10 +118,10 @@ TEST(Pilots, WinAndLoseByTheDifficulty)
         float hits = 0.0F;
         float surprises = 0.0F;
         for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
-            const Flight flight(seed, c.difficulty, 90.0F, AverageHuman());
+            const FlightRecord flight = fly(seed, c.difficulty, 90.0F, averageHuman());
             inTime += flight.firstKill <= c.limit;
-            kills += static_cast<float>(flight.self->score);
-            deaths += static_cast<float>(flight.self->deaths);
+            kills += static_cast<float>(flight.kills);
+            deaths += static_cast<float>(flight.deaths);
             for (const float unseen : flight.unseen) {
                 hits += 1.0F;
                 surprises += unseen > 3.0F ? 1.0F : 0.0F;
