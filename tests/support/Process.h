@@ -48,7 +48,7 @@ public:
     Process& operator=(const Process&) = delete;
     ~Process()
     {
-        if (end(0s) == "still running") {
+        if (isRunning()) {
             kill(pid, SIGKILL);
             waitpid(pid, &waitStatus, 0);
         }
@@ -66,6 +66,7 @@ public:
                                        : "status " + std::to_string(WEXITSTATUS(waitStatus));
     }
 
+    bool isRunning() { return end(0s) == "still running"; }
     void signal(int number) const { kill(pid, number); }
 
     /// All that was printed and kept so far.
