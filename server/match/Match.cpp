@@ -1,5 +1,7 @@
 #include "server/match/Match.h"
 
+#include "server/match/Hull.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -36,7 +38,8 @@ Match::Match(const MatchSettings& settings_, const Rules& rules_)
 ObjectId Match::addHuman()
 {
     ++humansJoined;
-    return addShip(smallerTeam(), true, "Pilot " + std::to_string(humansJoined));
+    const Team team = smallerTeam();
+    return addShip(team, true, "Pilot " + std::to_string(humansJoined), team);
 }
 
 /// Three of eight bots defend their own carrier. More attack: they die more often and have a long way back.
@@ -46,18 +49,19 @@ ObjectId Match::addBot()
     const Team team = index % 2 == 0 ? Team::blue : Team::red;
     const bool isDefender = index / 2 % 8 % 3 == 0;
     const Team carrier = isDefender == (team == Team::blue) ? Team::blue : Team::red;
-    const ObjectId id = addShip(team, false, botName(index));
-    bots.emplace_back(id, carrier, drawSkill(settings.difficulty, random));
+    const ObjectId id = addShip(team, false, botName(index), carrier);
+    bots.emplace_back(id, drawSkill(settings.difficulty, random));
     return id;
 }
 
-ObjectId Match::addShip(Team team, bool human, const std::string& name)
+ObjectId Match::addShip(Team team, bool human, const std::string& name, Team fightsAt)
 {
     Ship& ship = ships.emplace_back();
     ship.id = nextId++;
     ship.name = name;
     ship.team = team;
     ship.human = human;
+    ship.fightsAt = fightsAt;
     if (intermissionLeft <= 0.0F) {
         spawn(ship);
     }
@@ -74,8 +78,9 @@ Team Match::smallerTeam() const
 /// Puts a ship that is not alive into the world, at rest and whole.
 void Match::spawn(Ship& ship)
 {
-    ship.position = startPoints.next(ship.team, ships, random);
+    ship.position = startPoints.next(ship, ships, random);
     ship.velocity = Vector3();
+    ship.borderGrip = 0.0F;
     // A human's view does not follow the ship, so the ship starts where the human already looks.
     ship.orientation = ship.human ? ship.input.orientation : lookAlong(-ship.position);
     ship.health = rules.fullHealth;
@@ -169,13 +174,14 @@ void Match::moveShots()
     std::vector<Shot> flying;
     flying.reserve(shots.size());
     for (Shot& shot : shots) {
-        if (Ship* victim = firstHit(shot, ships, rules, settings.friendlyFire, stepTime)) {
+        const auto hull = hullContact(shot.position, shot.velocity * stepTime);
+        if (Ship* victim = firstHit(shot, ships, rules, settings.friendlyFire, stepTime, hull)) {
             applyHit(shot, *victim);
             continue;
         }
         shot.position += shot.velocity * stepTime;
         shot.age += stepTime;
-        if (shot.age < rules.shotRange / rules.shotSpeed) {
+        if (!hull && shot.age < rules.shotRange / rules.shotSpeed) {
             flying.push_back(shot);
         } else {
             notify(&MatchObserver::shotEnded, shot);

@@ -106,7 +106,7 @@ private:
         }
     }
 
-    ObjectId addShip(Team team, bool human, const std::string& name);
+    ObjectId addShip(Team team, bool human, const std::string& name, Team fightsAt);
     Team smallerTeam() const;
     void spawn(Ship& ship);
 

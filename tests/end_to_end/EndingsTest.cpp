@@ -21,21 +21,12 @@ std::future<void> flood(peer::ScriptedServer& server, const std::string& bytes)
     });
 }
 
-// Many ships: announced again and again, they keep both of the client's threads busy.
-std::string crowd()
-{
-    std::string frames;
-    for (unsigned int id = 1; id <= 300; ++id) {
-        frames += messages::infoFrame(messages::ShipState{id, false, Vector3(static_cast<float>(id), 4, 60)});
-    }
-    return frames;
-}
-
 }  // namespace
 
 TEST(Endings, UdpSilenceEndsAlsoABusyClient)
 {
-    for (const std::string& load : {std::string(), crowd(), crowd()}) {
+    const std::string ships = parade({0, 4, 60});  // announced again and again, they keep both threads busy
+    for (const std::string& load : {std::string(), ships, ships}) {
         GameSession game({"--udp-timeout", "2"});
         game.join(lonelyShip());
         EXPECT_EQ(game.client->end(3s), "still running") << "the heartbeat keeps it alive";

@@ -54,11 +54,3 @@ start_display
 expect "$work: -ps -psn_0_1234 -GSFilePath $document" -ps -psn_0_1234 -GSFilePath "$document"
 expect "$beside: /first" -psnX
 expect "$beside: /first $document" -psn_0_1234 -GSFilePath "$document"  # the desktop asks for a document
-
-echo '{}' >"$bundle/Resources/Info-gnustep.plist"  # no name: the process's
-output=$(timeout --signal KILL 30 "$bundle/Probe" 2>&1 || true)
-[[ $output == *'About Probe,'*'Hide Probe,'*'Quit Probe,'* ]] || fail "not the process's name: $output"
-
-# An open descriptor still starts a program whose folder is gone.
-output=$(exec 9<"$bundle/Probe"; rm -r "$beside"; timeout --signal KILL 30 /proc/self/fd/9 -psn 2>&1 || echo "status $?")
-[[ $output == *'chdir (parentdir) == 0'*'status 134' ]] || fail "no abort: $output"

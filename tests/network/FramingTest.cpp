@@ -7,7 +7,6 @@
 #include "tests/network/Support.h"
 
 #include <boost/algorithm/hex.hpp>
-#include <boost/make_shared.hpp>
 
 namespace {
 
@@ -86,13 +85,4 @@ TEST(Framing, ABadFrameIsReportedAndTheNextArrives)
                   diagnostic + "Error in deserializing of message\n");
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     }
-}
-
-TEST(Framing, AnEventIsReusableAndFreesWhatItOwns)
-{
-    const auto event = boost::make_shared<NetworkEvent>();
-    event->endpoint = new boost::asio::ip::udp::endpoint;
-    EXPECT_TRUE(MessageSerializer::deserializeMessage(good.substr(2), event));
-    EXPECT_TRUE(MessageSerializer::deserializeMessage(good.substr(2), event));
-    EXPECT_FALSE(MessageSerializer::deserializeMessage("", event));
 }

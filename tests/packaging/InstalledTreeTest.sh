@@ -56,10 +56,6 @@ CompletesEveryOption() {
     for option in vantor-server:--difficulty vantor-server:--spawn vantor-relay:--network; do
         diff /dev/null <(completed ${option/:/ } | grep -vwf <("$games/${option%:*}" --help | grep -oE '[a-z]+') || true)
     done
-    COMP_WORDS=(vantor-server --spawn = g) COMP_CWORD=3
-    [ "$(completed vantor-server = g)" = grid ]
-    HOME=$tree games='~/games'
-    [ "$(completed vantor-relay vantor-relay --rep)" = --replay ]
 }
 
 practise() {  # practise OPTION...: starts a match; sets match to its process
@@ -99,14 +95,6 @@ ServerBreaksOff() {
     expect_end 1 'practice server broke off with status 137'
     grep -q '^vantor-practice: Error.*skybox.png' "$work/errors"
     grep -q 'broke off' "$work/dialog"
-}
-
-EarlyInterruptIsNoError() {
-    printf '#!/bin/sh\necho starting\nexec sleep 30\n' >"$games/vantor-server"
-    DISPLAY=:nowhere practise
-    eventually 'grep -qs starting "$work"/tmp/*/"practice server"'
-    kill "$match"
-    expect_end 0
 }
 
 BadStartsAreExplained() {

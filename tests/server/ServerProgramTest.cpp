@@ -134,7 +134,7 @@ TEST(ServerProgram, LogsMeasurementsUntilTheDiskIsFull)
 TEST(ServerProgram, TellsItsServiceManagerWhenItListens)
 {
     using Socket = boost::asio::local::datagram_protocol::socket;
-    const std::string path = freshFile("vantor-notify");
+    const std::string path = testing::TempDir() + "vantor-notify-" + std::to_string(getpid());
     const std::pair<std::string, std::string> sockets[] = {{path, path}, {"@" + path, '\0' + path}};
     for (const auto& [name, address] : sockets) {
         boost::asio::io_context io;

@@ -4,11 +4,11 @@
 
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -72,11 +72,9 @@ public:
     /// All that was printed and kept so far.
     std::string output() const
     {
-        struct stat file = {};
-        fstat(kept, &file);  // a seek would move the place where the child writes
-        std::string text(static_cast<std::size_t>(file.st_size), '\0');
-        text.resize(static_cast<std::size_t>(pread(kept, text.data(), text.size(), 0)));
-        return text;
+        // opened anew: a seek would move the place where the child writes
+        std::ifstream file("/proc/self/fd/" + std::to_string(kept));
+        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     bool hasPrinted(const std::string& text) const { return output().find(text) != std::string::npos; }
