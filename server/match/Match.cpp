@@ -5,11 +5,19 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace practice {
 
 namespace {
+
+constexpr std::size_t mostDeparted = 64;  ///< ships in a result that have left
+
+MatchResult::Standing standingOf(const Ship& ship)
+{
+    return {ship.name, ship.team, ship.score, ship.deaths};
+}
 
 constexpr std::array botNames = {"Altair", "Bellatrix", "Capella", "Deneb",  "Electra", "Fomalhaut",
                                  "Gemma",  "Hadar",     "Izar",    "Kochab", "Lesath",  "Mira",
@@ -98,6 +106,10 @@ void Match::removeShip(ObjectId id)
     }
     if (found->alive) {
         notify(&MatchObserver::shipVanished, *found);
+    }
+    departed.push_back(standingOf(*found));
+    if (departed.size() > mostDeparted) {
+        departed.pop_front();
     }
     ships.erase(found);
     bots.erase(std::remove_if(bots.begin(), bots.end(), [id](const Bot& b) { return b.shipId() == id; }),
@@ -280,6 +292,9 @@ bool Match::isOver() const
 /// Removes all ships and shots from the world. The scores stay until the next match.
 void Match::endMatch()
 {
+    if (intermissionLeft > 0.0F || steps == startStep) {
+        return;
+    }
     result = makeResult();
     for (const Shot& shot : shots) {
         notify(&MatchObserver::shotEnded, shot);
@@ -298,9 +313,8 @@ MatchResult Match::makeResult() const
 {
     MatchResult end{
         matchNumber, static_cast<unsigned>((steps - startStep) / stepsPerSecond), redScore, blueScore, {}};
-    for (const Ship& ship : ships) {
-        end.standings.push_back({ship.name, ship.team, ship.score, ship.deaths});
-    }
+    std::transform(ships.begin(), ships.end(), std::back_inserter(end.standings), standingOf);
+    end.standings.insert(end.standings.end(), departed.begin(), departed.end());
     std::stable_sort(end.standings.begin(), end.standings.end(), [](const auto& a, const auto& b) {
         return a.kills != b.kills ? a.kills > b.kills : a.deaths < b.deaths;
     });
@@ -313,6 +327,7 @@ void Match::startNextMatch()
     startStep = steps;
     redScore = 0;
     blueScore = 0;
+    departed.clear();
     for (Ship& ship : ships) {  // all of them before the first spawns, because its data carries all scores
         ship.score = 0;
         ship.deaths = 0;

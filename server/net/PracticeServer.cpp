@@ -81,6 +81,8 @@ void PracticeServer::stop()
     }
     clients.clear();
     clientLog.flush();
+    match.endMatch();
+    logResult();
 }
 
 // Joining and leaving.

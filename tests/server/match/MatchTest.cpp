@@ -155,6 +155,10 @@ TEST(Match, ALeavingShooterVanishesOnceAndItsShotScores)
     game.place({-300, 0, 0});  // in the smaller team
     game.step(60);
     game.recordSnapshot();
+    game.match.endMatch();  // those who left keep their place in the table
+    game.step(1);
+    game.match.endMatch();
+    game.step(1);
     game.expectTranscript("leave");
 }
 
