@@ -26,8 +26,8 @@ void print(const char* format, std::va_list arguments)
     std::fflush(stdout);
 }
 
-/// Counts the texts of the present second. Returns how many the second before it left out, once, when a new
-/// second begins; `allowed` tells whether the present text may be printed.
+/// Counts the texts of the present second. Returns how many the second before left out, when a new second
+/// begins, else 0. Sets `allowed` to whether the present text may be printed.
 unsigned long countReceived(bool& allowed)
 {
     using Clock = std::chrono::steady_clock;

@@ -12,9 +12,8 @@
 /// Text that another machine or the user chose must pass through printable() first.
 void DebugPrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-/// DebugPrint for a diagnostic that received data causes, so that no server and no stranger can flood the
-/// output: mostReceivedTexts of them are written a second. The first one of a later second is preceded by a
-/// line with the number left out.
+/// DebugPrint for a diagnostic that received data causes. It writes at most mostReceivedTexts of them a
+/// second, so no sender can flood the output. In a later second a line with the number left out comes first.
 void DebugPrintReceived(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 constexpr unsigned long mostReceivedTexts = 100;  ///< a second

@@ -13,8 +13,8 @@ bool done = false;
 
 namespace {
 
-// Milliseconds. If the clock was set back since the last reading, planned times move back with it:
-// otherwise the loop would wait until the clock has caught up.
+// Milliseconds. If the clock was set back since the last reading, planned times move back with it. Otherwise
+// the loop would wait until the clock has caught up.
 std::int64_t readClock(std::int64_t& lastReading)
 {
     const std::int64_t now = Timer::getCurrentTime();

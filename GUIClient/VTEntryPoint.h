@@ -9,8 +9,8 @@
 
 class TestCube;
 
-/// The game controller: owns the camera, places the carriers, turns keys and mouse into camera motion and
-/// messages to the server, draws the display, and ends the game on Escape.
+/// The game controller. It owns the camera, places the carriers and draws the display. It turns keys and
+/// mouse into camera motion and messages to the server. Escape ends the game.
 ///
 /// A singleton, created on first use; main thread only. It does not move the own ship: the ship's motion
 /// comes back from the server.
@@ -44,7 +44,7 @@ public:
     /// Applies the camera to the current matrix and returns its position.
     Vector3 setCamera() { return camera.setCamera(); }
 
-    std::int64_t thisPlayerID = 0;    ///< the own ship's object id, the carriers' 0 until the welcome
+    std::int64_t thisPlayerID = 0;    ///< the own ship's object id; until the Welcome 0, the carriers' id
     TestCube* redCarrier = nullptr;   ///< owned, together with the scene
     TestCube* blueCarrier = nullptr;  ///< owned, together with the scene
     Camera camera;

@@ -1,4 +1,4 @@
-// Drawing 1,000 ships, against the least OpenGL calls that draw the same picture.
+// Drawing 1,000 ships, against the least OpenGL calls that draw the same scene.
 #include "bench/Fleet.h"
 #include "engine/Engine.h"
 #include "engine/OpenGL.h"

@@ -34,8 +34,7 @@ void feedStates(Player& ship, std::size_t i)
 
 Fleet::Fleet(std::size_t size) : replaced(SceneGraph::instance)
 {
-    // Where no test or benchmark loaded it before, the ships' texture counts as missing, without a look at
-    // the disk.
+    // Unless the ships' texture is loaded already, it counts as missing. So nothing reads the disk.
     ResourceManager::getInstance()->textures.try_emplace("texture-white.png", 0U);
     scene = std::make_unique<SceneGraph>();
     SceneGraph::instance = scene.get();

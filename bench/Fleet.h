@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-/// A scene of its own, in the place of the process's one, with `size` ships that have three server states
-/// each and are turning and gathering speed. It needs neither files nor a display; the ships stand in a grid
-/// before a viewer at the origin who looks along -z.
+/// A scene with `size` ships, which replaces the process's scene. Each ship has three server states; it turns
+/// and gathers speed. The scene needs neither files nor a display. The ships stand in a grid in front of a
+/// viewer at the origin who looks along -z.
 class Fleet
 {
 public:

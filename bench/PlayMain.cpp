@@ -100,7 +100,7 @@ Shown shownNow(const Transform& ship, Clock::time_point at)
     return {at, ship.position, {ship.velocity[0], ship.velocity[1]}, ship.serverTime[0], isFullState};
 }
 
-/// A ship is drawn at the pose of the frame before, but a full state is drawn in the frame that takes it.
+/// A frame draws a ship at the pose of the frame before. But it draws a full state that it has just taken.
 void sampleShips(Clock::time_point at)
 {
     const auto* ships = SceneGraph::getInstance()->getListOfType(SGT_PLAYER);

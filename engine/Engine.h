@@ -19,8 +19,8 @@ public:
     Engine(const Engine&) = delete;
     Engine& operator=(const Engine&) = delete;
 
-    /// Starts SDL and opens the window. On failure prints a line to standard error and ends the process: with
-    /// status 1 without SDL, 2 without a window.
+    /// Starts SDL and opens the window. On failure prints a line to standard error and ends the process. The
+    /// status is 1 without SDL, 2 without a window.
     void init();
     /// The pointer's distance from the window's centre, in pixels to the right and down. Moves the pointer
     /// back to the centre.

@@ -32,7 +32,7 @@ void blue()
     glColor3f(0.0F, 0.0F, 1.0F);
 }
 
-// Formats one line of at most 99 characters and draws it at (x, y), in pixels from the window's top left
+// Formats one line of at most 99 characters and draws it. (x, y) are pixels from the window's top left
 // corner.
 __attribute__((format(printf, 3, 4))) void drawLine(float x, float y, const char* format, ...)
 {

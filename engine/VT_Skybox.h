@@ -6,9 +6,10 @@
 
 /// The sky: a cube around the viewer, textured from one image of 4 by 3 cells.
 ///
-/// Its edge is as long as the far plane is distant: each face is at half that distance, so even the corners
-/// stay before the plane. The image's middle row holds the four sides; the cells above and below its second
-/// cell hold the bottom and the top. Main thread only. If the image cannot be loaded, the cube is white.
+/// Its edge is as long as the far plane is distant. Each face is at half that distance, so even the corners
+/// are nearer than the plane. The image's middle row holds the four sides. The cell above its second cell
+/// holds the bottom, the cell below holds the top. Main thread only. If the image cannot be loaded, the cube
+/// is white.
 class VT_Skybox
 {
 public:

@@ -12,7 +12,7 @@ namespace {
 constexpr int noVideoModeStatus = 2;
 
 // Both lights are directional. OpenGL multiplies their positions by the current model-view matrix, here the
-// identity, so they stay fixed relative to the viewer and not to the world.
+// identity. So they stay fixed relative to the viewer, not to the world.
 void setLights()
 {
     constexpr float ambient[] = {0.5F, 0.5F, 0.5F, 1.0F};

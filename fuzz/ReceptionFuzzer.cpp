@@ -1,7 +1,9 @@
 // Plays hostile bytes of the TCP connection into the scene.
 //
-// An input is a byte that splits the stream in two chunks (in 256ths of its length), a byte for the number of
-// frames after each chunk (modulo 8), and the stream.
+// An input has three parts:
+// - a byte that splits the stream in two chunks, in 256ths of its length
+// - a byte for the number of frames after each chunk, modulo 8
+// - the stream
 #include "tests/hostile/Arena.h"
 
 #include <cstdio>

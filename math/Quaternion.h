@@ -65,8 +65,8 @@ public:
     /// Angles in degrees about x, y and z: the product qX(a) qY(b) qZ(c), normalised.
     static Quaternion FromEuler(float a, float b, float c);
 
-    /// Spherical linear interpolation along the shorter arc (Shoemake, "Animating Rotation with Quaternion
-    /// Curves", 1985), from q1 at t = 0 to q2 at t = 1; t is not clamped and the result is not normalised.
+    /// Spherical linear interpolation along the shorter arc, from q1 at t = 0 to q2 at t = 1. t is not
+    /// clamped and the result is not normalised. Shoemake, "Animating Rotation with Quaternion Curves", 1985.
     static Quaternion Slerp(Quaternion const& q1, Quaternion const& q2, float const& t);
 
     Matrix3 toRotationMatrix() const;

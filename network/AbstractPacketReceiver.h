@@ -31,7 +31,7 @@ class Welcome;
 /// the call only.
 ///
 /// Nothing received is trusted: a bad frame is reported and skipped. A TCP frame of length 0 stalls its
-/// stream: the bytes from there on are kept, up to `leftoverLimit`, and never read. A TCP error ends that
+/// stream. The bytes from there on are kept, up to `leftoverLimit`, and never read. A TCP error ends that
 /// connection's reception and queues a closed-connection event. A UDP error ends UDP reception for good.
 class AbstractPacketReceiver
 {

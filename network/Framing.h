@@ -25,7 +25,8 @@ class Message;
 ///     4       1     type byte
 ///     5       L-1   body
 ///
-/// Stateless; any thread. No function reads beyond the size it is given.
+/// Client loops are in MessageSerializer::deserializeMessageArray, server loops in ClientSession and
+/// PracticeServer. Stateless; any thread. No function reads beyond the size it is given.
 namespace framing {
 
 constexpr std::size_t qportSize = 2;   ///< bytes

@@ -11,8 +11,8 @@
 class PacketReceiver;
 class PacketSender;
 
-/// The client's one connection to a game server: owns the I/O service, the thread that runs it, the receiver
-/// and the TCP socket.
+/// The client's one connection to a game server. It owns the I/O service, the thread that runs it, the
+/// receiver and the TCP socket.
 ///
 /// A singleton, created on first use and never destroyed. Its operations belong to the main thread, except
 /// runIOService, which is the network thread. connect() blocks while it resolves and connects, and is called
@@ -23,9 +23,9 @@ public:
     static NetworkHelper* instance;
     static NetworkHelper* getInstance();
 
-    /// Connects to the first address that `host` (a name or an address) and `port` (a decimal number or a
-    /// service name) resolve to. `udpTimeout` in seconds: the watchdog over datagrams starts before the
-    /// attempt. Prints two lines and returns false if there is no server, no socket or no thread.
+    /// Connects to the first address that `host` and `port` resolve to. `host` is a name or an address,
+    /// `port` a decimal number or a service name. `udpTimeout` in seconds: the watchdog over datagrams starts
+    /// before the attempt. Prints two lines and returns false if there is no server, no socket or no thread.
     bool connect(std::string host, std::string port, unsigned int udpTimeout);
     /// Stops the I/O service. Sockets stay open, because the process is about to end.
     void disconnect();

@@ -100,9 +100,9 @@ void endProcessIn(unsigned int seconds)
     alarm(seconds);
 }
 
-// The watchdog's last resort. While standard output is stopped, a diagnostic blocks its thread: the network
-// thread itself, or the main thread with a queue's mutex held. The watchdog cannot run then, a signal can. It
-// leaves a watchdog that is merely late five seconds to end the process with its message.
+// The watchdog's last resort. While standard output is stopped, a diagnostic blocks its thread. That is the
+// network thread itself, or the main thread with a queue's mutex held. Then the watchdog cannot run, but a
+// signal can. It leaves a late watchdog five seconds to end the process with its message.
 void setLastResort(unsigned int seconds)
 {
     std::signal(SIGALRM, [](int) { endProcessIn(5); });

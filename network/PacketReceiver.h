@@ -9,15 +9,15 @@
 class PacketSender;
 class SceneGraph;
 
-/// The client's receiver: applies the server's messages to the scene graph, and ends a client whose server
-/// went away.
+/// The client's receiver. It applies the server's messages to the scene graph, and ends the client when the
+/// server has stopped.
 ///
 /// The dispatch... operations run on the main thread and may touch the scene freely; the watchdog runs on the
 /// network thread. No value, name or id that a server sends can do more than draw nonsense.
 ///
-/// Ends the process: with status 0 when the TCP connection closes, with status 1 when no datagram arrives
-/// for the UDP timeout. An alarm (SIGALRM) ends it a few seconds later if the watchdog is blocked, because
-/// standard output is stopped. Lives to the end of the process.
+/// Ends the process: with status 0 when the TCP connection closes, 1 when no datagram arrives for the UDP
+/// timeout. An alarm (SIGALRM) ends it a few seconds later if the watchdog is blocked, because standard
+/// output is stopped. Lives to the end of the process.
 class PacketReceiver : public AbstractPacketReceiver
 {
 public:

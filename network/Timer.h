@@ -6,7 +6,7 @@
 /// server's clock.
 ///
 /// All read the system's time of day at millisecond resolution, and jump when it is set. The server's clock
-/// is one offset, taken from one timestamp without correcting for its transit: it runs behind by that delay.
+/// is one offset, taken from one timestamp. The transit is not corrected, so this clock runs behind by it.
 /// The static state belongs to the main thread; getCurrentTime() may be called from any.
 class Timer
 {

@@ -29,7 +29,7 @@ void StreamEnd::poll()
         unsent.erase(0, socket.write_some(buffer(unsent), error));
     }
     if (error && error != boost::asio::error::would_block) {
-        unsent.clear();  // reading tells why
+        unsent.clear();  // reading reports the reason
     }
     if (unsent.empty() && std::exchange(finishing, false)) {
         socket.shutdown(tcp::socket::shutdown_send, error);

@@ -14,7 +14,7 @@ namespace peer {
 
 /// One end of a TCP connection. Nothing here blocks or throws: `poll` does what is possible now.
 ///
-/// Not thread-safe. No handler runs on the io_context, which nobody needs to run.
+/// Not thread-safe. No handler runs on the io_context, so nobody needs to run it.
 class StreamEnd
 {
 public:
@@ -71,8 +71,8 @@ DatagramEnd::Address loopback(std::uint16_t port);
 /// Throws boost::system::system_error where it cannot connect to that port of 127.0.0.1.
 boost::asio::ip::tcp::socket connectTo(boost::asio::io_context& io, std::uint16_t port);
 
-/// The ends that a test uses, and the io_context of all that runs on the test's thread: both get on while the
-/// test waits.
+/// The ends that a test uses, and the io_context of all that runs on the test's thread. Both make progress
+/// while the test waits.
 class Endpoints
 {
 public:

@@ -93,7 +93,7 @@ void ProtocolChecker::receive(const Vantor::ObjectUpdate& update)
     expect(!timestamp || timestamp == update.timestamp(), "two times in one datagram");
     timestamp = update.timestamp();
     if (announced.count(update.id()) == 0) {
-        unannounced.insert(update.id());  // its info may still be on its way: TCP and UDP keep no order
+        unannounced.insert(update.id());  // its ObjectInfo may arrive later: TCP and UDP keep no order
     }
     positions[update.id()] = messages::toVector3(update.position());
     received.updates.push_back(update);
@@ -116,7 +116,7 @@ void ProtocolChecker::receive(const Vantor::ObjectInfo& info)
 
 void ProtocolChecker::receive(const Vantor::ObjectDestroy& destroy)
 {
-    positions.erase(destroy.id());  // unknown ones are debris from before this client's time
+    positions.erase(destroy.id());  // unknown ids are debris from before the Welcome
     received.destroyed.push_back(destroy.id());
 }
 

@@ -19,7 +19,7 @@ namespace peer {
 class ProtocolChecker
 {
 public:
-    /// Empty it where messages must not pile up.
+    /// The owner empties it if messages must not pile up.
     struct Received
     {
         std::vector<Vantor::ObjectInfo> infos;
@@ -52,7 +52,7 @@ public:
     std::map<std::string, std::uint64_t> faults() const;
 
 private:
-    std::set<std::uint64_t> announced;       ///< ships that an info told of
+    std::set<std::uint64_t> announced;       ///< ships that an ObjectInfo announced
     std::set<std::uint64_t> unannounced;     ///< ships with an update only
     std::optional<std::uint32_t> timestamp;  ///< of the updates in the bytes being received
     std::map<std::string, std::uint64_t> found;

@@ -55,8 +55,8 @@ public:
     void sendUdp(const std::string& bytes);
     void closeTcp();
 
-    /// Ten times a second, from the client's first datagram on: an update of an unknown object, which keeps
-    /// the client's watchdog quiet.
+    /// Sends an update of an unknown object ten times a second, from the client's first datagram on. So the
+    /// client's watchdog does not end it.
     std::atomic<bool> hasHeartbeat = true;
 
 private:

@@ -23,7 +23,7 @@ constexpr double leastSnapshotRate = 19.5;  ///< a second; both ends of the meas
 constexpr std::uint32_t forward = 1;        ///< control bits
 constexpr std::uint32_t fire = 0x40000000;
 
-/// Takes a course by chance once a second, and fires on about half of the courses.
+/// Chooses a random course once a second. Fires on about half of the courses.
 struct Pilot
 {
     Pilot(boost::asio::io_context& io, std::uint16_t port, unsigned number) : client(io, port), random(number)
@@ -83,8 +83,9 @@ double longestGap(const Pilots& pilots)
     return longest;
 }
 
-/// Every client is sent the same datagrams, so the most that one of them received of a snapshot were sent.
-/// The first and the last snapshot do not count: the ends of the measured time may cut them.
+/// The server sends every client the same datagrams. So the largest number that a client received of a
+/// snapshot is the number sent. The first and the last snapshot do not count: the ends of the measured time
+/// may cut them.
 std::string describeLoss(const Pilots& pilots)
 {
     std::map<std::uint32_t, unsigned> sent;

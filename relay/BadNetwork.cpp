@@ -22,9 +22,9 @@ Impairment::Impairment(const Conditions& conditions_, std::uint32_t seed, const 
     engine.seed(sequence);
 }
 
-// Every decision takes the same number of draws, so that losses and copies stay where they are when another
-// rate changes. Only a datagram behind a punctual one is drawn for a reordering: with the chance h, which
-// makes the share h / (1 + h) of all.
+// Every decision takes the same number of draws. So a changed rate does not move the other faults to other
+// datagrams. Only a datagram behind one that is not held can be held. Of all datagrams, the chance h makes h
+// / (1 + h) late.
 Impairment::Decision Impairment::next()
 {
     const bool lost = unit() < conditions.loss / 100;
@@ -89,8 +89,8 @@ Time DelayQueue::nextDue() const
     return leaving.due + (leaving.overtakenBy == 0 ? Duration(0) : holdLimit);
 }
 
-/// The index of the one that leaves next: the first one that is not held, or the first one of all where
-/// holdLimit ends before that. Only held ones stand before it.
+/// The index of the datagram that leaves next: the first that is not held. If holdLimit ends earlier, it is
+/// the first of all. Only held datagrams stand in front of it.
 std::size_t DelayQueue::next() const
 {
     const auto isFree = [](const Waiting& datagram) { return datagram.overtakenBy == 0; };

@@ -48,7 +48,7 @@ struct Flow
 
 /// Decides what the network does to the first, second, third... piece of a flow.
 ///
-/// No clock and no sockets: the n-th decision follows from the conditions, the seed, the flow and n alone, on
+/// No clock and no sockets. The conditions, the seed, the flow and n alone determine the n-th decision, on
 /// every machine. A stream is delayed only: all its pieces arrive once and in order.
 class Impairment
 {
@@ -67,7 +67,7 @@ public:
 private:
     Conditions conditions;
     std::mt19937 engine;
-    bool lastWasHeld = false;  ///< the last one that arrives; the next one must overtake it
+    bool lastWasHeld = false;  ///< the newest piece that is not lost; the next one must overtake it
 
     double unit();
 };
@@ -75,8 +75,8 @@ private:
 /// The datagrams, or pieces of a stream, under way in one direction.
 ///
 /// Jitter alone never changes the order, as on a single path: a datagram waits for those before it. Only the
-/// share that `reorder` asks for arrives late: it is held until later ones have left, at most for holdLimit.
-/// A copy follows its original. Knows no clock: the caller passes the time, which never goes back.
+/// share in `reorder` arrives late: a held datagram waits for later ones to leave, at most for holdLimit. A
+/// copy follows its original. Knows no clock: the caller passes the time, which never goes back.
 class DelayQueue
 {
 public:

@@ -88,7 +88,7 @@ void Relay::handleDatagram(const Endpoint& client, const char* data, std::size_t
     }
 }
 
-/// None where there are too many, or no socket is left.
+/// Null if there are too many flows, or no socket is left.
 std::shared_ptr<UdpFlow> Relay::flowOf(const Endpoint& client)
 {
     if (const auto known = flows.find(client); known != flows.end()) {

@@ -14,8 +14,8 @@ namespace relay {
 class TcpLink;
 class UdpFlow;
 
-/// Stands between clients and a server: listens on 127.0.0.1 as the server would, and passes on what both
-/// sides send, spoilt as the config asks.
+/// Stands between clients and a server. It listens on 127.0.0.1 as the server would. It passes on what both
+/// sides send, with the config's faults.
 ///
 /// Single-threaded, like its Listener. Memory is bounded: the numbers of connections and flows, and the bytes
 /// in each.
@@ -24,8 +24,8 @@ class Relay final : public Listener
 public:
     static constexpr std::size_t mostLinks = 64;
     static constexpr std::size_t mostFlows = 64;
-    /// Where there are too many flows, those of clients silent for so long give way. Players send 20 times a
-    /// second.
+    /// If there are too many flows, the relay drops those whose clients have been silent for this time.
+    /// Players send 20 times a second.
     static constexpr Duration idleLimit = std::chrono::seconds(2);
 
     /// Finds the server's address, opens the ports, then the recording. Throws std::runtime_error, perhaps a
@@ -39,10 +39,10 @@ public:
 private:
     RelayConfig config;
     boost::asio::ip::tcp::endpoint server;
-    std::vector<std::shared_ptr<TcpLink>> links;  ///< ended ones go when the next one comes
+    std::vector<std::shared_ptr<TcpLink>> links;  ///< ended links stay until the next connection
     std::map<Endpoint, std::shared_ptr<UdpFlow>> flows;
-    std::uint32_t linkCount = 0;  ///< ever
-    std::uint32_t flowCount = 0;  ///< ever
+    std::uint32_t linkCount = 0;  ///< since the start
+    std::uint32_t flowCount = 0;  ///< since the start
     LogOnce linksRefused, flowsRefused;
 
     void handleConnection(TcpSocket socket) override;

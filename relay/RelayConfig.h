@@ -37,7 +37,7 @@ struct RelayConfig
 };
 
 /// Reads the command line of vantor-relay. Returns the status to end with, if any: 0 after --help and
-/// --version, 2 after a bad command line; the user has been told then.
+/// --version, 2 after a bad command line. Then the text for the user has been printed.
 std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfig& config);
 
 /// The faults in words, such as "80±30 ms, loss 5%, duplicate 1%, reorder 2%".

@@ -48,7 +48,7 @@ struct Client
     Duration connected;
     std::string start;  ///< of the server's stream: at least its first frame
     std::optional<std::uint16_t> qport;
-    std::uint32_t flow = 0;  ///< of its datagrams; 0, which none has, where it never sent its qport
+    std::uint32_t flow = 0;  ///< of its datagrams, from 1; 0: it never sent its qport
 };
 
 /// The clients by the numbers of their connections.
@@ -144,7 +144,7 @@ public:
     }
 
 private:
-    static constexpr std::chrono::seconds patience{20};  ///< with a client that sends no datagram
+    static constexpr std::chrono::seconds patience{20};  ///< how long it waits for the address
 
     TcpSocket client;
     boost::asio::ip::tcp::endpoint peer;

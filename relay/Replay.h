@@ -25,16 +25,16 @@ struct ServerTrack
     std::vector<Piece> pieces;
 };
 
-/// Reads the server's side of a recording towards one client: of the welcomed ones the first that sent its
-/// qport in a datagram, or else the first. Throws std::runtime_error like readRecording, and where no client
-/// is welcomed.
+/// Reads the server's side of a recording towards one client. That is the first welcomed client that sent its
+/// qport in a datagram. If none did, it is the first welcomed one. Throws std::runtime_error like
+/// readRecording, and where no client is welcomed.
 ServerTrack readServerTrack(const std::string& path, const Warn& warn);
 
 /// Stands in for a recorded server: plays its side, from the start, to one client after the other.
 ///
-/// A recording has one qport, which cannot tell two clients of one host apart: a second client is turned away
-/// while the first one plays. The first recorded datagram, and all that follows it, waits until the client's
-/// own first datagram tells its address: so every replay sends the same in the same order. A client that
+/// A recording has one qport, which cannot tell two clients of one host apart. So a second client is rejected
+/// while the first one plays. The client's first datagram tells its address. Until then the first recorded
+/// datagram waits, with all that follows it. So every replay sends the same in the same order. A client that
 /// reads too slowly loses datagrams, as with any server. Single-threaded, like its Listener.
 class Replayer final : public Listener
 {
@@ -54,8 +54,8 @@ private:
     double speed;
     LogOnce::Log log;
     LogOnce refused;
-    std::shared_ptr<Session> session;  ///< the last one, which may have ended
-    std::uint32_t sessionCount = 0;    ///< ever
+    std::shared_ptr<Session> session;  ///< the newest session, which may have ended
+    std::uint32_t sessionCount = 0;    ///< since the start
 
     void handleConnection(TcpSocket socket) override;
     void handleDatagram(const Endpoint& client, const char* data, std::size_t size) override;

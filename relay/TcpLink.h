@@ -15,10 +15,10 @@ namespace relay {
 
 /// One client's TCP connection, and ours to the server on its behalf.
 ///
-/// Bytes arrive later, but all of them and in order. An end of file is passed on after the bytes before it. A
-/// connection that breaks on one side is reset on the other once the system has taken the last bytes of the
-/// broken side; a slow reader loses those that the system still holds. Lives on the single-threaded executor
-/// of the client's socket.
+/// Bytes arrive later, but all of them and in order. An end of file is passed on after the bytes before it.
+/// When one side breaks, the link hands that side's last bytes to the system and then resets the other side.
+/// A slow reader loses the bytes that the system still holds. Lives on the single-threaded executor of the
+/// client's socket.
 class TcpLink final : public Connection
 {
 public:

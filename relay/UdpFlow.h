@@ -69,7 +69,7 @@ public:
         }
     }
 
-    /// Whether the client has sent nothing for so long.
+    /// Whether the client has sent nothing during the last `limit`.
     bool isIdleFor(Duration limit) const { return lastReceived < Clock::now() - limit; }
 
 private:
@@ -120,7 +120,7 @@ private:
         upstream.close(ignored);
     }
 
-    /// What a socket does not take at once is lost, as on any full link.
+    /// Datagrams that a socket does not take at once are lost, as on any full link.
     void deliver()
     {
         Error ignored;

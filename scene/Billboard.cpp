@@ -33,7 +33,7 @@ Billboard::Billboard(long long newId, Vector3 at, Quaternion q)
     : Transform(static_cast<unsigned long long>(newId))
 {
     position = at;
-    // 180 radians, not degrees: about 233 degrees. Kept on purpose, so that the picture stays the same.
+    // 180 radians, not degrees: about 233 degrees. Kept on purpose, so that the explosion looks the same.
     orientation = q * Quaternion::FromAxisAngle(180.0F, {0.0F, 1.0F, 0.0F});
     orientation.normalise();
     init();

@@ -4,8 +4,8 @@
 #include "math/Vector3.h"
 #include "scene/Transform.h"
 
-/// An explosion: a picture of 10 by 10 world units. It faces the camera of the moment of its creation, stands
-/// still, and queues itself for removal after a second.
+/// An explosion: a textured square of 10 by 10 world units. It faces the camera of the moment of its
+/// creation, stands still, and queues itself for removal after a second.
 class Billboard : public Transform
 {
 public:

@@ -34,7 +34,7 @@ public:
     void setLineSegment(Vector3 offset);
 
     /// Whether two spheres, or a sphere and a segment, collide; false for any other pair. Not symmetric, on
-    /// purpose: called on the sphere it rotates the sphere's own zero offset, so only the segment's start
+    /// purpose: called on the sphere it rotates the sphere's own zero offset. Then only the segment's start
     /// counts.
     bool collidesWith(CollisionObject& other);
 

@@ -30,9 +30,8 @@ public:
     Vector3 blueStart();
     Vector3 redStart();
 
-    /// A point of the box. `random`: on a lattice of 0.01 units, drawn with rand(), which is seeded by
-    /// `seed`; seed 0 seeds it once from the clock. Not `random`: gridPoint() of slot `seed` for the scene's
-    /// players.
+    /// A point of the box. `random`: on a lattice of 0.01 units, drawn with rand(). `seed` seeds rand(); seed
+    /// 0 seeds it once from the clock. Not `random`: gridPoint() of slot `seed` for the scene's players.
     Vector3 getStartingPointWithin(Vector3 centre, Vector3 size, bool random, int seed);
 
     /// Slot number `slot` of a grid over the box, counted along x, then y, then z, from the lower corner.

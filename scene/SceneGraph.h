@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <utility>
 
-/// The root of the scene and the registry of its objects: a list per type, three look-up tables, and the list
-/// of objects to remove.
+/// The root of the scene and the registry of its objects. It has a list per type, three look-up tables, and
+/// the list of objects to remove.
 ///
 /// A singleton, created on first use; main thread only. Objects enter through Transform::attach. They leave
 /// in two steps. addToRemoveList queues an object, also while the tree or a type list is being walked.
@@ -62,7 +62,7 @@ public:
     std::unordered_map<long long, Transform*> idTable;
 
 private:
-    // Where each leaving object first stands in the list of its type, if it does.
+    // The first place of each leaving object in the list of its type, if it is there.
     using TypeListPlaces = std::unordered_map<Transform*, std::optional<std::list<Transform*>::iterator>>;
 
     TypeListPlaces placesInTypeLists(const std::list<Transform*>& leaving);

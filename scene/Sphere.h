@@ -15,7 +15,7 @@ public:
     bool collidesWith(LineSegment const& segment) const;
 
     /// Whether two spheres touch or overlap. If so, *contact becomes the point of the smaller sphere's
-    /// surface towards the larger's centre; of b's surface if the radii are equal.
+    /// surface towards the larger's centre. If the radii are equal, b counts as the smaller sphere.
     static bool sphereSphere(Sphere const& a, Sphere const& b, Vector3* contact);
 
     /// Whether the segment's whole line comes within the sphere's radius. So a sphere beyond either end but

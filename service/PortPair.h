@@ -13,8 +13,8 @@ struct PortPair
     boost::asio::ip::tcp::acceptor acceptor;
     boost::asio::ip::udp::socket udp;  ///< non-blocking
 
-    /// Port 0 takes any number that is free for both. Throws boost::system::system_error if no port is free,
-    /// if the given port is taken, or if the address is not one of this machine.
+    /// Port 0 takes any number that is free for both. Throws boost::system::system_error if no port is free
+    /// or the given one is taken. It also throws if the address is not one of this machine.
     PortPair(boost::asio::io_context& io, std::uint16_t port,
              const boost::asio::ip::address_v4& address = boost::asio::ip::address_v4::loopback());
 

@@ -2,6 +2,6 @@
 
 #include <string>
 
-/// Writes one line to standard output, or nothing if writing would block: a reader that stopped must not
+/// Writes one line to standard output, or nothing if writing would block. So a reader that stopped does not
 /// stall a server.
 void writeStatusLine(const std::string& line);

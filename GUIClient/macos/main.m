@@ -1,5 +1,5 @@
-// The start-up code of macOS: turns a start from the desktop or from a shell into a call of SDL_main, within
-// a Cocoa application that SDL finds ready.
+// The start-up code of macOS. It makes a Cocoa application ready for SDL, then calls SDL_main. It handles
+// starts from the desktop and from a shell.
 #undef NDEBUG  // the assertion below does work, in release builds as well
 
 #import "GUIClient/macos/MenuBar.h"
@@ -13,7 +13,7 @@
 #include <string.h>
 #include <unistd.h>
 
-#undef main  // SDL renames it, for programs that leave it to SDL
+#undef main  // SDL's headers rename it to SDL_main; the function below is the real one
 
 int SDL_main(int argc, char** argv);  // see GUIClient/SDLMain.h, which is C++
 

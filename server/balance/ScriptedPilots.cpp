@@ -96,8 +96,8 @@ private:
 
 }  // namespace
 
-/// The client's picture is 60 degrees high and 4:3. Its camera flies behind the ship and looks where the
-/// mouse points, not where the nose points.
+/// The client's view is 60 degrees high and 4:3. Its camera flies behind the ship and looks where the mouse
+/// points, not where the nose points.
 bool PilotView::shows(const Ship& ship, float range) const
 {
     const Vector3 camera = self.position + self.orientation.rotate({0.0F, 2.0F, -5.0F});

@@ -33,7 +33,7 @@ public:
     const Ship& self;
     float time = 0.0F;
 
-    /// Whether a living enemy within the range is in the picture and no carrier hides it.
+    /// Whether a living enemy within the range is in the view and no carrier hides it.
     bool shows(const Ship& ship, float range) const;
     /// The way to the nearest enemy in view; zero if there is none within the range.
     Vector3 wayToNearest(float range) const;
@@ -44,8 +44,8 @@ using Pilot = std::function<ShipInput(const PilotView&)>;
 /// Stands for some seconds, then flies ahead and fires, and never turns.
 Pilot newcomer(float waits);
 
-/// Turns by at most 90 degrees a second towards the place where it saw the nearest enemy 250 ms ago, without
-/// leading. Aims 2 degrees off, fires when it points there. Seeing nobody, it circles to the left.
+/// Turns by at most 90 degrees a second towards the nearest enemy's place of 250 ms ago, without leading.
+/// Aims 2 degrees off, and fires when it points there. When it sees nobody, it circles to the left.
 Pilot averageHuman();
 
 /// Lets the pilot fly for `duration` seconds among 16 bots. Two of three seeds let it join a match that is

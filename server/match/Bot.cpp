@@ -13,7 +13,7 @@ namespace practice {
 namespace {
 
 // Distances are in world units.
-constexpr float closeIn = 60.0F;       ///< beyond this distance a bot flies at its enemy, within it drifts
+constexpr float closeIn = 60.0F;       ///< beyond this distance a bot flies at its enemy; within, it drifts
 constexpr float approachRate = 0.7F;   ///< units/s of closing speed for each unit still to go
 constexpr float tooClose = 30.0F;      ///< within this distance of its enemy it breaks away
 constexpr float clearance = 22.0F;     ///< kept from every other ship
@@ -27,17 +27,17 @@ constexpr float burstTime = 1.0F;      ///< seconds of fire before a pause
 // The cost of a target is a distance.
 constexpr float offCentreCost = 0.3F;  ///< for each unit between the enemy and the fight's centre
 constexpr float chaserCost = 40.0F;    ///< for each friend that chases the enemy
-constexpr float humanFactor = 0.15F;   ///< humans seem nearer: they have come to see action
+constexpr float humanFactor = 0.15F;   ///< humans seem nearer, so that they meet enemies soon
 constexpr float chaseCone = 0.97F;     ///< cosine of 14 degrees: a ship chases the enemy that it points at
 constexpr float chaseRange = 200.0F;
 
 // How a bot shows itself to a human.
-constexpr float showDistance = 70.0F;  ///< before the human's nose
+constexpr float showDistance = 70.0F;  ///< ahead of the human's nose
 constexpr float showWidth = 22.0F;     ///< to each side of it
 constexpr float showPeriod = 5.0F;     ///< seconds for one turn to and fro
 constexpr float viewRange = 95.0F;     ///< within it a human can tell a ship from a star
-constexpr float viewCone = 0.9F;       ///< cosine of 26 degrees: before a human's eyes
-constexpr float humanLeash = 450.0F;   ///< from a fight's centre; so far a bot follows a human
+constexpr float viewCone = 0.9F;       ///< cosine of 26 degrees: in front of a human
+constexpr float humanLeash = 450.0F;   ///< the farthest from a fight's centre that a bot follows a human
 
 constexpr float respawnProtection = 4.0F;  ///< seconds, until the ship fires
 
@@ -88,7 +88,7 @@ bool hasSpawnProtection(const ShipView& ship, const BotSkill& skill)
     return !ship.firedInLife && ship.sinceSpawn <= respawnProtection;
 }
 
-/// Whether a place lies within range before a ship's nose. `cone` is the cosine of the widest angle.
+/// Whether a place lies within range in front of a ship's nose. `cone` is the cosine of the widest angle.
 bool isBefore(const ShipView& ship, const Vector3& place, float cone, float range)
 {
     const Vector3 offset = place - ship.position;
@@ -96,7 +96,7 @@ bool isBefore(const ShipView& ship, const Vector3& place, float cone, float rang
     return distance < range && noseOf(ship.orientation).dotProduct(offset) > cone * distance;
 }
 
-/// Bots of a team do not all turn on the same human, but those nearest to it.
+/// Only the bots of a team that are nearest to a human may target it.
 bool mayTarget(const Ship& self, const ShipView& enemy, const BotView& view, const BotSkill& skill)
 {
     if (enemy.team == self.team) {
@@ -124,7 +124,7 @@ float targetCost(const Ship& self, const ShipView& enemy, const BotView& view, c
     return way * (enemy.human ? humanFactor : 1.0F) + chaserCost * static_cast<float>(chasers);
 }
 
-/// Full thrust from afar; near the enemy slow enough to keep it before the nose.
+/// Full thrust from afar; near the enemy slow enough to keep it ahead.
 std::uint32_t throttle(float distance, float closingSpeed)
 {
     const float wanted = (distance - closeIn) * approachRate;
@@ -320,7 +320,7 @@ bool Bot::showsItself(const ShipView& enemy) const
     return enemy.human && (hasSpawnProtection(enemy, skill) || unseenFor > skill.stalkTime);
 }
 
-/// Flies to and fro before the human's nose, as fast as the human.
+/// Flies to and fro in front of the human's nose, as fast as the human.
 ShipInput Bot::passInFront(const Ship& self, const ShipView& human, const BotView& view) const
 {
     const float phase = view.time / showPeriod + static_cast<float>(ship % 8U) / 8.0F;

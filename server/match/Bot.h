@@ -9,7 +9,7 @@
 
 namespace practice {
 
-/// A bot's knowledge of a living ship: what the server sends to every client, or a client can derive from it.
+/// A bot's knowledge of a living ship. Every client receives the same or can derive it.
 struct ShipView
 {
     ObjectId id = noObject;
@@ -48,16 +48,16 @@ struct BotSkill
 /// One bot's skill: the difficulty's, better or worse by up to a quarter.
 BotSkill drawSkill(Difficulty difficulty, Random& random);
 
-/// The centre of the fight near a team's carrier. It swings before the carrier's bow, in view of ships that
-/// have just started there. `time` in seconds.
+/// The centre of the fight near a team's carrier. It swings in front of the carrier's bow, in view of ships
+/// that have just started there. `time` in seconds.
 Vector3 fightCentre(Team carrier, float time);
 
 /// Flies one ship with the same controls as a human.
 ///
 /// It stays in the fight near one of the carriers, and prefers near enemies that few of its friends chase. It
-/// aims ahead of a moving enemy, dodges sideways, breaks away when it is hit or too close, and keeps clear of
-/// other ships and the carriers' hulls. It spares ships that have just appeared. It weaves before the nose of
-/// a new human, and of one who has not seen it lately, before it attacks.
+/// aims ahead of a moving enemy and dodges sideways. It breaks away when it is hit or too close. It keeps
+/// clear of other ships and the carriers' hulls. It spares ships that have just appeared. It weaves in front
+/// of a new human, and of one who has not seen it lately, before it attacks.
 class Bot
 {
 public:

@@ -6,10 +6,11 @@
 
 namespace practice {
 
-// The carriers' hulls: a few boxes around the model that clients draw at the teams' bases. Shots end at them,
-// ships slide along them. A runway's deck lies 5 units below its base.
+// The carriers' hulls: a few boxes around the model that clients draw at the teams' bases. Shots end at them.
+// Ships slide along them. A runway's deck lies 5 units below its base.
 
-/// The way by which a sphere leaves the hulls; zero if it touches none. From deep inside it takes several.
+/// The way by which a sphere leaves the hulls; zero if it touches none. From deep inside, several calls are
+/// needed.
 Vector3 wayOutOfHulls(const Vector3& centre, float radius);
 
 /// The share of a straight motion, in [0, 1], at which it meets a hull; nothing if it meets none.

@@ -36,8 +36,8 @@ public:
 /// with other matches.
 ///
 /// Time passes only in `step`. The same settings, rules and calls give the same match, bit for bit. One match
-/// follows another: at the score or time limit all ships vanish, and after an intermission they start again
-/// with no scores.
+/// follows another. At the score or time limit all ships vanish. After an intermission they start again with
+/// no scores.
 class Match
 {
 public:
@@ -59,9 +59,9 @@ public:
     /// Takes a ship out of the match; its shots fly on. Ignores unknown ids.
     void removeShip(ObjectId id);
 
-    /// Sets the pilot's wishes until the next call. The orientation must be a unit quaternion.
+    /// Sets the pilot's input until the next call. The orientation must be a unit quaternion.
     void setInput(ObjectId id, const ShipInput& input);
-    /// Releases all controls of a ship, for a pilot who fell silent.
+    /// Releases all controls of a ship, for a pilot who stopped sending.
     void releaseControls(ObjectId id);
 
     void step();

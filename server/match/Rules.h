@@ -35,7 +35,7 @@ struct Rules
     float maxSpeed = 75.0F;   ///< units/s; 3.75 per snapshot, below the 10 at which clients snap
     float damping = 0.5F;     ///< share of the speed lost per second
     float turnRate = 3.0F;    ///< rad/s towards the requested orientation: half a turn in about a second
-    float shipRadius = 2.5F;  ///< units that keep a ship's centre off a carrier's hull
+    float shipRadius = 2.5F;  ///< units between a ship's centre and a carrier's hull, at least
 
     // The border, a sphere around the origin. A ship beyond it is pushed back to the nearest fight.
     float borderRadius = 800.0F;  ///< units; both carriers lie inside
@@ -47,7 +47,7 @@ struct Rules
     float reloadTime = 0.25F;     ///< seconds between two shots of one ship
     float shotSpeed = 220.0F;     ///< units/s on top of the shooter's own velocity
     float shotRange = 660.0F;     ///< units; a miss ends far from the fight, where its explosion is a speck
-    float muzzleDistance = 4.0F;  ///< units before the ship's centre
+    float muzzleDistance = 4.0F;  ///< units ahead of the ship's centre
     float hitRadius = 4.5F;       ///< sphere around a ship's centre, a little larger than the hull
     float shotDamage = 12.5F;     ///< eight hits for a kill
 

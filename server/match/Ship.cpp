@@ -60,7 +60,7 @@ Vector3 limited(const Vector3& v, float longest)
 }
 
 /// The border's push on a ship that thrusts as given. It grows with the distance outside. It lasts until the
-/// ship is back at a fight, or inside and its pilot steers there too.
+/// ship is back at a fight, or is inside and thrusts towards the fight.
 Vector3 borderPush(Ship& ship, const Vector3& thrust, const Rules& rules)
 {
     const float excess = ship.position.length() - rules.borderRadius;

@@ -31,7 +31,7 @@ constexpr std::uint32_t down = 32;
 constexpr std::uint32_t fire = 0x40000000;
 }  // namespace control
 
-/// The wishes of a ship's pilot, human or bot.
+/// The input of a ship's pilot, human or bot.
 struct ShipInput
 {
     Quaternion orientation;  ///< unit; the ship turns towards it
@@ -61,7 +61,7 @@ struct Ship
     ShipInput input;
 };
 
-/// The middle of the fight near a team's carrier, before the carrier's bow.
+/// The middle of the fight near a team's carrier, in front of the carrier's bow.
 Vector3 fightMiddle(Team carrier);
 
 /// Moves a ship by one step of `dt` seconds: turn, thrust, damping, speed limit, border, hulls.

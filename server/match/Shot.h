@@ -26,7 +26,7 @@ Shot shotFrom(const Ship& ship, ObjectId id, const Rules& rules);
 Ship* firstHit(const Shot& shot, std::vector<Ship>& ships, const Rules& rules, bool friendlyFire, float dt,
                std::optional<float> end);
 
-/// The time at which two bodies come within `reach` of each other, as a share of the step in [0, 1], or
+/// The time at which two bodies come within `reach` of each other. It is a share of the step in [0, 1], or
 /// nothing. Both move in straight lines. `offset` is the vector between them at the start, `motion` is its
 /// change over the step.
 std::optional<float> contactTime(const Vector3& offset, const Vector3& motion, float reach);

@@ -43,8 +43,8 @@ Vector3 randomPoint(const Vector3& centre, const Vector3& size, Random& random)
     return centre + Vector3(size.x * x, size.y * y, size.z * z);
 }
 
-/// The grid's cells along x, as many as in a grid of the client, whose `pow` is not the same on every
-/// machine.
+/// The number of the grid's cells along x, as in a grid of the client. The client's `pow` differs between
+/// machines, so it is not used here.
 int cellsAlongX(std::size_t players)
 {
     const Vector3 box = General::gridBox;

@@ -17,8 +17,8 @@ namespace practice {
 /// One client's TCP connection, with a bounded send queue and a bounded receive buffer.
 ///
 /// Lives on its socket's single-threaded executor. Sending never blocks. A client is cut off when its queue
-/// is full because it does not read, and when its bytes are no frames. The owner looks at `state` regularly
-/// and then closes the session. The traffic goes into the measurement log's counters.
+/// is full, because it does not read. It is also cut off when its bytes are no frames. The owner looks at
+/// `state` regularly and then closes the session. The traffic goes into the measurement log's counters.
 class ClientSession : public std::enable_shared_from_this<ClientSession>
 {
 public:

@@ -8,7 +8,7 @@
 
 namespace practice {
 
-// What strangers may cost the server. Time is counted in steps of the match.
+// Limits on what clients may cost the server. Time is counted in steps of the match.
 
 /// Allows a number of units a second on average, and `burst` units at once.
 class RateLimit
@@ -30,13 +30,13 @@ private:
 
 /// Decides why a client has to be dropped. Knows nothing of sockets or clocks.
 ///
-/// While a client loads, its UDP address is unknown: its datagrams may be a stranger's, so they do not count.
-/// From its first steering over UDP on it plays, and the owner reports only datagrams from its own address. A
-/// well-formed message without effect is no offence.
+/// While a client loads, its UDP address is unknown: its datagrams may be someone else's, so they do not
+/// count. From its first steering over UDP on it plays, and the owner reports only datagrams from its own
+/// address. A well-formed message without effect is no offence.
 class ClientLimits
 {
 public:
-    /// What a client may do before it is dropped. A game sends 20 datagrams of about 35 bytes a second and
+    /// What a client may do before it is dropped. `vantor` sends 20 datagrams of about 35 bytes a second and
     /// nothing on TCP. An honest client stays far below, even if a bad line doubles or bunches its datagrams.
     struct Config
     {
@@ -46,7 +46,7 @@ public:
         std::uint32_t datagramBurst = 400;  ///< datagrams
         std::uint32_t streamBytes = 8192;   ///< a second, on TCP
         std::uint32_t streamBurst = 65536;  ///< bytes
-        std::uint32_t garbageBurst = 20;    ///< messages without sense; one more is forgiven each second
+        std::uint32_t garbageBurst = 20;    ///< malformed messages; one more is forgiven each second
     };
 
     enum class State : std::uint8_t
@@ -81,7 +81,7 @@ private:
     void check(bool allowed, const std::string& limit);
 };
 
-/// A log that clients who come and go cannot flood: it passes on some lines, and once a second the number of
+/// A log that many short connections cannot flood. It passes on some lines, and once a second the number of
 /// lines left out.
 class RateLimitedLog
 {

@@ -18,9 +18,9 @@ std::string shotInfoFrame(const Shot& shot, std::uint32_t timestamp);
 
 /// Turns what happens in a match into frames for the clients. Knows nothing of sockets.
 ///
-/// Events leave through the reliable sink at once. Changed player data waits for the next snapshot: a full
+/// Events leave through the reliable sink at once. Changed player data waits for the next snapshot. A full
 /// state restarts a client's smoothing, so it must fit into the sequence of states. A snapshot omits the
-/// ships whose full state left at the same match time: of two states with one timestamp, a client would
+/// ships whose full state left at the same match time. From two states with one timestamp, a client would
 /// compute that the ship stands still.
 class MatchBroadcast : public MatchObserver
 {

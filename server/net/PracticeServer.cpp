@@ -18,7 +18,7 @@ constexpr unsigned stepsPerSnapshot = 3;        ///< 20 snapshots a second, exac
 constexpr std::uint64_t silentSteps = 60;       ///< after a second without steering the controls are released
 constexpr int mostAcceptsPerStep = 128;         ///< more wait in the system's queue
 constexpr unsigned mostWelcomesPerStep = 4;     ///< fills the server in a third of a second
-constexpr std::uint64_t turnedAwayPeriod = 60;  ///< steps between two lines about connections turned away
+constexpr std::uint64_t turnedAwayPeriod = 60;  ///< steps between two lines about rejected connections
 
 std::string joinLine(const Ship& ship, const tcp::endpoint& from)
 {
@@ -87,8 +87,8 @@ void PracticeServer::stop()
 
 // Joining and leaving.
 
-/// Connections wait in the system's queue until a step takes them. Those that hung up meanwhile and those
-/// that a full server turns away cost next to nothing, so they delay nobody behind them.
+/// Connections wait in the system's queue until a step takes them. Only welcomes count towards a step's few
+/// places. So connections that hung up, or that a full server rejects, delay nobody behind them.
 void PracticeServer::acceptConnections()
 {
     unsigned welcomed = 0;
@@ -207,8 +207,8 @@ void PracticeServer::receive()
                                  });
 }
 
-/// A stranger's datagram has no effect, unless it is the first steering of a client that loads. The frames
-/// behind one of another qport have none either.
+/// A datagram from an unknown address has no effect, unless it is the first steering of a client that loads.
+/// A frame with another qport has no effect, nor have the frames behind it.
 void PracticeServer::handleDatagram(std::size_t bytes)
 {
     Logger::getInstance()->countPacket(Logger::UDP_RECEIVED, bytes);
@@ -257,9 +257,9 @@ PracticeServer::Client* PracticeServer::findClient(Condition condition)
     return found == clients.end() ? nullptr : &*found;
 }
 
-/// The client with that qport, if the datagram comes from its address or, while that is unknown, from the
-/// host of its connection. Else the client with that address: one socket may play again while the player's
-/// earlier connections still stand.
+/// The client with that qport, if the datagram comes from its address. While that is unknown, the host of its
+/// connection counts. Else the client with that address: one socket may play again while the player's earlier
+/// connections are still open.
 PracticeServer::Client* PracticeServer::findSender(std::uint16_t qport)
 {
     Client* const named = findClient([this, qport](const Client& c) {

@@ -40,9 +40,9 @@ struct ServerConfig
 /// A server that hosts one match.
 ///
 /// Lives on the one thread that runs the io_context. The io_context must not run after the server is
-/// destroyed. Nothing that a client sends is trusted, and no client can stall the server or make it grow:
-/// received data is bounded, a client that misbehaves is dropped with one line that says why, and few
-/// connections are admitted per step. All time limits are counted in steps of the match.
+/// destroyed. Nothing that a client sends is trusted. No client can stall the server or make it grow:
+/// received data is bounded, and each step admits few connections. The server drops a client that misbehaves,
+/// and one line says why. All time limits are counted in steps of the match.
 class PracticeServer
 {
 public:

@@ -1,5 +1,4 @@
-// What the client's drawing takes for granted of the art, and what the art may cost. tests/pictures shows its
-// looks.
+// What the client's drawing requires of the art, and what the art may cost. tests/pictures shows its looks.
 #include <SDL_image.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>

@@ -71,8 +71,8 @@ inline messages::ShipState shipBehind(Vector3 viewer)
     return {GameSession::ownId, false, viewer - Vector3(0, 2, 5), Quaternion(0, 0, 1, 0)};
 }
 
-/// The frames of eight ships, 20 to 27, seen by a viewer at the place: four sides of a fighter of each team,
-/// blue above red. The viewer looks along +z with +y up, so its right is -x.
+/// The frames of eight ships, 20 to 27, seen by a viewer at the place. They show four sides of a fighter of
+/// each team, blue above red. The viewer looks along +z with +y up, so its right is -x.
 inline std::string parade(Vector3 viewer)
 {
     std::string frames;

@@ -67,8 +67,8 @@ TEST(Session, KeysAndTheMouseSteer)
         EXPECT_TRUE(awaitBits(0));
     }
 
-    // A step of the pointer is lost when it falls into the instant in which the client sets it back: so there
-    // are many steps.
+    // A step of the pointer is lost if the client moves the pointer back at that instant. So there are many
+    // steps.
     const Quaternion start = game.server.lastSteering().orientation;
     for (int step = 0; step < 20; ++step) {
         game.display.xdotool("mousemove_relative 8 0 sleep 0.02");

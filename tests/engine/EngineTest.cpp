@@ -1,4 +1,4 @@
-// Window, input and resources, and the calls of OpenGL and SDL behind the picture.
+// Window, input and resources, and the calls of OpenGL and SDL that draw.
 #include "GUIClient/drawGL.h"
 #include "engine/ModelLoader.h"
 #include "engine/OpenGL.h"

@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <set>
 
-/// A client without a window and a network: the test delivers the bytes of its TCP connection and runs its
+/// A client without a window and a network. The test delivers the bytes of its TCP connection and runs its
 /// frames. It uses the process's only scene, so one Arena at a time.
 class Arena
 {

@@ -1,5 +1,5 @@
-// Stands in for the game: prints what the start-up code of macOS gave it, chooses Quit, and ends with
-// status 7.
+// Stands in for the game. Prints what the start-up code of macOS gave it, chooses Quit, and ends with status
+// 7.
 #include <SDL.h>
 
 #include <stdio.h>

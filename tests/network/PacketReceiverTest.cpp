@@ -47,8 +47,8 @@ std::ostream& operator<<(std::ostream& out, const Vector3& v)
     return out << v.x << ',' << v.y << ',' << v.z << ' ';
 }
 
-// The objects that the server knows: type, id, newest two times, newest state and their own data; of
-// explosions the drawn position.
+// The objects that the server knows: type, id, newest two times, newest state and their own data. Explosions
+// have the drawn position only.
 std::string scene()
 {
     std::ostringstream out;

@@ -31,7 +31,7 @@ auto openDescriptors()
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
-/// A server's ports, a relay before them, and the ends of both sides.
+/// A server's ports, a relay in front of them, and the ends of both sides.
 class LocalNetwork : public peer::Endpoints
 {
 public:
@@ -231,7 +231,7 @@ TEST(Relay, OutlivesAServerThatBreaksAndComesBack)
     datagrams.send("?", network.address);
     StreamEnd& late = network.connect();
     EXPECT_TRUE(network.await([&] { return late.end.failed(); }));
-    network.pass(200ms);  // until the datagram is refused, too, which nobody needs to know
+    network.pass(200ms);  // until the datagram is refused, too, which needs no report
 
     network.server = PortPair(network.io, port);
     network.serverDatagrams.socket = std::move(network.server.udp);

@@ -34,7 +34,8 @@ protected:
         config.port = 0;
         config.bots = 0;
         config.log = [this](const std::string& line) { log.push_back(line); };
-        // Each number comes twice, and the first is of no use: the clients' qports are 1, 2, 3 and so on.
+        // Each number comes twice, and the first, 0, is no qport. So the clients' qports are 1, 2, 3 and so
+        // on.
         config.random = [draws = 0x20000U]() mutable { return draws++ / 2; };
     }
     void TearDown() override

@@ -36,21 +36,21 @@ public:
     }
     /// Words of xdotool, like "keydown w mousedown 1". A press shorter than a frame can be missed.
     void xdotool(const std::string& words) const { run("xdotool " + words); }
-    /// Saves a part of the screen, like "320x200+0+0" (width, height, left, top), in a picture file.
+    /// Saves a part of the screen, like "320x200+0+0" (width, height, left, top), in an image file.
     void screenshot(const std::string& region, const std::string& file) const
     {
         run("import -silent -window root -strip -crop " + region + " +repage " + file);
     }
 
-    /// Waits until a part of the screen looks like the golden image of that name: a picture that a person
-    /// looked at when it was made. If it does not in time, the test fails and names the picture of what was
-    /// seen, beside which is one of the differences.
+    /// Waits until a part of the screen looks like the golden image of that name. A person approved the
+    /// golden image when it was made. If the wait times out, the test fails and names the file of the last
+    /// screenshot. An image of the differences lies beside that file.
     ///
     /// At most one pixel in 1,000 may differ by more than 5 % of the largest distance of colours. One version
-    /// of Mesa draws the same bits in every run; another one, or Mesa's other software rasteriser, differs in
-    /// a few hundred of 480,000 pixels.
+    /// of Mesa draws the same bits in every run. Another version, or Mesa's other software rasteriser,
+    /// differs in a few hundred of 480,000 pixels.
     ///
-    /// With VANTOR_REMAKE_PICTURES in the environment it makes the golden image anew before.
+    /// With VANTOR_REMAKE_PICTURES in the environment it first makes the golden image anew.
     void expectImage(const std::string& name, const std::string& region) const
     {
         const std::string golden = VANTOR_GOLDEN_IMAGES + name + ".png";

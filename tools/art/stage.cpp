@@ -7,8 +7,7 @@
 //   shot RIGHT UP AHEAD TEAM
 //   explosion RIGHT UP AHEAD                     appears at "explode"
 //   explode                                      in the order of the lines; explosions last a second
-//   wait REPORTS                                 of the client, 20 a second; prints the view's heading and
-//   climb
+//   wait REPORTS                                 of the client, 20 a second; prints heading and climb
 //
 // TEAM is "blue" or "red". Ships, shots and explosions are placed relative to the viewer and the view at the
 // newest "camera" or "own".

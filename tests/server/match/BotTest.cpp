@@ -23,8 +23,8 @@ void run(Match& match, unsigned steps)
 
 }  // namespace
 
-/// The hash changes with every change of the rules, the bots or the math under them, but not with the
-/// compiler or the machine.
+/// The hash changes with every change of the rules, the bots or their math. It is the same with every
+/// compiler and on every machine.
 TEST(Bots, TenMinuteMatchIsTheSameEverywhere)
 {
     Match match = botMatch({5});
