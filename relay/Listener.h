@@ -48,6 +48,9 @@ public:
         ports.udp.close(ignored);
     }
 
+    /// False if a part of what was asked for is missing.
+    virtual bool isComplete() const { return true; }
+
     std::uint16_t port() const { return ports.number(); }
 
 protected:

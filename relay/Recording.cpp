@@ -20,6 +20,7 @@ namespace io = google::protobuf::io;
 
 constexpr const char* format = "vantor-relay recording";
 constexpr std::uint32_t version = 2;
+constexpr std::uintmax_t largestFile = std::uintmax_t(512) << 20U;
 constexpr std::size_t largestMessage = largestChunk + 64;  ///< the other fields take less than 64 bytes
 constexpr std::uint64_t longestRecording = 365ULL * 24 * 3600 * 1'000'000;  ///< µs; sums cannot overflow
 
@@ -69,16 +70,27 @@ bool isValid(const Chunk& chunk, std::uint64_t previous)
 
 }  // namespace
 
-RecordingWriter::RecordingWriter(const std::string& path_) : path(path_), file(path_, std::ios::binary)
+RecordingWriter::RecordingWriter(const std::string& path_, LogOnce::Log log_)
+    : path(path_), log(std::move(log_))
 {
+    std::error_code unknown;  // opening fails as well then, and that error is reported
+    if (std::filesystem::is_fifo(path, unknown)) {
+        throw std::runtime_error("cannot record into " + path + ": it is a pipe");
+    }
+    file.open(path, std::ios::binary);
     recording::Header header;
     header.set_format(format);
     header.set_version(version);
-    put(header);
+    if (!put(header)) {
+        throw systemError("record into", path);
+    }
 }
 
 void RecordingWriter::write(const Flow& flow, Chunk::Kind kind, const char* data, std::size_t size)
 {
+    if (failed) {
+        return;
+    }
     const auto elapsed = std::chrono::duration_cast<Duration>(Clock::now() - start);
     Chunk chunk;
     chunk.set_microseconds(static_cast<std::uint64_t>(elapsed.count()));
@@ -89,14 +101,15 @@ void RecordingWriter::write(const Flow& flow, Chunk::Kind kind, const char* data
     if (size > 0) {
         chunk.set_bytes(data, size);
     }
-    put(chunk);
+    failed = !put(chunk);
+    if (failed) {
+        log("the recording ends here: " + std::string(systemError("record into", path).what()));
+    }
 }
 
-void RecordingWriter::put(const google::protobuf::Message& message)
+bool RecordingWriter::put(const google::protobuf::Message& message)
 {
-    if (!google::protobuf::util::SerializeDelimitedToOstream(message, &file) || !file.flush()) {
-        throw systemError("record into", path);
-    }
+    return google::protobuf::util::SerializeDelimitedToOstream(message, &file) && file.flush();
 }
 
 std::vector<Chunk> readRecording(const std::string& path, const Warn& warn)
@@ -105,6 +118,9 @@ std::vector<Chunk> readRecording(const std::string& path, const Warn& warn)
     const std::filesystem::file_status status = std::filesystem::status(path, unknown);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         throw std::runtime_error(path + " is no regular file");
+    }
+    if (std::filesystem::exists(status) && std::filesystem::file_size(path) > largestFile) {
+        throw std::runtime_error(path + " is larger than 512 MiB");
     }
     std::ifstream file(path, std::ios::binary);
     if (!file) {
@@ -123,6 +139,9 @@ std::vector<Chunk> readRecording(const std::string& path, const Warn& warn)
         if (!isValid(chunk, previous)) {
             result = Read::garbled;
             break;
+        }
+        if (chunks.size() == mostChunks) {
+            throw std::runtime_error(path + " has more than " + std::to_string(mostChunks) + " chunks");
         }
         previous = chunk.microseconds();
         chunks.push_back(std::move(chunk));

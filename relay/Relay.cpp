@@ -51,7 +51,7 @@ Relay::Relay(boost::asio::io_context& io, const RelayConfig& config_)
                                  std::to_string(port()));
     }
     if (!config.recordPath.empty()) {  // only now: an error above must not replace an older recording
-        config.recording = std::make_shared<RecordingWriter>(config.recordPath);
+        config.recording = std::make_shared<RecordingWriter>(config.recordPath, config.log);
     }
 }
 

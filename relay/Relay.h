@@ -34,6 +34,7 @@ public:
     ~Relay() override { Relay::stop(); }
 
     void stop() override;
+    bool isComplete() const override { return config.recording == nullptr || !config.recording->hasFailed(); }
 
 private:
     RelayConfig config;

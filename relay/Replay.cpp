@@ -137,12 +137,15 @@ public:
         }
         address = sender;
         if (waitingSince) {
+            timer.cancel();
             began += Clock::now() - *waitingSince;
             sendNext();
         }
     }
 
 private:
+    static constexpr std::chrono::seconds patience{20};  ///< with a client that sends no datagram
+
     TcpSocket client;
     boost::asio::ip::tcp::endpoint peer;
     boost::asio::ip::udp::socket& udp;
@@ -192,6 +195,12 @@ private:
             handleSent({});
         } else {
             waitingSince = Clock::now();
+            timer.expires_after(patience);
+            timer.async_wait(whileOpen([this](const error_code& cancelled) {
+                if (!cancelled) {
+                    end("sent no datagram for 20 s");
+                }
+            }));
         }
     }
 

@@ -17,8 +17,8 @@ void report(const std::string& line)
     std::fprintf(stderr, "vantor-relay: %s\n", printable(line).c_str());
 }
 
-/// Runs a relay or a replayer until a signal asks for the end.
-void serve(const relay::RelayConfig& config)
+/// Runs a relay or a replayer until a signal asks for the end. Returns the status.
+int serve(const relay::RelayConfig& config)
 {
     boost::asio::io_context io(1);
     std::unique_ptr<relay::Listener> service;
@@ -38,6 +38,7 @@ void serve(const relay::RelayConfig& config)
     writeStatusLine("ready 127.0.0.1:" + std::to_string(service->port()));
     writeStatusLine(role);
     io.run();
+    return service->isComplete() ? 0 : 1;
 }
 
 }  // namespace
@@ -52,8 +53,7 @@ int main(int argc, char** argv)
         if (const auto status = relay::readCommandLine(argc, argv, config)) {
             return *status;
         }
-        serve(config);
-        return 0;
+        return serve(config);
     } catch (const std::exception& error) {
         report(error.what());
         return 1;

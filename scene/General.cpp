@@ -86,7 +86,11 @@ Vector3 General::gridPoint(Vector3 centre, Vector3 size, int slot, std::size_t p
 {
     const float q = static_cast<float>(players) / (size.y / size.x) / (size.z / size.x);
     constexpr double third = 0.3333333432674408;  // the float nearest to one third
-    const int n = saturatingTruncation(std::pow(static_cast<double>(q), third));
+    return gridCell(centre, size, slot, saturatingTruncation(std::pow(static_cast<double>(q), third)));
+}
+
+Vector3 General::gridCell(Vector3 centre, Vector3 size, int slot, int n)
+{
     const int proportionalLayers = truncated(static_cast<float>(n) * size.z / size.x);
     const int layers = proportionalLayers == 0 ? 1 : proportionalLayers;
     const int columns = nextOdd(n);

@@ -38,6 +38,8 @@ public:
     /// Slot number `slot` of a grid over the box, counted along x, then y, then z, from the lower corner.
     /// The grid has about one cell per player, in the proportions of the box. Pure: any thread may call it.
     static Vector3 gridPoint(Vector3 centre, Vector3 size, int slot, std::size_t players);
+    /// The same of a grid with about `n` cells along x. Needs no function of the C library.
+    static Vector3 gridCell(Vector3 centre, Vector3 size, int slot, int n);
 
     std::int32_t redTeamScore = 0;
     std::int32_t blueTeamScore = 0;

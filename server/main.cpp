@@ -3,14 +3,37 @@
 #include "server/net/ServerOptions.h"
 #include "service/StatusLine.h"
 
+#include <boost/asio/local/datagram_protocol.hpp>
 #include <boost/asio/signal_set.hpp>
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace {
+
+/// Reports to a service manager that waits for it, as systemd does (Type=notify), that players can join.
+void reportReadiness(boost::asio::io_context& io)
+{
+    const char* const name = std::getenv("NOTIFY_SOCKET");
+    if (name == nullptr) {
+        return;
+    }
+    std::string path = name;
+    if (path.rfind('@', 0) == 0) {
+        path[0] = '\0';  // a name outside the file system
+    }
+    try {
+        boost::asio::local::datagram_protocol::socket socket(io);
+        socket.connect(path);
+        socket.send(boost::asio::buffer(std::string_view("READY=1")));
+    } catch (const boost::system::system_error& error) {
+        writeStatusLine(std::string("cannot report to the service manager: ") + error.what());
+    }
+}
 
 void serve(practice::ServerOptions& options)
 {
@@ -28,6 +51,7 @@ void serve(practice::ServerOptions& options)
     });
     server.start();
     writeStatusLine("ready " + options.server.bind.to_string() + ":" + std::to_string(server.port()));
+    reportReadiness(io);
     io.run();
     writeStatusLine(server.timing());
 }

@@ -1,9 +1,12 @@
 #include "server/match/Bot.h"
 
+#include "server/match/Hull.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace practice {
 
@@ -24,13 +27,22 @@ constexpr float burstTime = 1.0F;      ///< seconds of fire before a pause
 // The cost of a target is a distance.
 constexpr float offCentreCost = 0.3F;  ///< for each unit between the enemy and the fight's centre
 constexpr float chaserCost = 40.0F;    ///< for each friend that chases the enemy
-constexpr float humanFactor = 0.35F;   ///< humans seem nearer: they have come to see action
+constexpr float humanFactor = 0.15F;   ///< humans seem nearer: they have come to see action
 constexpr float chaseCone = 0.97F;     ///< cosine of 14 degrees: a ship chases the enemy that it points at
 constexpr float chaseRange = 200.0F;
 
-// Seconds of spawn protection.
-constexpr float firstSpawnProtection = 22.0F;  ///< time to look around
-constexpr float respawnProtection = 4.0F;
+// How a bot shows itself to a human.
+constexpr float showDistance = 70.0F;  ///< before the human's nose
+constexpr float showWidth = 22.0F;     ///< to each side of it
+constexpr float showPeriod = 5.0F;     ///< seconds for one turn to and fro
+constexpr float viewRange = 95.0F;     ///< within it a human can tell a ship from a star
+constexpr float viewCone = 0.9F;       ///< cosine of 26 degrees: before a human's eyes
+constexpr float humanLeash = 450.0F;   ///< from a fight's centre; so far a bot follows a human
+
+constexpr float respawnProtection = 4.0F;  ///< seconds, until the ship fires
+
+constexpr float hullMargin = 25.0F;    ///< kept from the carriers' hulls ...
+constexpr float hullLookAhead = 0.8F;  ///< ... at the place to be reached in so many seconds
 
 /// The controls that push towards a direction of the world.
 std::uint32_t controlsTowards(const Vector3& direction, const Quaternion& orientation)
@@ -47,10 +59,10 @@ std::uint32_t controlsTowards(const Vector3& direction, const Quaternion& orient
     return controls;
 }
 
-/// The direction away from all ships within the clearance; zero if there are none.
+/// The direction away from hulls ahead and all ships within the clearance; zero if there are none.
 Vector3 awayFromOthers(const Ship& self, const std::vector<ShipView>& ships)
 {
-    Vector3 away;
+    Vector3 away = wayOutOfHulls(self.position + self.velocity * hullLookAhead, hullMargin);
     for (const ShipView& other : ships) {
         const Vector3 gap = self.position - other.position;
         if (other.id != self.id && gap.lengthSquared() < clearance * clearance) {
@@ -67,24 +79,45 @@ const ShipView* findView(const std::vector<ShipView>& ships, ObjectId id)
     return found == ships.end() ? nullptr : &*found;
 }
 
-/// Bots do not fire first at a ship that has just appeared.
-bool hasSpawnProtection(const ShipView& ship)
+/// Bots do not fire at a ship that has just appeared. A human's first life is spared also while it fires.
+bool hasSpawnProtection(const ShipView& ship, const BotSkill& skill)
 {
-    return !ship.firedInLife &&
-           ship.sinceSpawn <= (ship.firstLife ? firstSpawnProtection : respawnProtection);
+    if (ship.human && ship.firstLife) {
+        return ship.sinceSpawn <= skill.newcomerProtection;
+    }
+    return !ship.firedInLife && ship.sinceSpawn <= respawnProtection;
 }
 
-bool isChasing(const ShipView& friendly, const ShipView& enemy)
+/// Whether a place lies within range before a ship's nose. `cone` is the cosine of the widest angle.
+bool isBefore(const ShipView& ship, const Vector3& place, float cone, float range)
 {
-    const Vector3 offset = enemy.position - friendly.position;
+    const Vector3 offset = place - ship.position;
     const float distance = offset.length();
-    return distance < chaseRange && noseOf(friendly.orientation).dotProduct(offset) > chaseCone * distance;
+    return distance < range && noseOf(ship.orientation).dotProduct(offset) > cone * distance;
+}
+
+/// Bots of a team do not all turn on the same human, but those nearest to it.
+bool mayTarget(const Ship& self, const ShipView& enemy, const BotView& view, const BotSkill& skill)
+{
+    if (enemy.team == self.team) {
+        return false;
+    }
+    if (!enemy.human) {
+        return !hasSpawnProtection(enemy, skill);
+    }
+    const float distance = self.position.distanceSquared(enemy.position);
+    const auto nearer = std::count_if(view.ships.begin(), view.ships.end(), [&](const ShipView& friendly) {
+        return friendly.team == self.team && !friendly.human &&
+               friendly.position.distanceSquared(enemy.position) < distance;
+    });
+    return nearer < skill.packSize + (hasSpawnProtection(enemy, skill) ? 1 : 0);
 }
 
 float targetCost(const Ship& self, const ShipView& enemy, const BotView& view, const Vector3& centre)
 {
     const auto chasers = std::count_if(view.ships.begin(), view.ships.end(), [&](const ShipView& friendly) {
-        return friendly.team == self.team && friendly.id != self.id && isChasing(friendly, enemy);
+        return friendly.team == self.team && friendly.id != self.id &&
+               isBefore(friendly, enemy.position, chaseCone, chaseRange);
     });
     const float way =
         self.position.distance(enemy.position) + offCentreCost * centre.distance(enemy.position);
@@ -134,11 +167,16 @@ BotSkill drawSkill(Difficulty difficulty, Random& random)
         skill.aimPeriod = 0.9F;
         skill.dodgeShare = 0.3F;
         skill.burstPause = 3.5F;
+        skill.packSize = 1;
+        skill.stalkTime = 0.5F;
     } else if (difficulty == Difficulty::hard) {
-        skill.aimError = 0.06F;
+        skill.aimError = 0.035F;
         skill.aimPeriod = 0.4F;
         skill.dodgeShare = 1.0F;
         skill.burstPause = 0.0F;
+        skill.packSize = 8;
+        skill.newcomerProtection = 8.0F;
+        skill.stalkTime = 1e6F;  // it never breaks off
     }
     const float clumsiness = random.between(0.75F, 1.25F);
     skill.aimError *= clumsiness;
@@ -151,31 +189,29 @@ BotSkill drawSkill(Difficulty difficulty, Random& random)
 
 Vector3 fightCentre(Team carrier, float time)
 {
-    constexpr Vector3 pivot(500.0F, 45.0F, -50.0F);  // above red's carrier; blue's has the opposite x
-    constexpr float distance = 240.0F;               // units from there; the bow is at 180
-    constexpr float swing = 0.2F;                    // rad to each side of the bow
-    constexpr float period = 150.0F;                 // seconds for one swing to and fro
-    constexpr float twoPi = 6.2831853F;
-    const float angle = swing * std::sin(std::fmod(time, period) * (twoPi / period));
-    const float side = carrier == Team::blue ? -1.0F : 1.0F;
-    const Vector3 fromPivot(-side * std::sin(angle), 0.0F, std::cos(angle));
-    return Vector3(side * pivot.x, pivot.y, pivot.z) + fromPivot * distance;
+    constexpr float swing = 48.0F;    // units to each side
+    constexpr float period = 150.0F;  // seconds for one swing to and fro
+    const float phase = 2.0F * (time / period - std::floor(time / period)) - 1.0F;  // in [-1, 1)
+    const float wave = 4.0F * phase * (1.0F - std::fabs(phase));  // parabolas instead of a sine
+    return fightMiddle(carrier) + Vector3((carrier == Team::blue ? -swing : swing) * wave, 0.0F, 0.0F);
 }
 
 ShipInput Bot::steer(const Ship& self, const BotView& view, Random& random)
 {
-    const Vector3 centre = fightCentre(carrier, view.time);
+    const Vector3 centre = fightCentre(self.fightsAt, view.time);
     updateTimers(view, random);
     reactToHit(self, random);
     chooseTarget(self, view, centre, random);
     const ShipView* enemy = findView(view.ships, target);
-    const bool engaged = enemy != nullptr && self.position.distance(enemy->position) < engageRange;
-    updateReturning(self, centre, engaged);
+    updateUnseen(self, enemy, view);
+    updateReturning(self, centre, enemy);
     ShipInput input;
     if (returning) {
         input = flyTowards(centre - self.position);
-    } else if (breakAwayLeft > 0.0F || enemy == nullptr) {
+    } else if (enemy == nullptr || (breakAwayLeft > 0.0F && !hasSpawnProtection(*enemy, skill))) {
         input = flyTowards(breakAwayDirection);
+    } else if (showsItself(*enemy)) {
+        input = passInFront(self, *enemy, view);
     } else {
         input = attack(self, *enemy, view, random);
     }
@@ -207,8 +243,7 @@ void Bot::drawAimError(Random& random)
     aimErrorIn = skill.aimPeriod * random.between(0.6F, 1.4F);
     const float yaw = random.between(-skill.aimError, skill.aimError);
     const float pitch = random.between(-skill.aimError, skill.aimError);
-    aimError =
-        Quaternion::FromAxisAngle(yaw, Vector3(0, 1, 0)) * Quaternion::FromAxisAngle(pitch, Vector3(1, 0, 0));
+    aimError = smallTurn(Vector3(0, 1, 0), yaw) * smallTurn(Vector3(1, 0, 0), pitch);
 }
 
 void Bot::drawDodge(Random& random)
@@ -230,14 +265,17 @@ void Bot::reactToHit(const Ship& self, Random& random)
 
 void Bot::chooseTarget(const Ship& self, const BotView& view, const Vector3& centre, Random& random)
 {
-    if (targetChoiceIn > 0.0F && findView(view.ships, target) != nullptr) {
+    const bool humanAppeared = std::any_of(view.ships.begin(), view.ships.end(), [&](const ShipView& other) {
+        return other.human && other.team != self.team && other.sinceSpawn < view.dt;
+    });
+    if (targetChoiceIn > 0.0F && !humanAppeared && findView(view.ships, target) != nullptr) {
         return;
     }
-    targetChoiceIn = random.between(2.0F, 4.0F);
-    target = noObject;
+    targetChoiceIn = random.between(1.5F, 3.0F);
+    const ObjectId before = std::exchange(target, noObject);
     float least = std::numeric_limits<float>::max();
     for (const ShipView& enemy : view.ships) {
-        if (enemy.team == self.team || hasSpawnProtection(enemy)) {
+        if (!mayTarget(self, enemy, view, skill)) {
             continue;
         }
         const float cost = targetCost(self, enemy, view, centre);
@@ -245,6 +283,9 @@ void Bot::chooseTarget(const Ship& self, const BotView& view, const Vector3& cen
             least = cost;
             target = enemy.id;
         }
+    }
+    if (target != before) {
+        unseenFor = skill.stalkTime;  // first it has to show itself
     }
 }
 
@@ -259,11 +300,36 @@ void Bot::startBreakAway(const Ship& self, Random& random)
 
 /// A bot that has left the fight flies back well inside before it fights again. It fights an enemy on its
 /// way, unless it is very far out.
-void Bot::updateReturning(const Ship& self, const Vector3& centre, bool engaged)
+void Bot::updateReturning(const Ship& self, const Vector3& centre, const ShipView* enemy)
 {
     const float limit = returning ? fightRadius * returnShare : fightRadius;
     const float distance = self.position.distance(centre);
-    returning = distance > limit && (!engaged || distance > 2.0F * fightRadius);
+    const bool engaged = enemy != nullptr && self.position.distance(enemy->position) < engageRange &&
+                         distance < (enemy->human ? humanLeash : 2.0F * fightRadius);
+    returning = distance > limit && !engaged;
+}
+
+void Bot::updateUnseen(const Ship& self, const ShipView* enemy, const BotView& view)
+{
+    const bool seen = enemy != nullptr && isBefore(*enemy, self.position, viewCone, viewRange);
+    unseenFor = seen ? 0.0F : unseenFor + view.dt;
+}
+
+bool Bot::showsItself(const ShipView& enemy) const
+{
+    return enemy.human && (hasSpawnProtection(enemy, skill) || unseenFor > skill.stalkTime);
+}
+
+/// Flies to and fro before the human's nose, as fast as the human.
+ShipInput Bot::passInFront(const Ship& self, const ShipView& human, const BotView& view) const
+{
+    const float phase = view.time / showPeriod + static_cast<float>(ship % 8U) / 8.0F;
+    const float sway = showWidth * (4.0F * std::fabs(phase - std::floor(phase) - 0.5F) - 1.0F);
+    const Vector3 place = human.position + human.orientation.rotate(Vector3(sway, 0.0F, showDistance));
+    const Vector3 correction = human.velocity + (place - self.position) * approachRate - self.velocity;
+    const bool near = self.position.distanceSquared(human.position) < viewRange * viewRange;
+    const Quaternion orientation = near ? lookAlong(noseOf(human.orientation)) : lookAlong(correction);
+    return {orientation, controlsTowards(correction, self.orientation)};
 }
 
 ShipInput Bot::attack(const Ship& self, const ShipView& enemy, const BotView& view, Random& random)

@@ -35,11 +35,14 @@ struct BotView
 /// How well a bot flies and shoots; the defaults are those of normal difficulty.
 struct BotSkill
 {
-    float aimError = 0.09F;         ///< rad, largest error on each axis
-    float aimPeriod = 0.6F;         ///< seconds for which it keeps one error
-    float breakAwayChance = 0.25F;  ///< when hit; in [0, 1]
-    float dodgeShare = 0.6F;        ///< share of its fighting time in which it dodges sideways
-    float burstPause = 1.8F;        ///< seconds between bursts of fire
+    float aimError = 0.09F;            ///< rad, largest error on each axis
+    float aimPeriod = 0.6F;            ///< seconds for which it keeps one error
+    float breakAwayChance = 0.25F;     ///< when hit; in [0, 1]
+    float dodgeShare = 0.6F;           ///< share of its fighting time in which it dodges sideways
+    float burstPause = 1.8F;           ///< seconds between bursts of fire
+    int packSize = 2;                  ///< bots of a team that turn on the same human
+    float stalkTime = 2.0F;            ///< seconds for which it attacks a human who no longer sees it
+    float newcomerProtection = 22.0F;  ///< seconds for which it spares a human's first life
 };
 
 /// One bot's skill: the difficulty's, better or worse by up to a quarter.
@@ -53,13 +56,12 @@ Vector3 fightCentre(Team carrier, float time);
 ///
 /// It stays in the fight near one of the carriers, and prefers near enemies that few of its friends chase. It
 /// aims ahead of a moving enemy, dodges sideways, breaks away when it is hit or too close, and keeps clear of
-/// other ships. It spares ships that have just appeared, until they fire.
+/// other ships and the carriers' hulls. It spares ships that have just appeared. It weaves before the nose of
+/// a new human, and of one who has not seen it lately, before it attacks.
 class Bot
 {
 public:
-    Bot(ObjectId ship_, Team carrier_, const BotSkill& skill_) : ship(ship_), carrier(carrier_), skill(skill_)
-    {
-    }
+    Bot(ObjectId ship_, const BotSkill& skill_) : ship(ship_), skill(skill_) {}
 
     ObjectId shipId() const { return ship; }
 
@@ -68,7 +70,6 @@ public:
 
 private:
     ObjectId ship;
-    Team carrier;  ///< it fights near this team's carrier
     BotSkill skill;
     ObjectId target = noObject;
     float targetChoiceIn = 0.0F;  ///< seconds until it chooses a target again
@@ -78,6 +79,7 @@ private:
     float burstLeft = 0.0F;       ///< seconds of fire left; negative in the pause after it
     bool returning = false;       ///< flies back to the fight
     float lastHealth = 0.0F;
+    float unseenFor = 0.0F;   ///< seconds since its target looked towards it
     std::uint32_t dodge = 0;  ///< the control held for it, or 0
     Quaternion aimError;
     Vector3 breakAwayDirection = Vector3(0, 0, 1);
@@ -88,7 +90,10 @@ private:
     void reactToHit(const Ship& self, Random& random);
     void chooseTarget(const Ship& self, const BotView& view, const Vector3& centre, Random& random);
     void startBreakAway(const Ship& self, Random& random);
-    void updateReturning(const Ship& self, const Vector3& centre, bool engaged);
+    void updateReturning(const Ship& self, const Vector3& centre, const ShipView* enemy);
+    void updateUnseen(const Ship& self, const ShipView* enemy, const BotView& view);
+    bool showsItself(const ShipView& enemy) const;
+    ShipInput passInFront(const Ship& self, const ShipView& human, const BotView& view) const;
     ShipInput attack(const Ship& self, const ShipView& enemy, const BotView& view, Random& random);
     ShipInput flyTowards(const Vector3& direction) const;
 };

@@ -1,13 +1,23 @@
 #include "server/match/Match.h"
 
+#include "server/match/Hull.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace practice {
 
 namespace {
+
+constexpr std::size_t mostDeparted = 64;  ///< ships in a result that have left
+
+MatchResult::Standing standingOf(const Ship& ship)
+{
+    return {ship.name, ship.team, ship.score, ship.deaths};
+}
 
 constexpr std::array botNames = {"Altair", "Bellatrix", "Capella", "Deneb",  "Electra", "Fomalhaut",
                                  "Gemma",  "Hadar",     "Izar",    "Kochab", "Lesath",  "Mira",
@@ -36,7 +46,8 @@ Match::Match(const MatchSettings& settings_, const Rules& rules_)
 ObjectId Match::addHuman()
 {
     ++humansJoined;
-    return addShip(smallerTeam(), true, "Pilot " + std::to_string(humansJoined));
+    const Team team = smallerTeam();
+    return addShip(team, true, "Pilot " + std::to_string(humansJoined), team);
 }
 
 /// Three of eight bots defend their own carrier. More attack: they die more often and have a long way back.
@@ -46,18 +57,19 @@ ObjectId Match::addBot()
     const Team team = index % 2 == 0 ? Team::blue : Team::red;
     const bool isDefender = index / 2 % 8 % 3 == 0;
     const Team carrier = isDefender == (team == Team::blue) ? Team::blue : Team::red;
-    const ObjectId id = addShip(team, false, botName(index));
-    bots.emplace_back(id, carrier, drawSkill(settings.difficulty, random));
+    const ObjectId id = addShip(team, false, botName(index), carrier);
+    bots.emplace_back(id, drawSkill(settings.difficulty, random));
     return id;
 }
 
-ObjectId Match::addShip(Team team, bool human, const std::string& name)
+ObjectId Match::addShip(Team team, bool human, const std::string& name, Team fightsAt)
 {
     Ship& ship = ships.emplace_back();
     ship.id = nextId++;
     ship.name = name;
     ship.team = team;
     ship.human = human;
+    ship.fightsAt = fightsAt;
     if (intermissionLeft <= 0.0F) {
         spawn(ship);
     }
@@ -74,8 +86,9 @@ Team Match::smallerTeam() const
 /// Puts a ship that is not alive into the world, at rest and whole.
 void Match::spawn(Ship& ship)
 {
-    ship.position = startPoints.next(ship.team, ships, random);
+    ship.position = startPoints.next(ship, ships, random);
     ship.velocity = Vector3();
+    ship.borderGrip = 0.0F;
     // A human's view does not follow the ship, so the ship starts where the human already looks.
     ship.orientation = ship.human ? ship.input.orientation : lookAlong(-ship.position);
     ship.health = rules.fullHealth;
@@ -93,6 +106,10 @@ void Match::removeShip(ObjectId id)
     }
     if (found->alive) {
         notify(&MatchObserver::shipVanished, *found);
+    }
+    departed.push_back(standingOf(*found));
+    if (departed.size() > mostDeparted) {
+        departed.pop_front();
     }
     ships.erase(found);
     bots.erase(std::remove_if(bots.begin(), bots.end(), [id](const Bot& b) { return b.shipId() == id; }),
@@ -169,13 +186,14 @@ void Match::moveShots()
     std::vector<Shot> flying;
     flying.reserve(shots.size());
     for (Shot& shot : shots) {
-        if (Ship* victim = firstHit(shot, ships, rules, settings.friendlyFire, stepTime)) {
+        const auto hull = hullContact(shot.position, shot.velocity * stepTime);
+        if (Ship* victim = firstHit(shot, ships, rules, settings.friendlyFire, stepTime, hull)) {
             applyHit(shot, *victim);
             continue;
         }
         shot.position += shot.velocity * stepTime;
         shot.age += stepTime;
-        if (shot.age < rules.shotRange / rules.shotSpeed) {
+        if (!hull && shot.age < rules.shotRange / rules.shotSpeed) {
             flying.push_back(shot);
         } else {
             notify(&MatchObserver::shotEnded, shot);
@@ -274,6 +292,9 @@ bool Match::isOver() const
 /// Removes all ships and shots from the world. The scores stay until the next match.
 void Match::endMatch()
 {
+    if (intermissionLeft > 0.0F || steps == startStep) {
+        return;
+    }
     result = makeResult();
     for (const Shot& shot : shots) {
         notify(&MatchObserver::shotEnded, shot);
@@ -292,9 +313,8 @@ MatchResult Match::makeResult() const
 {
     MatchResult end{
         matchNumber, static_cast<unsigned>((steps - startStep) / stepsPerSecond), redScore, blueScore, {}};
-    for (const Ship& ship : ships) {
-        end.standings.push_back({ship.name, ship.team, ship.score, ship.deaths});
-    }
+    std::transform(ships.begin(), ships.end(), std::back_inserter(end.standings), standingOf);
+    end.standings.insert(end.standings.end(), departed.begin(), departed.end());
     std::stable_sort(end.standings.begin(), end.standings.end(), [](const auto& a, const auto& b) {
         return a.kills != b.kills ? a.kills > b.kills : a.deaths < b.deaths;
     });
@@ -307,6 +327,7 @@ void Match::startNextMatch()
     startStep = steps;
     redScore = 0;
     blueScore = 0;
+    departed.clear();
     for (Ship& ship : ships) {  // all of them before the first spawns, because its data carries all scores
         ship.score = 0;
         ship.deaths = 0;

@@ -9,6 +9,7 @@
 #include "server/match/StartPoints.h"
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -65,8 +66,10 @@ public:
 
     void step();
 
-    /// The result of a match, once after the step that ended it.
+    /// The result of a match, once after it ended.
     std::optional<MatchResult> takeResult();
+    /// Ends the match before its limits, unless it has not begun or is over.
+    void endMatch();
 
     const std::vector<Ship>& allShips() const { return ships; }
     const std::vector<Shot>& allShots() const { return shots; }
@@ -94,6 +97,7 @@ private:
     float intermissionLeft = 0.0F;  ///< seconds; 0 during a match
     unsigned matchNumber = 1;
     std::optional<MatchResult> result;
+    std::deque<MatchResult::Standing> departed;  ///< of this match, at most mostDeparted, the latest ones
     int redScore = 0;
     int blueScore = 0;
     unsigned humansJoined = 0;
@@ -106,7 +110,7 @@ private:
         }
     }
 
-    ObjectId addShip(Team team, bool human, const std::string& name);
+    ObjectId addShip(Team team, bool human, const std::string& name, Team fightsAt);
     Team smallerTeam() const;
     void spawn(Ship& ship);
 
@@ -120,7 +124,6 @@ private:
     void updateTimers();
 
     bool isOver() const;
-    void endMatch();
     MatchResult makeResult() const;
     void startNextMatch();
 };

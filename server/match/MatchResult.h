@@ -23,7 +23,7 @@ struct MatchResult
     unsigned seconds;
     int redScore;
     int blueScore;
-    std::vector<Standing> standings;  ///< all ships present at the end, most kills first
+    std::vector<Standing> standings;  ///< all ships, and the latest that left; most kills first
 };
 
 /// The table of a finished match: a headline and one line for each player.

@@ -31,13 +31,17 @@ struct MatchSettings
 struct Rules
 {
     // Flight.
-    float thrust = 60.0F;         ///< units/s² along the sum of the pressed directions
-    float maxSpeed = 75.0F;       ///< units/s; 3.75 per snapshot, below the 10 at which clients snap
-    float damping = 0.5F;         ///< share of the speed lost per second
-    float turnRate = 3.0F;        ///< rad/s towards the requested orientation: half a turn in about a second
-    float borderRadius = 900.0F;  ///< from the origin; ships beyond are pushed back, both carriers lie inside
-    float borderSpring = 2.0F;    ///< units/s² per unit beyond: balances full thrust 30 units outside
-    float borderLimit = 1000.0F;  ///< from the origin; no ship gets farther
+    float thrust = 60.0F;     ///< units/s² along the sum of the pressed directions
+    float maxSpeed = 75.0F;   ///< units/s; 3.75 per snapshot, below the 10 at which clients snap
+    float damping = 0.5F;     ///< share of the speed lost per second
+    float turnRate = 3.0F;    ///< rad/s towards the requested orientation: half a turn in about a second
+    float shipRadius = 2.5F;  ///< units that keep a ship's centre off a carrier's hull
+
+    // The border, a sphere around the origin. A ship beyond it is pushed back to the nearest fight.
+    float borderRadius = 800.0F;  ///< units; both carriers lie inside
+    float borderDepth = 120.0F;   ///< units beyond the border over which the push grows
+    float borderPush = 100.0F;    ///< units/s² at most: more than thrust and damping together
+    float returnRadius = 120.0F;  ///< units from the fight's middle, where the push lets go
 
     // Weapons.
     float reloadTime = 0.25F;     ///< seconds between two shots of one ship

@@ -1,5 +1,7 @@
 #include "server/match/Ship.h"
 
+#include "server/match/Hull.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -23,15 +25,30 @@ Vector3 thrustDirection(std::uint32_t controls)
     return direction;
 }
 
+/// The tangent of an angle of at most a quarter of a radian, to 1e-7.
+///
+/// Sines and cosines of the C library differ between its versions, so turns get along without them. Engines
+/// that simulate the same on every machine do so too: Catto, "Determinism", box2d.org, 2024.
+float tangentOfSmall(float angle)
+{
+    const float square = angle * angle;
+    return angle * (1.0F + square * (1.0F / 3.0F + square * (2.0F / 15.0F + square * (17.0F / 315.0F))));
+}
+
 /// Turns `from` towards `to` by at most `maxAngle` radians on the shorter arc; unit length.
 Quaternion turnTowards(const Quaternion& from, const Quaternion& to, float maxAngle)
 {
-    const float alignment = std::min(std::fabs(Quaternion::dotProduct(from, to)), 1.0F);
-    const float angle = 2.0F * std::acos(alignment);
-    if (angle <= maxAngle) {
+    Quaternion between = ~from * to;
+    if (between.w < 0.0F) {  // the same orientation by the longer arc
+        between = -between;
+    }
+    const Vector3 vector(between.x, between.y, between.z);
+    const float sine = vector.length();  // of half the angle between them, as between.w is the cosine
+    const float tangent = tangentOfSmall(maxAngle / 2.0F);
+    if (sine <= tangent * between.w) {
         return to;
     }
-    Quaternion turned = Quaternion::Slerp(from, to, maxAngle / angle);
+    Quaternion turned = from * Quaternion(1.0F, vector * (tangent / sine));
     turned.normalise();
     return turned;
 }
@@ -42,53 +59,77 @@ Vector3 limited(const Vector3& v, float longest)
     return length > longest ? v * (longest / length) : v;
 }
 
-/// The acceleration by the border: zero inside, growing with the distance outside.
-Vector3 borderPush(const Vector3& position, const Rules& rules)
+/// The border's push on a ship that thrusts as given. It grows with the distance outside. It lasts until the
+/// ship is back at a fight, or inside and its pilot steers there too.
+Vector3 borderPush(Ship& ship, const Vector3& thrust, const Rules& rules)
 {
-    const float distance = position.length();
-    const float excess = distance - rules.borderRadius;
-    return excess > 0.0F ? position * (-excess * rules.borderSpring / distance) : Vector3();
+    const float excess = ship.position.length() - rules.borderRadius;
+    Vector3 home = fightMiddle(ship.position.x < 0.0F ? Team::blue : Team::red) - ship.position;
+    const float distance = home.length();
+    home.normalise();
+    if (excess > 0.0F) {
+        ship.borderGrip = std::max(ship.borderGrip, std::min(excess / rules.borderDepth, 1.0F));
+    } else if (distance < rules.returnRadius || thrust.dotProduct(home) > 0.0F) {
+        ship.borderGrip = 0.0F;
+    }
+    return home * (rules.borderPush * ship.borderGrip);
 }
 
-/// Stops a ship at the border's limit. The default rules' spring never lets a ship get that far.
-void stayInside(Ship& ship, const Rules& rules)
+/// Moves a ship out of a hull and takes the speed towards the hull away.
+void slideAlongHulls(Ship& ship, const Rules& rules)
 {
-    const float distance = ship.position.length();
-    if (distance <= rules.borderLimit) {
-        return;
-    }
-    const Vector3 outward = ship.position * (1.0F / distance);
-    ship.position = outward * rules.borderLimit;
-    const float outwardSpeed = ship.velocity.dotProduct(outward);
-    if (outwardSpeed > 0.0F) {
-        ship.velocity -= outward * outwardSpeed;
-    }
+    Vector3 out = wayOutOfHulls(ship.position, rules.shipRadius);
+    ship.position += out;
+    out.normalise();
+    ship.velocity -= out * std::min(ship.velocity.dotProduct(out), 0.0F);
 }
 
 }  // namespace
+
+Vector3 fightMiddle(Team carrier)
+{
+    return {carrier == Team::blue ? -500.0F : 500.0F, 45.0F, 190.0F};
+}
 
 void flyShip(Ship& ship, const Rules& rules, float dt)
 {
     ship.orientation = turnTowards(ship.orientation, ship.input.orientation, rules.turnRate * dt);
     const Vector3 push = ship.orientation.rotate(thrustDirection(ship.input.controls)) * rules.thrust;
-    ship.velocity += (push + borderPush(ship.position, rules)) * dt;
+    ship.velocity += (push + borderPush(ship, push, rules)) * dt;
     ship.velocity = limited(ship.velocity * (1.0F - rules.damping * dt), rules.maxSpeed);
     ship.position += ship.velocity * dt;
-    stayInside(ship, rules);
+    slideAlongHulls(ship, rules);
 }
 
+Quaternion smallTurn(const Vector3& axis, float angle)
+{
+    Quaternion turn(1.0F, axis * tangentOfSmall(angle / 2.0F));
+    turn.normalise();
+    return turn;
+}
+
+/// A turn by an angle is the quaternion (1 + cosine, axis * sine), scaled to unit length.
 Quaternion lookAlong(const Vector3& direction)
 {
-    const float ground = std::hypot(direction.x, direction.z);
-    const float yaw = std::atan2(direction.x, direction.z);
-    const float pitch = -std::atan2(direction.y, ground);
-    return Quaternion::FromAxisAngle(yaw, Vector3(0, 1, 0)) *
-           Quaternion::FromAxisAngle(pitch, Vector3(1, 0, 0));
+    const float length = direction.length();
+    const float ground = std::sqrt(direction.x * direction.x + direction.z * direction.z);
+    Quaternion yaw(ground + direction.z, 0.0F, direction.x, 0.0F);
+    if (direction.z < 0.0F) {  // the same turn, without the difference of two nearly equal numbers
+        yaw =
+            Quaternion(std::fabs(direction.x), 0.0F, std::copysign(ground - direction.z, direction.x), 0.0F);
+    }
+    if (ground == 0.0F) {
+        yaw = Quaternion();
+    }
+    Quaternion orientation = yaw * Quaternion(length + ground, -direction.y, 0.0F, 0.0F);
+    orientation.normalise();
+    return orientation;
 }
 
 Vector3 noseOf(const Quaternion& orientation)
 {
-    return orientation.rotate(Vector3(0, 0, 1));
+    const auto& [w, x, y, z] = orientation;
+    return {2.0F * (x * z + w * y), 2.0F * (y * z - w * x), 2.0F * (w * w + z * z) - 1.0F};
 }
 
 }  // namespace practice

@@ -49,18 +49,26 @@ struct Ship
     Vector3 velocity;  ///< units/s
     Quaternion orientation;
     float health = 0.0F;
-    std::int32_t score = 0;    ///< kills of this match
-    std::int32_t deaths = 0;   ///< in this match
-    float reload = 0.0F;       ///< seconds until it may fire again
-    float respawnIn = 0.0F;    ///< seconds until a dead ship returns
-    float sinceSpawn = 0.0F;   ///< seconds since it last appeared
-    bool firstLife = true;     ///< in its first life of its first match
-    bool firedInLife = false;  ///< has fired since it last appeared
+    std::int32_t score = 0;     ///< kills of this match
+    std::int32_t deaths = 0;    ///< in this match
+    float reload = 0.0F;        ///< seconds until it may fire again
+    float respawnIn = 0.0F;     ///< seconds until a dead ship returns
+    float sinceSpawn = 0.0F;    ///< seconds since it last appeared
+    bool firstLife = true;      ///< in its first life of its first match
+    bool firedInLife = false;   ///< has fired since it last appeared
+    float borderGrip = 0.0F;    ///< share of the border's full push on the ship; in [0, 1]
+    Team fightsAt = Team::red;  ///< a bot fights near this team's carrier
     ShipInput input;
 };
 
-/// Moves a ship by one step of `dt` seconds: turn, thrust, damping, speed limit, border.
+/// The middle of the fight near a team's carrier, before the carrier's bow.
+Vector3 fightMiddle(Team carrier);
+
+/// Moves a ship by one step of `dt` seconds: turn, thrust, damping, speed limit, border, hulls.
 void flyShip(Ship& ship, const Rules& rules, float dt);
+
+/// A turn about a unit axis by at most half a radian.
+Quaternion smallTurn(const Vector3& axis, float angle);
 
 /// The upright orientation whose nose points along `direction`, of any length but zero.
 Quaternion lookAlong(const Vector3& direction);

@@ -16,10 +16,11 @@ Shot shotFrom(const Ship& ship, ObjectId id, const Rules& rules)
     return shot;
 }
 
-Ship* firstHit(const Shot& shot, std::vector<Ship>& ships, const Rules& rules, bool friendlyFire, float dt)
+Ship* firstHit(const Shot& shot, std::vector<Ship>& ships, const Rules& rules, bool friendlyFire, float dt,
+               std::optional<float> end)
 {
     Ship* hit = nullptr;
-    float earliest = 2.0F;  // later than any contact
+    float earliest = end.value_or(2.0F);  // 2: later than any contact
     for (Ship& ship : ships) {
         const bool isEnemy = ship.team != shot.team || friendlyFire;
         if (!ship.alive || !isEnemy || ship.id == shot.shooter) {

@@ -13,9 +13,10 @@ class StartPoints
 public:
     explicit StartPoints(General::Mode mode_) : mode(mode_) {}
 
-    /// The team's next starting point, or the nearest place ahead of it that is clear of all living ships.
-    /// `ships` are all ships of the match: a grid has about one cell for each.
-    Vector3 next(Team team, const std::vector<Ship>& ships, Random& random);
+    /// The ship's next starting point, or the nearest place ahead of it that is clear of all living ships and
+    /// the hulls. `ships` are all ships of the match: a grid has about one cell for each. A bot starts a
+    /// match in its fight, except in a grid, which lies between the carriers.
+    Vector3 next(const Ship& ship, const std::vector<Ship>& ships, Random& random);
 
 private:
     General::Mode mode;

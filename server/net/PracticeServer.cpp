@@ -83,6 +83,8 @@ void PracticeServer::stop()
     }
     clients.clear();
     clientLog.flush();
+    match.endMatch();
+    logResult();
 }
 
 // Joining and leaving.

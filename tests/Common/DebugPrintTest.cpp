@@ -3,10 +3,20 @@
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <thread>
+
+// Takes the place of the C library's in this program. Slow, and without a lock of its own: two texts at once
+// mix.
+extern "C" int fputs(const char* text, FILE* file)
+{
+    for (; *text != '\0'; ++text) {
+        std::fputc(*text, file);
+        std::this_thread::yield();
+    }
+    return 0;
+}
 
 TEST(DebugPrint, CutsLongTextsButKeepsTheLineEnd)
 {
@@ -19,21 +29,21 @@ TEST(DebugPrint, CutsLongTextsButKeepsTheLineEnd)
               "Rosa scored -3 of 12.5%" + name.substr(0, 9999) + name.substr(0, 9998) + "\n");
 }
 
-TEST(DebugPrint, WaitsForTheReaderAndFlushes)
+TEST(DebugPrint, TextsOfTwoThreadsReachTheSystemUnmixed)
 {
     int ends[2];
-    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
-    std::string bytes(static_cast<std::size_t>(fcntl(ends[1], F_GETPIPE_SZ)), '.');
-    ASSERT_EQ(write(ends[1], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    ASSERT_EQ(pipe(ends), 0);
     const int terminal = dup(STDOUT_FILENO);
     dup2(ends[1], STDOUT_FILENO);
-    std::thread printer([] { DebugPrint("a full pipe\n"); });
-    EXPECT_EQ(read(ends[0], bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-    printer.join();
+    const std::string a(9000, 'a'), b(9000, 'b');
+    std::thread other([&] { DebugPrint("%s", a.c_str()); });
+    DebugPrint("%s", b.c_str());
+    other.join();
     dup2(terminal, STDOUT_FILENO);
     close(ends[1]);
+    std::string bytes(20000, '?');
     bytes.resize(static_cast<std::size_t>(read(ends[0], bytes.data(), bytes.size())));
-    EXPECT_EQ(bytes, "a full pipe\n");
+    EXPECT_TRUE(bytes == a + b || bytes == b + a);
 }
 
 TEST(DebugPrint, RationsTextsAboutReceivedData)

@@ -1,83 +1,85 @@
-#include "GUIClient/Helpers.h"
-#include "GUIClient/drawGL.h"
-#include "scene/Projectile.h"
+// The main loop and the player's input. tests/engine compares what a frame draws; tests/end_to_end checks the
+// messages, the carriers, and Escape.
+#include "network/Timer.h"
 #include "tests/engine/FreshWorld.h"
 #include "tests/network/FixedClock.h"
 
-#include <vector>
+#include <boost/asio/io_service.hpp>
+#include <boost/asio/ip/udp.hpp>
 
 namespace {
 
+using Controller = FreshWorld;
 using MainLoop = FreshWorld;
 
-constexpr std::int64_t hour = 3600000;
-
 // The loop's functions have no arguments: these are theirs.
-std::string order;
-std::vector<std::int64_t> planned, called;
+int ticks = 0, notes = 0;
+std::int64_t lastPlan, lastTick;
 
-void stopper()
+// Milliseconds on a clock that was never set back.
+std::int64_t steadyTime(std::int64_t time)
 {
-    order += 's';
-    Helpers::stop();
+    return time - FixedClock::offset / 1000;
 }
 
-void follower()
+// Expects to be called after the planned time, which is a period after the call before. The third call sets
+// the clock back, the last one stops the loop.
+void tick()
 {
-    order += 'f';
-}
-
-// Records when the loop planned this call and when it came. Its third call sets the clock back.
-void ticker()
-{
-    planned.push_back(mainLoopFunctionsList[0].nextCallTime);
-    called.push_back(Timer::getCurrentTime());
-    if (called.size() == 3) {
-        FixedClock::offset = -1000 * hour;
-    } else if (called.size() == 6) {
+    const std::int64_t plan = steadyTime(mainLoopFunctionsList[0].nextCallTime);
+    EXPECT_GT(steadyTime(Timer::getCurrentTime()), plan);
+    if (++ticks > 1) {
+        EXPECT_GT(plan, lastPlan + 16);
+        EXPECT_LE(plan, lastTick + 16 + (ticks == 4 ? 5000 : 0)) << "the slack is the call's time";
+    }
+    lastPlan = plan;
+    lastTick = steadyTime(Timer::getCurrentTime());
+    FixedClock::offset = ticks == 3 ? -3600 * 1000000LL : FixedClock::offset;
+    if (ticks == 6) {
+        EXPECT_EQ(notes, 1) << "due once in ten seconds";
+        mainLoopFunctionsList[1].nextCallTime = 0;
         Helpers::stop();
     }
 }
 
 }  // namespace
 
-TEST_F(MainLoop, AStopTakesEffectAfterTheWholePass)
-{
-    Helpers::registerMainLoopFunction(follower, 1000.0F);
-    Helpers::registerMainLoopFunction(stopper, 1000.0F);
-    Helpers::registerMainLoopFunction(follower, 1000.0F);
-    order.clear();
-    const std::int64_t start = Timer::getCurrentTime();
-    Helpers::run();
-    EXPECT_EQ(order, "fsf");
-    EXPECT_GE(Timer::getCurrentTime(), start + 1) << "the pass includes its sleep";
-}
-
 // If a clock set back delayed the calls, the test would time out.
-TEST_F(MainLoop, CallsComeAPeriodApartAlsoWhenTheClockIsSetBack)
+TEST_F(MainLoop, CallsComeAPeriodApartUntilThePassOfAStopEnds)
 {
-    order.clear();
-    Helpers::registerMainLoopFunction(ticker, 60.0F);
-    Helpers::registerMainLoopFunction(follower, 0.1F);
+    Helpers::registerMainLoopFunction(tick, 60.0F);
+    Helpers::registerMainLoopFunction([] { ++notes; }, 0.1F);
     Helpers::stop();  // has no effect on a later run
     Helpers::run();
-    ASSERT_EQ(called.size(), 6U);
-    for (std::size_t i = 1; i < called.size(); ++i) {
-        EXPECT_GT(called[i], planned[i]);
-        const std::int64_t setBack = i == 3 ? hour : 0;
-        EXPECT_GT(planned[i] + setBack, planned[i - 1] + 16);
-        EXPECT_LE(planned[i] + setBack, called[i - 1] + 16 + (i == 3 ? 5000 : 0))
-            << "the slack is the call's time";
-    }
-    EXPECT_EQ(order, "f") << "due once in ten seconds";
+    EXPECT_EQ(ticks, 6);
+    EXPECT_EQ(notes, 2) << "the last pass goes to its end,";
+    EXPECT_GE(steadyTime(Timer::getCurrentTime()), lastTick + 10) << "and includes its sleep";
 }
 
-TEST_F(MainLoop, AFrameNeverTakesNegativeTime)
+TEST_F(Controller, SendsOnceFiftyMillisecondsHaveGathered)
 {
-    auto* shot = new Projectile(1ULL);
-    graph->attach(shot);
-    const float lifetime = shot->lifetime;
-    FixedClock::offset -= 1000 * hour;
-    drawGL();
-    EXPECT_EQ(shot->lifetime, lifetime);
+    boost::asio::io_service service;
+    boost::asio::ip::udp::socket client(service, boost::asio::ip::udp::v4());
+    boost::asio::ip::udp::endpoint nobody(boost::asio::ip::address_v4::loopback(), 9);
+    PacketSender::getInstance()->setSocket(&client);
+    PacketSender::getInstance()->setEndpoint(&nobody);
+    const std::pair<float, std::size_t> frames[] = {{1, 1},     {0.017F, 0},  {0.017F, 0},  {0.017F, 1},
+                                                    {0.05F, 1}, {0.0499F, 0}, {0.0002F, 1}, {1, 1},
+                                                    {0.04F, 0}};  // the time above 50 ms is dropped
+    for (const auto& [dt, messages] : frames) {
+        controller->update(dt);
+        service.restart();
+        EXPECT_EQ(service.run(), messages) << dt;  // one handler for each message
+    }
+}
+
+TEST_F(Controller, KeysRollTheCamera)
+{
+    for (const SDLKey key : {SDLK_e, SDLK_q}) {
+        VT.inputHandler.keyStates[key] = true;
+        controller->update(0.5F);
+        controller->setCamera();
+        // half a radian; then both cancel
+        expectNear(controller->camera.up, {-0.4794255F, 0.8775826F, 0.0F});
+    }
 }

@@ -7,17 +7,14 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <string>
 
-namespace {
-
 // Starts the client, with room for so many more descriptors, and ends this process with its status.
-[[noreturn]] void start(std::string argument, rlim_t descriptors = 100) noexcept
+[[noreturn]] static void start(std::string argument, rlim_t descriptors = 100) noexcept
 {
     dup2(STDERR_FILENO, STDOUT_FILENO);
-    const rlim_t used = static_cast<rlim_t>(dup(STDERR_FILENO)) + 1;
-    const rlimit limit = {used + descriptors, used + descriptors};
+    const rlim_t room = static_cast<rlim_t>(dup(STDERR_FILENO)) + 1 + descriptors;
+    const rlimit limit = {room, room};
     setrlimit(RLIMIT_NOFILE, &limit);
     std::string program = "vantor";
     char* arguments[] = {program.data(), argument.data(), nullptr};
@@ -27,20 +24,15 @@ namespace {
     std::_Exit(status);
 }
 
-const testing::ExitedWithCode failed(EXIT_FAILURE);
-const std::string report = "Could not connect to 127.0.0.1:1\nException: ";
-
-}  // namespace
-
 TEST(Start, WithoutDescriptorsOrThreadsFailsWithAMessage)
 {
+    const testing::ExitedWithCode failed(EXIT_FAILURE);
+    const std::string report = "Could not connect to 127.0.0.1:1\nException: ";
 #ifndef __SANITIZE_ADDRESS__  // the sanitizers' check of virtual calls needs descriptors itself
     for (rlim_t descriptors = 0; descriptors <= 4; ++descriptors) {
-        EXPECT_EXIT(start("--port=1", descriptors), failed, report + ".*: Too many open files")
-            << descriptors;
+        EXPECT_EXIT(start("--port=1", descriptors), failed, report + ".*: Too many open files");
     }
 #endif
-    EXPECT_EXIT(start("--port=1"), failed, report + "connect: Connection refused");
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
     pthread_attr_setstacksize(&attributes, std::size_t{1} << 50U);  // more than any machine has
@@ -51,8 +43,7 @@ TEST(Start, WithoutDescriptorsOrThreadsFailsWithAMessage)
 TEST(Start, ABadCommandLineAbortsAtOnce)
 {
     const testing::KilledBySignal aborted(SIGABRT);
-    for (const char* argument : {"--udp-timeout=%value%", "--%original_token%"}) {
-        EXPECT_EXIT(start(argument), aborted, "Malformed command line") << argument;
-    }
+    EXPECT_EXIT(start("--udp-timeout=%value%"), aborted, "Malformed command line");
+    EXPECT_EXIT(start("--%original_token%"), aborted, "Malformed command line");
     EXPECT_EXIT(start("--colour"), aborted, "unrecognised option '--colour'");
 }

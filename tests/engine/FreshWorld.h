@@ -8,13 +8,10 @@
 #include "network/PacketSender.h"
 #include "scene/General.h"
 #include "scene/SceneGraph.h"
-#include "scene/SceneObjectFactory.h"
 #include "tests/engine/GLRecorder.h"
 #include "tests/math/Near.h"
+#include "tests/network/Support.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
 #include <utility>
 
 /// A test that starts with an empty scene, empty caches and a camera at the origin. The program's singletons
@@ -26,7 +23,6 @@ protected:
     {
         resources->resourceFolder = "/there/";
         controller->camera = Camera();
-        controller->thisPlayerID = 0;
         VT.window = VT_Window();
         VT.inputHandler = VT_InputHandler();
         VT.skybox.reset();
@@ -34,15 +30,6 @@ protected:
         mainLoopFunctionsList.clear();
         done = false;
         glRecorder = GLRecorder();
-    }
-
-    /// What the action writes to standard output.
-    template <class Action>
-    static std::string printedBy(Action action)
-    {
-        testing::internal::CaptureStdout();
-        action();
-        return testing::internal::GetCapturedStdout();
     }
 
     template <class Singleton>
@@ -54,7 +41,6 @@ protected:
 
     SceneGraph* graph = renewed<SceneGraph>();
     General* general = renewed<General>();
-    SceneObjectFactory* factory = renewed<SceneObjectFactory>();
     ResourceManager* resources = renewed<ResourceManager>();
     VTEntryPoint* controller = VTEntryPoint::getInstance();
 };

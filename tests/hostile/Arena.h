@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <set>
-#include <vector>
 
 /// A client without a window and a network: the test delivers the bytes of its TCP connection and runs its
 /// frames. It uses the process's only scene, so one Arena at a time.

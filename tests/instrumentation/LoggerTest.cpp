@@ -7,13 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
-#include <array>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <numeric>
-#include <utility>
 
 namespace {
 
@@ -36,30 +34,24 @@ TEST(MeasurementLog, RatesNeedMoreThanASecond)
     Logger logger;
     logger.countPacket(Logger::TCP_RECEIVED, 3000);
     logger.countPacket(Logger::TCP_RECEIVED, 3);
-    logger.countMessage(Logger::UDP_RECEIVED);
-    const std::array<float, 4> table[] = {// after milliseconds, the rates of packets, bytes and messages
-                                          {1000, 0, 0, 0},
-                                          {1001, 2000.0F / 1001.0F, 3000, 1000.0F / 1001.0F},
-                                          {3001, 0, 0, 0}};
+    const float table[][4] = {// after milliseconds, the rates of packets, bytes and messages
+                              {1000, 0, 0, 0},
+                              {1001, 2000.0F / 1001.0F, 3000, 2000.0F / 1001.0F},
+                              {3001, 0, 0, 0.5F}};
     for (const auto& [after, packets, bytes, messages] : table) {
         clock.set(start + static_cast<int>(after));
+        logger.countMessage(Logger::UDP_RECEIVED);
         logger.calcPrS();
         EXPECT_FLOAT_EQ(logger.packetRate[Logger::TCP_RECEIVED], packets) << after;
         EXPECT_FLOAT_EQ(logger.byteRate[Logger::TCP_RECEIVED], bytes) << after;
         EXPECT_FLOAT_EQ(logger.messageRate[Logger::UDP_RECEIVED], messages) << after;
-        EXPECT_EQ(logger.packetRate[Logger::UDP_RECEIVED], 0.0F);
     }
-    logger.countMessage(Logger::UDP_RECEIVED);
-    clock.set(start + 5001);
-    logger.calcPrS();
-    EXPECT_EQ(logger.messageRate[Logger::UDP_RECEIVED], 0.5F) << "over the last two seconds alone";
 }
 
 TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
 {
     const FixedClock clock{start};
-    SceneGraph scene;
-    delete std::exchange(SceneGraph::instance, &scene);
+    SceneGraph& scene = *SceneGraph::getInstance();
     Logger logger;
     logger.setFileToWriteTo("/no-such-folder/log.csv");
     logger.writeMeasurementToFile();
@@ -78,11 +70,10 @@ TEST(MeasurementLog, RowsFollowOneHeaderPerRun)
     logger.byteRate[3] = std::nanf("");
     ResourceMonitor::getInstance()->cpuUsage = -10;
     logger.writeMeasurementToFile();
-    SceneGraph::instance = nullptr;
     usageResult = -1;
     EXPECT_EQ(ResourceMonitor::getInstance()->GetMemoryUsage(), static_cast<unsigned long>(-74));
 
-    std::ifstream written(path), expected(VANTOR_GOLDEN_LOG);
+    std::ifstream written(path), expected(VANTOR_TESTS "instrumentation/golden/log.csv");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(written), {}),
               std::string(std::istreambuf_iterator<char>(expected), {}));
     std::filesystem::remove(path);

@@ -1,6 +1,5 @@
 // Stands in for the game: prints what the start-up code of macOS gave it, chooses Quit, and ends with
 // status 7.
-#import <Cocoa/Cocoa.h>
 #include <SDL.h>
 
 #include <stdio.h>
@@ -8,23 +7,15 @@
 
 int SDL_main(int argc, char** argv);
 
-/// Asks for the document "/first" before GNUstep asks for its own.
-@interface Desktop : NSObject
+@interface LaunchDelegate : NSObject <NSApplicationDelegate>
 @end
 
-@implementation Desktop
+@implementation LaunchDelegate (Desktop)
 
-+ (void)load
+// Asks for the document "/first" before GNUstep asks for its own.
+- (void)applicationWillFinishLaunching:(NSNotification*)notification
 {
-    [[NSNotificationCenter defaultCenter] addObserver:self
-                                             selector:@selector(openDocument:)
-                                                 name:NSApplicationWillFinishLaunchingNotification
-                                               object:nil];
-}
-
-+ (void)openDocument:(NSNotification*)notification
-{
-    [[NSApp delegate] application:[notification object] openFile:@"/first"];
+    [self application:[notification object] openFile:@"/first"];
 }
 
 @end
@@ -33,8 +24,7 @@ int SDL_main(int argc, char** argv);
 
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy
 {
-    printf("policy %d\n", (int)policy);
-    return YES;
+    return printf("policy %d\n", (int)policy) > 0;
 }
 
 @end
@@ -55,8 +45,7 @@ int SDL_main(int argc, char** argv)
     for (int i = 1; i <= argc; ++i) {
         printf(" %s", argv[i] != NULL ? argv[i] : "end\n");
     }
-    const BOOL isTaken = [[NSApp delegate] application:NSApp openFile:@"/late"];
-    puts(isTaken ? "a late document is taken" : "a late document is refused");
+    printf("late document: %d\n", [[NSApp delegate] application:NSApp openFile:@"/late"]);
     printMenu([NSApp mainMenu]);
     SDL_Init(SDL_INIT_VIDEO);
     NSMenu* menu = [[[NSApp mainMenu] itemAtIndex:0] submenu];

@@ -1,61 +1,56 @@
 #!/usr/bin/env bash
-# usage: LaunchTest.sh PROBE INFO_PLIST: launches LaunchProbe.m as an application bundle in GNUstep.
+# Builds LaunchProbe.m with the start-up code of macOS, and launches it as an application bundle in GNUstep. Status 77:
+# there is none.
 set -euo pipefail
 
 fail() {
     printf '%s\n' "$1" >&2
-    exit 1
+    exit "${2:-1}"
 }
 
-end_daemons() {  # of GNUstep, which stay for some seconds
-    local environment
-    for environment in $(grep -lszF "GNUSTEP_CONFIG_FILE=$work" /proc/[0-9]*/environ); do
-        kill "${environment//[^0-9]/}" 2>/dev/null || true
-    done
+compile() {  # GNUstep's headers are the system's
+    $(gnustep-config --variable=CC) $(gnustep-config --objc-flags | sed 's| -I/| -isystem /|g') \
+        -include "$here/GNUstep.h" "$@"
 }
 
-launch() {  # launch ARGUMENT...: sets output
-    local status=0
-    output=$(timeout --signal KILL 30 "$bundle/Probe" "$@" 2>"$work/errors") || status=$?
-    [ $status -eq 7 ] || fail "status $status: $(cat "$work/errors")"
-}
-
-expect() {  # expect FOLDER_AND_ARGUMENTS ARGUMENT...
-    launch "${@:2}"
-    diff - <(printf '%s\n' "$output") <<<"policy 0
+expect() {  # expect FOLDER_AND_ARGUMENTS ARGUMENT...: launches
+    diff - <(timeout --signal KILL 30 "$bundle/Probe" "${@:2}" 2>"$work/errors" || echo "status $?") <<END ||
+policy 0
 in $1 end
-$(<"$here/launch.txt")" || fail "launched with ${*:2}"
+late document: 0
+Vantor, submenuAction:, 100000
+About Vantor, orderFrontStandardAboutPanel:, 100000
+-----------, <null selector>, 100000
+Hide Vantor, hide:, 100000h
+Hide Others, hideOtherApplications:, 180000h
+Show All, unhideAllApplications:, 100000
+-----------, <null selector>, 100000
+Quit Vantor, terminate:, 100000q
+Window, submenuAction:, 100000
+Minimize, performMiniaturize:, 100000m
+quit
+status 7
+END
+        fail "launched with ${*:2}: $(cat "$work/errors")"
 }
 
 here=$(dirname "$(readlink -f "$0")")
 . "$here/../../packaging/session.sh"
 open_session
-trap 'end_daemons; close_session' EXIT
-start_display
-bundle=$work/Applications/Probe.app
-mkdir -p "$bundle/Resources"
-cp "$1" "$bundle/Probe"
-cp "$2" "$bundle/Resources/Info-gnustep.plist"
-printf 'GNUSTEP_USER_DEFAULTS_DIR=%s\nGNUSTEP_USER_DIR_LIBRARY=%s\n' "$work/Defaults" "$work" >"$work/GNUstep.conf"
+# GNUstep starts daemons, which stay for some seconds.
+trap 'kill $(grep -lszF "$work/GNUstep.conf" /proc/[0-9]*/environ | tr -dc "0-9\n") 2>/dev/null || true; close_session' EXIT
+cd "$work"  # where the compiler leaves notes
+ls /usr/lib/GNUstep/Bundles/libgnustep-back-*.bundle >/dev/null 2>"$work/errors" &&
+    compile -x objective-c -fsyntax-only /dev/null 2>"$work/errors" ||
+    fail "no GNUstep, run tools/install-dependencies macos: $(cat "$work/errors")" 77
+beside=$work/Applications bundle=$work/Applications/Probe.app document=$work/Bücher.txt
+install -D "$here/../../GUIClient/macos/Info.plist.in" "$bundle/Resources/Info-gnustep.plist"
+compile -std=gnu11 -Werror -Wextra -Wshadow -Wconversion -Wsign-conversion -Wformat=2 -I"$here/../.." -o "$bundle/Probe" \
+    "$here/LaunchProbe.m" "$here"/../../GUIClient/macos/*.m $(gnustep-config --gui-libs) $(pkg-config --cflags --libs sdl)
+printf 'GNUSTEP_USER_DEFAULTS_DIR=%s\nGNUSTEP_USER_DIR_LIBRARY=%s\n' "$work/Defaults" "$work" >GNUstep.conf
 export TEMP=$work GNUSTEP_CONFIG_FILE=$work/GNUstep.conf SDL_VIDEODRIVER=dummy MALLOC_PERTURB_=90
-document=$work/Bücher.txt
-echo >"$document"
-beside=$work/Applications
+start_display
 
-expect "$PWD:"
-expect "$PWD: --host -psn_0_1234 --port 5" --host -psn_0_1234 --port 5
-expect "$beside: /first" -psnX --host 127.0.0.1
-expect "$PWD: -ps" -ps
+expect "$work: -ps -psn_0_1234 -GSFilePath $document" -ps -psn_0_1234 -GSFilePath "$document"
+expect "$beside: /first" -psnX
 expect "$beside: /first $document" -psn_0_1234 -GSFilePath "$document"  # the desktop asks for a document
-expect "$PWD: -GSFilePath $document" -GSFilePath "$document"
-
-echo '{}' >"$bundle/Resources/Info-gnustep.plist"  # no name: the process's
-launch
-for item in About Hide Quit; do
-    grep -q "^$item Probe," <<<"$output" || fail "no $item in $output"
-done
-
-# An open descriptor still starts a program whose folder is gone.
-status=0
-output=$(exec 9<"$bundle/Probe"; rm -r "$beside"; exec timeout --signal KILL 30 /proc/self/fd/9 -psn_0_1234 2>&1) || status=$?
-[ $status -eq 134 ] && [[ $output == *'chdir (parentdir) == 0'* ]] || fail "no abort: $status $output"

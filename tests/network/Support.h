@@ -1,16 +1,8 @@
 #pragma once
 
-#include "network/Framing.h"
-
 #include <gtest/gtest.h>
 
-/// A server's frame of any type and body; its length field is right.
-inline std::string rawFrame(std::uint8_t type, const std::string& body)
-{
-    std::string frame;
-    framing::appendFrame(frame, type, body);
-    return frame;
-}
+#include <string>
 
 /// What an action prints to standard output.
 template <class Action>

@@ -1,11 +1,12 @@
-#include "peer/HeadlessClient.h"
+#include "network/Messages.h"
+#include "peer/ProtocolChecker.h"
 #include "peer/ScriptedServer.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 
-using namespace std::chrono_literals;
 using messages::ShipState;
 using peer::ProtocolChecker;
 using peer::rawFrame;
@@ -27,12 +28,8 @@ TEST(ProtocolChecker, NamesEachFault)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const std::string longest = messages::infoFrame(ShipState{ship, {}, {}, {}, 1, std::string(1200, 'n')});
-    const struct
-    {
-        std::string stream;
-        std::string datagram;
-        std::string fault;
-    } cases[] = {
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        // stream, datagram, fault
         {welcome + info + info, update(50) + update(50), ""},
         {welcome + info + "\x7F", "", ""},  // the rest is still to come
         {info, "", "an object before the welcome"},
@@ -60,40 +57,4 @@ TEST(ProtocolChecker, NamesEachFault)
         EXPECT_EQ(faults.count(fault), faults.size()) << fault;
         EXPECT_EQ(faults.empty(), fault.empty()) << fault;
     }
-}
-
-TEST(HeadlessClient, LivesThroughAConnection)
-{
-    boost::asio::io_context io;
-    peer::ScriptedServer server;
-    server.hasHeartbeat = false;
-    EXPECT_FALSE(server.sendTcp(welcome)) << "nobody is there";
-    peer::HeadlessClient client(io, static_cast<std::uint16_t>(std::stoi(server.port())));
-    const auto await = [&](const auto& condition) {
-        return peer::eventually([&] {
-            client.poll();
-            return condition();
-        });
-    };
-    ASSERT_TRUE(peer::eventually([&] { return server.sendTcp(welcome + info.substr(0, 5)); }));
-    ASSERT_TRUE(await([&] { return client.id() == ship; }));
-    client.steer({Quaternion(0, 1, 0, 0), 5});
-    client.stream.send("four");
-    ASSERT_TRUE(peer::eventually([&] { return server.record().tcpBytes == 4; }));
-    ASSERT_TRUE(peer::eventually([&] { return !server.record().datagrams.empty(); }));
-    EXPECT_EQ(server.lastSteering().qport, 9);
-    EXPECT_EQ(server.lastSteering().controls, 5U);
-
-    server.sendUdp(update(50, {1, 2, 3}));
-    server.sendUdp(update(100, {1, 2, 4}));
-    EXPECT_TRUE(await([&] { return client.checker.received.updates.size() == 2; }));
-    EXPECT_EQ(client.position().z, 4);
-    server.sendTcp(info.substr(5));
-    EXPECT_TRUE(await([&] { return client.checker.received.infos.size() == 1; }));
-    server.sendTcp(messages::destroyFrame(ship));
-    EXPECT_TRUE(await([&] { return client.hasLost(ship) && client.checker.positions.empty(); }));
-    EXPECT_TRUE(client.checker.faults().empty());
-    EXPECT_FALSE(client.serverHungUp());
-    server.closeTcp();
-    EXPECT_TRUE(await([&] { return client.stream.end == boost::asio::error::eof; }));
 }

@@ -1,6 +1,9 @@
 #include "server/net/ServerOptions.h"
 #include "tests/support/Process.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/local/datagram_protocol.hpp>
+
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -117,4 +120,32 @@ TEST(ServerProgram, LogsMeasurementsUntilTheDiskIsFull)
     EXPECT_EQ(end, "status 0") << plot.output();
     EXPECT_GT(std::filesystem::file_size(picture), 10'000U);
     std::filesystem::remove(picture);
+}
+
+TEST(ServerProgram, TellsItsServiceManagerWhenItListens)
+{
+    using Socket = boost::asio::local::datagram_protocol::socket;
+    const std::string path = testing::TempDir() + "vantor-notify-" + std::to_string(getpid());
+    const std::pair<std::string, std::string> sockets[] = {{path, path}, {"@" + path, '\0' + path}};
+    for (const auto& [name, address] : sockets) {
+        boost::asio::io_context io;
+        Socket manager(io, address);
+        Process server({"env", "NOTIFY_SOCKET=" + name, VANTOR_SERVER, "--port", "0"});
+        std::string received(100, ' ');
+        manager.async_receive(boost::asio::buffer(received), [&](auto, auto size) { received.resize(size); });
+        io.run_for(20s);
+        EXPECT_EQ(received, "READY=1");
+        EXPECT_TRUE(server.hasPrinted("ready 127.0.0.1:")) << server.output();
+
+        server.signal(SIGTERM);
+        EXPECT_EQ(server.end(1s), "status 0") << "a slow end holds up the machine's shutdown";
+    }
+    std::filesystem::remove(path);
+}
+
+TEST(ServerProgram, ServesWithoutItsServiceManager)
+{
+    Process server({"env", "NOTIFY_SOCKET=/no/such/socket", VANTOR_SERVER, "--port", "0"});
+    EXPECT_TRUE(peer::eventually([&] { return server.hasPrinted("cannot report to the service manager"); }));
+    EXPECT_TRUE(server.isRunning());
 }

@@ -1,8 +1,10 @@
+#include "scene/General.h"
+#include "server/match/Hull.h"
 #include "server/match/Ship.h"
-#include "server/match/Shot.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -58,30 +60,64 @@ TEST(Flight, AShipTurnsTheShortWayAtItsRate)
     }
 }
 
-TEST(Flight, TheBorderHoldsShips)
+TEST(Flight, TheBorderTurnsShipsBackToTheFight)
 {
-    Rules noSpring;
-    noSpring.borderSpring = 0.0F;
-    Ship soft = shipWith(control::forward, lookAlong({0.3F, 0.5F, -0.8F}));
-    Ship hard = soft;
-    for (int i = 0; i < 60 * 60; ++i) {
-        flyShip(soft, Rules(), dt);
-        flyShip(hard, noSpring, dt);
+    for (const Team team : {Team::blue, Team::red}) {
+        Ship ship = shipWith(control::forward, Quaternion());
+        ship.position = team == Team::blue ? General::blueBase : General::redBase;
+        float farthest = 0.0F;
+        float nearest = 1000.0F;  // to the fight, after it was beyond the border
+        for (int i = 0; i < 60 * 60; ++i) {
+            flyShip(ship, Rules(), dt);
+            const float distance = ship.position.length();
+            if (i > 200 && distance > farthest && distance < Rules().borderRadius + 20.0F) {
+                EXPECT_GT(ship.velocity.z, Rules().maxSpeed * 0.9F) << "a gentle push";
+            }
+            farthest = std::max(farthest, distance);
+            const float toFight = ship.position.distance(fightMiddle(team));
+            nearest = farthest > Rules().borderRadius ? std::min(nearest, toFight) : nearest;
+            EXPECT_LT(std::fabs(ship.position.x - fightMiddle(team).x), 20.0F) << "sideways";
+            EXPECT_EQ(noseOf(ship.orientation), Vector3(0, 0, 1)) << "its pilot steers";
+        }
+        ship.position.z = 640.0F;
+        flyShip(ship, Rules(), dt);
+        EXPECT_GT(ship.borderGrip, 0.0F);
+        ship.position.z = 600.0F;
+        flyShip(ship, Rules(), dt);
+        EXPECT_GT(ship.borderGrip, 0.0F) << "still leaving";
+        ship.input.controls = control::backward;
+        flyShip(ship, Rules(), dt);
+        EXPECT_EQ(ship.borderGrip, 0.0F) << "its pilot returns";
+        EXPECT_LT(farthest, 1000.0F);
+        EXPECT_LT(nearest, Rules().returnRadius);
+        EXPECT_GT(nearest, 40.0F) << "then it lets go";
     }
-    EXPECT_NEAR(soft.position.length(), Rules().borderRadius + 30.0F, 1.0F);
-    EXPECT_NEAR(hard.position.length(), Rules().borderLimit, 0.01F);
-    EXPECT_LT(hard.velocity.length(), 1.1F) << "more than one step of thrust";
 }
 
-TEST(Shots, ContactIsFoundAnywhereOnTheWay)
+TEST(Hulls, ShipsSlideAlongThem)
 {
-    const auto contact = [](const Vector3& offset, const Vector3& motion) {
-        return contactTime(offset, motion, 4.0F).value_or(-1.0F);
-    };
-    EXPECT_NEAR(contact({0, 0, -100}, {0, 0, 1000}), 0.096F, 0.001F) << "through it in one step";
-    EXPECT_EQ(contact({4.1F, 0, -100}, {0, 0, 1000}), -1.0F) << "just out of reach";
-    EXPECT_EQ(contact({0, 0, -10}, {0, 0, 5}), -1.0F) << "stops short";
-    EXPECT_EQ(contact({0, 0, 10}, {0, 0, 5}), -1.0F) << "has passed already";
-    EXPECT_EQ(contact({1, 1, 1}, {0, 0, -50}), 0.0F) << "begins inside";
-    EXPECT_EQ(contact({0, 0, 9}, {0, 0, 0}), -1.0F) << "stands still outside";
+    const struct
+    {
+        Vector3 from;  ///< the base
+        Vector3 nose;
+    } cases[] = {{{0, 0, 0}, {0, -0.5F, 1}},        // the deck
+                 {{5, -60, -150}, {0, 0.5F, 1}},    // the keel
+                 {{80, -20, -160}, {-0.5F, 0, 1}},  // a pod
+                 {{35, 10, -155}, {-0.5F, 0, 1}},   // the hangar
+                 {{0, 30, -150}, {0.5F, 0, 1}}};    // the bridge, around its corner
+    for (const auto& c : cases) {
+        Ship ship = shipWith(control::forward, lookAlong(c.nose));
+        ship.position = General::redBase + c.from;
+        bool touched = false;
+        for (int i = 0; i < 150; ++i) {
+            flyShip(ship, Rules(), dt);
+            EXPECT_LT(wayOutOfHulls(ship.position, Rules().shipRadius).length(), 0.01F);
+            touched = touched || !(wayOutOfHulls(ship.position, Rules().shipRadius + 0.1F) == Vector3());
+        }
+        EXPECT_TRUE(touched) << c.from.toString();
+        const Vector3 before = ship.position;
+        flyShip(ship, Rules(), dt);
+        EXPECT_LT((ship.position - before).distance(ship.velocity * dt), 0.1F) << "clients derive velocities";
+        EXPECT_GT(ship.velocity.z, 40.0F) << c.from.toString();
+    }
 }

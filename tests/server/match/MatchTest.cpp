@@ -1,5 +1,6 @@
 #include "Common/Protobuf/Object/Object.pb.h"
 #include "network/Framing.h"
+#include "server/match/Hull.h"
 #include "server/match/Match.h"
 #include "server/net/MatchBroadcast.h"
 #include "server/net/MeasurementLog.h"
@@ -91,15 +92,6 @@ struct Game
     }
 };
 
-float distanceToLiving(const std::vector<Ship>& ships, const Vector3& place)
-{
-    float least = 1e6F;
-    for (const Ship& ship : ships) {
-        least = ship.alive ? std::min(least, place.distance(ship.position)) : least;
-    }
-    return least;
-}
-
 const MatchSettings twoKills{1, Difficulty::normal, General::FIXED, 2, 0};
 
 }  // namespace
@@ -163,6 +155,10 @@ TEST(Match, ALeavingShooterVanishesOnceAndItsShotScores)
     game.place({-300, 0, 0});  // in the smaller team
     game.step(60);
     game.recordSnapshot();
+    game.match.endMatch();  // those who left keep their place in the table
+    game.step(1);
+    game.match.endMatch();
+    game.step(1);
     game.expectTranscript("leave");
 }
 
@@ -186,31 +182,41 @@ TEST(Match, OneMatchFollowsAnother)
     game.expectTranscript("matches");
 }
 
-TEST(StartPoints, KeepShipsApartInEveryMode)
+TEST(Match, CarriersStopShots)
 {
     const struct
     {
-        General::Mode mode;
-        float leastDistance;
-        float reach;  ///< from the team's base
-    } cases[] = {
-        {General::FIXED, 13.9F, 99.0F}, {General::RANDOM, 13.9F, 75.0F}, {General::GRID, 60.0F, 850.0F}};
+        Vector3 shooter;  ///< from the base; it looks along +z at an enemy 180 units ahead
+        bool kills;
+    } cases[] = {{{0, 30, -200}, false},    // the bridge is between
+                 {{20, 30, -200}, true},    // beside it, over the hangar
+                 {{0, 0, -30}, true},       // along the runway
+                 {{53, -20, -200}, false},  // a pod
+                 {{0, -20, -230}, false}};  // the stern
     for (const auto& c : cases) {
-        Random random(1);
-        Random same(1);
-        StartPoints points(c.mode);
-        StartPoints again(c.mode);
-        std::vector<Ship> ships(40);
-        for (std::size_t i = 0; i < 16; ++i) {
-            const Team team = i % 2 == 0 ? Team::blue : Team::red;
-            const Vector3 base = team == Team::blue ? General::blueBase : General::redBase;
-            const Vector3 start = points.next(team, ships, random);
-            EXPECT_EQ(start, again.next(team, ships, same)) << "same seed, same place";
-            EXPECT_EQ(start.x == base.x, c.mode == General::FIXED);
-            EXPECT_LT(start.distance(base), c.reach);
-            EXPECT_GT(distanceToLiving(ships, start), c.leastDistance) << c.mode;
-            ships[i].position = start;
-            ships[i].alive = true;
+        Game game(twoKills);
+        const ObjectId shooter = game.place(General::redBase + c.shooter);
+        game.place(General::redBase + c.shooter + Vector3(0, 0, 180), 5.0F);
+        game.fireOnce(shooter);
+        game.step(55);
+        EXPECT_EQ(game.match.findShip(shooter)->score, c.kills ? 1 : 0) << c.shooter.toString();
+        EXPECT_TRUE(game.match.allShots().empty());
+    }
+}
+
+TEST(StartPoints, LieApartAndOutsideTheHulls)
+{
+    for (const General::Mode mode : {General::FIXED, General::RANDOM, General::GRID}) {
+        Match match({1, Difficulty::normal, mode});
+        for (int i = 0; i < 32; ++i) {
+            const ObjectId id = i % 2 == 0 ? match.addHuman() : match.addBot();
+            const Ship& ship = *match.findShip(id);
+            for (const Ship& other : match.allShips()) {
+                EXPECT_TRUE(other.id == id || ship.position.distance(other.position) > 13.9F);
+            }
+            const float x = ship.team == Team::blue ? General::blueBase.x : General::redBase.x;
+            EXPECT_EQ(ship.position.x == x, mode == General::FIXED && ship.human);
+            EXPECT_EQ(wayOutOfHulls(ship.position, 4.0F), Vector3()) << ship.position.toString();
         }
     }
 }

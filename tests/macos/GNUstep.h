@@ -1,13 +1,10 @@
 // GNUstep's Cocoa, and the newer names that the start-up code uses and GNUstep lacks.
 #pragma once
 
-#include_next <Cocoa/Cocoa.h>
+#import <Cocoa/Cocoa.h>
 
-enum
-{
-    NSEventModifierFlagOption = NSAlternateKeyMask,
-    NSEventModifierFlagCommand = NSCommandKeyMask
-};
+#define NSEventModifierFlagOption NSAlternateKeyMask
+#define NSEventModifierFlagCommand NSCommandKeyMask
 
 @interface NSApplication (ActivationPolicy)
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
