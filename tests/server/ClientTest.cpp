@@ -68,11 +68,11 @@ TEST(Admission, BelievesClientsAndNoStrangers)
         {300, {home, 3}, 1, "ggggggggg"},
         {301, {home, 4}, 1, "g"},  // takes a vote away
         {302, {home, 3}, 1, "gm"},
-        {400, {home, 5}, 77, "gg"},
-        {400, {home, 6}, 1, "ggggggggg"},
-        {459, {home, 5}, 77, "g"},
-        {460, {home, 6}, 1, "g"},  // ... within a second
-        {520, {home, 6}, 1, "m"},  // the ration grows by one a second
+        {400, {away, 5}, 77, "gggggggg"},
+        {400, {away, 7}, 3, "ggggggggg"},
+        {459, {away, 5}, 77, "g"},
+        {460, {away, 7}, 3, "g"},  // ... within a second
+        {520, {away, 7}, 3, "m"},  // the ration grows by one a second
     };
     for (const auto& c : cases) {
         for (const char verdict : c.verdicts) {
@@ -80,7 +80,7 @@ TEST(Admission, BelievesClientsAndNoStrangers)
             EXPECT_EQ("igbm"[actual], verdict) << &c - cases;
         }
     }
-    EXPECT_EQ(admission.endpointOf(1), Admission::Endpoint(home, 6));
+    EXPECT_EQ(admission.endpointOf(1), Admission::Endpoint(home, 3));
 
     EXPECT_EQ(admission.reasonToTurnAway(home), "one address gets 2 places");
     admission.remove(1);

@@ -243,7 +243,7 @@ TEST_F(Server, AFloodOverrunsNeitherTheServerNorTheLog)
     const auto lines = [this] {
         unsigned long sum = 0;
         for (const std::string& line : log) {
-            sum += line.find("... and ") == 0 ? std::stoul(line.substr(8)) : 1;
+            sum += line[0] == '.' ? std::stoul(line.substr(8)) : std::string("jlt").find(line[0]) < 3;
         }
         return sum;
     };
