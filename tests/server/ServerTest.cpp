@@ -95,6 +95,7 @@ void repeat(std::size_t times, const std::function<void()>& action)
 
 TEST_F(Server, ClientsSeeEachOtherMoveFireComeAndGo)
 {
+    config.mostClients = 3;
     open();
     Client& first = join();
     Client& second = join();
@@ -120,6 +121,7 @@ TEST_F(Server, ClientsSeeEachOtherMoveFireComeAndGo)
     EXPECT_EQ(log, (std::vector<std::string>{"join Pilot 1 (blue) from " + first.address,
                                              "join Pilot 2 (red) from " + second.address,
                                              "join Pilot 3 (blue) from " + third.address, "leave Pilot 3"}));
+    join();  // takes the place of the third
 }
 
 TEST_F(Server, DropsEachOffenderWithItsReason)
@@ -237,7 +239,6 @@ TEST_F(Server, AFloodOverrunsNeitherTheServerNorTheLog)
     EXPECT_EQ(std::count_if(clients.begin(), clients.end(), std::mem_fn(&Client::serverHungUp)), 60);
     EXPECT_EQ(clients[89].checker.positions.size(), 90U) << "it was not introduced to every ship";
     const auto& first = clients[0].checker;
-    EXPECT_EQ(first.positions.size(), 90U);
     EXPECT_GT(first.received.updates.size(), 80 * first.traffic.snapshots.size());
 
     const auto lines = [this] {
