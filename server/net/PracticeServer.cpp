@@ -129,10 +129,7 @@ void PracticeServer::welcome(tcp::socket socket)
     const std::uint64_t now = match.stepCount();
     admission.add(qport, session->peer().address(), now);
     session->send(welcomeFrame(ship, qport, match));
-    for (const std::string& frame : broadcast.introduction()) {
-        session->send(frame);
-    }
-    session->flush();
+    introduce(*session);
     clientLog.log(joinLine(ship, session->peer()), now);
     Client& client = clients.emplace_back(Client{session, shipId, qport, now, {config.limits, now}});
     session->start([this, &client](const framing::ClientFrame& frame) {
@@ -141,6 +138,17 @@ void PracticeServer::welcome(tcp::socket socket)
             handleFrame(client, frame);
         }
     });
+}
+
+/// Sends the world to a client: when it joins, and again when it begins to play. A client that loaded its
+/// models meanwhile takes all messages of that time in one frame, and then loses the ships that died and
+/// returned.
+void PracticeServer::introduce(ClientSession& session)
+{
+    for (const std::string& frame : broadcast.introduction()) {
+        session.send(frame);
+    }
+    session.flush();
 }
 
 /// The only place where clients leave a running match.
@@ -227,6 +235,9 @@ void PracticeServer::handleDatagram(std::size_t bytes)
         Logger::getInstance()->countMessage(Logger::UDP_RECEIVED);
         const FrameMeaning meaning = handleFrame(*client, frame);
         if (meaning == FrameMeaning::steering) {
+            if (!client->isPlaying()) {
+                introduce(*client->session);
+            }
             client->limits.receivedSteering(now);
         } else if (meaning == FrameMeaning::garbage) {
             client->limits.receivedGarbage(now);

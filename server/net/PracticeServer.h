@@ -100,6 +100,7 @@ private:
 
     void acceptConnections();
     void welcome(boost::asio::ip::tcp::socket socket);
+    void introduce(ClientSession& session);
     void removeLeavers();
     std::string leaveLine(Client& client);
     std::uint16_t freshQport();
