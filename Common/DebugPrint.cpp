@@ -10,7 +10,7 @@ namespace {
 
 std::mutex outputMutex;
 
-void print(const char* format, std::va_list arguments)
+__attribute__((format(printf, 1, 0))) void print(const char* format, std::va_list arguments)
 {
     char text[10000];
     const int length = std::vsnprintf(text, sizeof text, format, arguments);

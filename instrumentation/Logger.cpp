@@ -33,11 +33,14 @@ void updateRates(float* rates, const std::uint64_t* totals, std::uint64_t* lastT
     std::copy_n(totals, Logger::channels, lastTotals);
 }
 
-void writeHeader(std::FILE* file)
+void writeHeader(std::FILE* file, const std::map<std::string, std::uint64_t>& extraColumns)
 {
     std::fprintf(file, "!New measurement started:\n");
     for (const char* title : columnTitles) {
         std::fprintf(file, "%s,", title);
+    }
+    for (const auto& [title, value] : extraColumns) {
+        std::fprintf(file, "%-15s,", title.c_str());
     }
     std::fprintf(file, "\n");
 }
@@ -93,7 +96,7 @@ void Logger::writeMeasurementToFile()
         return;
     }
     if (rowsWritten == 0) {
-        writeHeader(file.get());
+        writeHeader(file.get(), extraColumns);
     }
     std::fprintf(file.get(), "%15llu,", static_cast<unsigned long long>(Timer::getCurrentTime()));
     writeRates(file.get(), packetRate);
@@ -101,7 +104,11 @@ void Logger::writeMeasurementToFile()
     writeRates(file.get(), messageRate);
     std::fprintf(file.get(), "%15d,%15d,", numberOf(SGT_PLAYER), numberOf(SGT_PROJECTILE));
     ResourceMonitor* monitor = ResourceMonitor::getInstance();
-    std::fprintf(file.get(), "%15d,%15lu,\n", static_cast<int>(monitor->GetCPUusage()),
+    std::fprintf(file.get(), "%15d,%15lu,", static_cast<int>(monitor->GetCPUusage()),
                  monitor->GetMemoryUsage());
+    for (const auto& [title, value] : extraColumns) {
+        std::fprintf(file.get(), "%15llu,", static_cast<unsigned long long>(value));
+    }
+    std::fprintf(file.get(), "\n");
     ++rowsWritten;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 
 /// Counts network traffic per channel, turns the counts into rates, and appends measurements to a text file.
@@ -36,8 +37,9 @@ public:
     void setFileToWriteTo(std::string name);
     /// Recomputes the rates if more than a second has passed since the last computation.
     void calcPrS();
-    /// Appends one row: the rates, the numbers of players and projectiles in the scene, and ResourceMonitor's
-    /// figures. Writes a header before this object's first row. Does nothing if the file cannot be opened.
+    /// Appends one row: the rates, the numbers of players and projectiles in the scene, ResourceMonitor's
+    /// figures and the extra columns. Writes a header before this object's first row. Does nothing if the
+    /// file cannot be opened.
     void writeMeasurementToFile();
 
     // Rates per second, as of the last calcPrS().
@@ -55,4 +57,6 @@ public:
     std::uint64_t lastPackets[channels] = {};
     std::uint64_t lastMessages[channels] = {};
     std::uint64_t lastBytes[channels] = {};
+    /// The program's own columns by title, written behind the others. The client has none.
+    std::map<std::string, std::uint64_t> extraColumns;
 };

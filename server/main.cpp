@@ -42,7 +42,7 @@ void serve(practice::ServerOptions& options)
     practice::PracticeServer server(io, options.server);
     std::optional<practice::MeasurementLog> measurements;
     if (!options.measurements.empty()) {
-        measurements.emplace(io, server.currentMatch(), options.measurements, writeStatusLine);
+        measurements.emplace(io, server, options.measurements, writeStatusLine);
     }
     boost::asio::signal_set signals(io, SIGINT, SIGTERM);
     signals.async_wait([&](const boost::system::error_code&, int) {

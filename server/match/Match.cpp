@@ -311,8 +311,8 @@ void Match::endMatch()
 
 MatchResult Match::makeResult() const
 {
-    MatchResult end{
-        matchNumber, static_cast<unsigned>((steps - startStep) / stepsPerSecond), redScore, blueScore, {}};
+    MatchResult end{matchNumber, isOver(),  static_cast<unsigned>((steps - startStep) / stepsPerSecond),
+                    redScore,    blueScore, {}};
     std::transform(ships.begin(), ships.end(), std::back_inserter(end.standings), standingOf);
     end.standings.insert(end.standings.end(), departed.begin(), departed.end());
     std::stable_sort(end.standings.begin(), end.standings.end(), [](const auto& a, const auto& b) {
@@ -331,7 +331,7 @@ void Match::startNextMatch()
     for (Ship& ship : ships) {  // all of them before the first spawns, because its data carries all scores
         ship.score = 0;
         ship.deaths = 0;
-        ship.firstLife = false;
+        ship.firstLife = ship.firstLife && ship.sinceSpawn == 0.0F;  // it joined in the intermission
     }
     for (Ship& ship : ships) {
         spawn(ship);

@@ -8,6 +8,9 @@ namespace {
 
 const char* verdict(const MatchResult& result)
 {
+    if (!result.complete) {
+        return "stopped";
+    }
     if (result.blueScore == result.redScore) {
         return "a draw";
     }

@@ -20,6 +20,7 @@ struct MatchResult
     };
 
     unsigned number;  ///< 1 for the first match
+    bool complete;    ///< it has reached one of its limits
     unsigned seconds;
     int redScore;
     int blueScore;

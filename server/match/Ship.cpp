@@ -59,17 +59,28 @@ Vector3 limited(const Vector3& v, float longest)
     return length > longest ? v * (longest / length) : v;
 }
 
-/// The border's push on a ship that thrusts as given. It grows with the distance outside. It lasts until the
-/// ship is back at a fight, or is inside and thrusts towards the fight.
+/// The way back to the nearest fight. From behind a carrier it leads over the bridge, where nothing stops a
+/// ship.
+Vector3 wayHome(const Vector3& position)
+{
+    constexpr float bridgeFront = -80.0F;  // z from the base
+    constexpr float bridgeHeight = 60.0F;  // above the fight's middle, to pass with room
+    const Vector3 way = fightMiddle(position.x < 0.0F ? Team::blue : Team::red) - position;
+    return position.z < bridgeFront ? way + Vector3(0.0F, bridgeHeight, 0.0F) : way;
+}
+
+/// The border's push on a ship that thrusts as given. It grows with the distance outside. Inside it lasts
+/// until the ship is back at a fight, or thrusts in another direction than away from it.
 Vector3 borderPush(Ship& ship, const Vector3& thrust, const Rules& rules)
 {
     const float excess = ship.position.length() - rules.borderRadius;
-    Vector3 home = fightMiddle(ship.position.x < 0.0F ? Team::blue : Team::red) - ship.position;
+    Vector3 home = wayHome(ship.position);
     const float distance = home.length();
     home.normalise();
+    const bool steersHome = thrust.dotProduct(home) > -0.5F * thrust.length();
     if (excess > 0.0F) {
         ship.borderGrip = std::max(ship.borderGrip, std::min(excess / rules.borderDepth, 1.0F));
-    } else if (distance < rules.returnRadius || thrust.dotProduct(home) > 0.0F) {
+    } else if (distance < rules.returnRadius || steersHome) {
         ship.borderGrip = 0.0F;
     }
     return home * (rules.borderPush * ship.borderGrip);

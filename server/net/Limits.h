@@ -30,9 +30,8 @@ private:
 
 /// Decides why a client has to be dropped. Knows nothing of sockets or clocks.
 ///
-/// While a client loads, its UDP address is unknown: its datagrams may be someone else's, so they do not
-/// count. From its first steering over UDP on it plays, and the owner reports only datagrams from its own
-/// address. A well-formed message without effect is no offence.
+/// The owner reports only datagrams that it accepts as the client's. While a client loads, they do not count.
+/// From its first steering over UDP on it plays. A well-formed message without effect is no offence.
 class ClientLimits
 {
 public:
@@ -81,12 +80,11 @@ private:
     void check(bool allowed, const std::string& limit);
 };
 
-/// A log that many short connections cannot flood. It passes on some lines, and once a second the number of
-/// lines left out.
+/// A log that nobody can flood. It passes on some lines, and once a second the number of lines left out.
 class RateLimitedLog
 {
 public:
-    explicit RateLimitedLog(LogOnce::Log sink_) : sink(std::move(sink_)) {}
+    RateLimitedLog(LogOnce::Log sink_, const RateLimit& rate_) : sink(std::move(sink_)), rate(rate_) {}
 
     void log(const std::string& line, std::uint64_t step);
     /// Logs the number of lines left out, at most once a second.
@@ -96,7 +94,7 @@ public:
 
 private:
     LogOnce::Log sink;
-    RateLimit rate{10, 80, 0};  // a full server may join or leave at once
+    RateLimit rate;
     std::uint64_t leftOut = 0;
     std::uint64_t flushedAt = 0;  ///< step
 };

@@ -55,9 +55,9 @@ void fillScene(const Match& match)
 
 }  // namespace
 
-MeasurementLog::MeasurementLog(boost::asio::io_context& io, const Match& match_, const std::string& file,
-                               LogOnce::Log log)
-    : match(match_), timer(io), name(file), errors(std::move(log))
+MeasurementLog::MeasurementLog(boost::asio::io_context& io, const PracticeServer& server_,
+                               const std::string& file, LogOnce::Log log)
+    : server(server_), timer(io), name(file), errors(std::move(log))
 {
     requireFile(file);
     Logger::getInstance()->setFileToWriteTo(file);
@@ -75,8 +75,9 @@ void MeasurementLog::schedule()
 
 void MeasurementLog::writeRow()
 {
-    fillScene(match);
+    fillScene(server.currentMatch());
     Logger* logger = Logger::getInstance();
+    logger->extraColumns = server.counts();
     const std::uintmax_t sizeBefore = sizeOf(name);  // the logger does not report a full disk
     logger->calcPrS();
     logger->writeMeasurementToFile();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/match/Match.h"
+#include "server/net/PracticeServer.h"
 #include "service/LogOnce.h"
 
 #include <boost/asio/io_context.hpp>
@@ -10,19 +10,20 @@
 
 namespace practice {
 
-/// Appends a row of the process's traffic, players and projectiles to a file once a second.
+/// Appends a row to a file once a second: the process's traffic, players, projectiles, and the server's
+/// counts.
 ///
 /// Writes on the thread that runs the io_context: meant for a file on a local disk.
 class MeasurementLog
 {
 public:
     /// Throws std::runtime_error unless `file` is, or can become, a regular file that we may append to. Logs
-    /// once that a row did not make the file longer, as on a full disk. `match` must outlive the log.
-    MeasurementLog(boost::asio::io_context& io, const Match& match, const std::string& file,
+    /// once that a row did not make the file longer, as on a full disk. `server` must outlive the log.
+    MeasurementLog(boost::asio::io_context& io, const PracticeServer& server, const std::string& file,
                    LogOnce::Log log);
 
 private:
-    const Match& match;
+    const PracticeServer& server;
     boost::asio::steady_timer timer;
     std::string name;
     LogOnce errors;

@@ -13,12 +13,11 @@ using boost::asio::ip::tcp;
 using boost::system::error_code;
 
 constexpr std::chrono::nanoseconds stepPeriod{1'000'000'000 / Match::stepsPerSecond};
-constexpr int mostStepsAtOnce = 6;              ///< then the sockets get their turn
-constexpr unsigned stepsPerSnapshot = 3;        ///< 20 snapshots a second, exactly 50 ms of match time apart
-constexpr std::uint64_t silentSteps = 60;       ///< after a second without steering the controls are released
-constexpr int mostAcceptsPerStep = 128;         ///< more wait in the system's queue
-constexpr unsigned mostWelcomesPerStep = 4;     ///< fills the server in a third of a second
-constexpr std::uint64_t turnedAwayPeriod = 60;  ///< steps between two lines about rejected connections
+constexpr int mostStepsAtOnce = 6;           ///< then the sockets get their turn
+constexpr unsigned stepsPerSnapshot = 3;     ///< 20 snapshots a second, exactly 50 ms of match time apart
+constexpr std::uint64_t silentSteps = 60;    ///< after a second without steering the controls are released
+constexpr int mostAcceptsPerStep = 128;      ///< more wait in the system's queue
+constexpr unsigned mostWelcomesPerStep = 4;  ///< fills the server in a third of a second
 
 std::string joinLine(const Ship& ship, const tcp::endpoint& from)
 {
@@ -44,7 +43,10 @@ bool hasHungUp(tcp::socket& socket)
 PracticeServer::PracticeServer(boost::asio::io_context& io, const ServerConfig& config_)
     : config(config_),
       ports(io, config_.port, config_.bind),
-      clientLog(config.log),
+      admission(config.mostClients, config.placesPerAddress),
+      clientLog(config.log, {10, 80, 0}),  // a full server may join or leave at once
+      turnedAwayLog(config.log, {1, 1, 0}),
+      guessLog(config.log, {1, 1, 0}),
       acceptErrors([this](const std::string& line) { clientLog.log(line, match.stepCount()); }),
       stepTimer(io),
       clock(stepPeriod),
@@ -106,11 +108,14 @@ void PracticeServer::acceptConnections()
         if (hasHungUp(socket)) {
             continue;
         }
-        if (clients.size() < config.mostClients) {
+        const auto host = socket.remote_endpoint(error).address();
+        const std::string reason = admission.reasonToTurnAway(host);
+        if (reason.empty()) {
             welcome(std::move(socket));
             ++welcomed;
         } else {
-            ++turnedAway;
+            turnedAwayLog.log("turn away " + host.to_string() + ": " + reason, match.stepCount());
+            ++counted["turned away"];
         }
     }
 }
@@ -122,13 +127,11 @@ void PracticeServer::welcome(tcp::socket socket)
     const Ship& ship = *match.findShip(shipId);
     const std::uint16_t qport = freshQport();
     const std::uint64_t now = match.stepCount();
+    admission.add(qport, session->peer().address(), now);
     session->send(welcomeFrame(ship, qport, match));
-    for (const std::string& frame : broadcast.introduction()) {
-        session->send(frame);
-    }
-    session->flush();
+    introduce(*session);
     clientLog.log(joinLine(ship, session->peer()), now);
-    Client& client = clients.emplace_back(Client{session, shipId, qport, now, {config.limits, now}, {}});
+    Client& client = clients.emplace_back(Client{session, shipId, qport, now, {config.limits, now}});
     session->start([this, &client](const framing::ClientFrame& frame) {
         Logger::getInstance()->countMessage(Logger::TCP_RECEIVED);
         if (client.qport == frame.qport) {
@@ -137,16 +140,14 @@ void PracticeServer::welcome(tcp::socket socket)
     });
 }
 
-/// One line for many, so that nobody can flood the log.
-void PracticeServer::logTurnedAway()
+/// Sends the world to a client: when it joins, and again when it begins to play. While it loads its models,
+/// messages pile up. It then takes them all in one frame, and loses the ships that died and returned.
+void PracticeServer::introduce(ClientSession& session)
 {
-    if (turnedAway == 0 || match.stepCount() < turnedAwayLoggedAt + turnedAwayPeriod) {
-        return;
+    for (const std::string& frame : broadcast.introduction()) {
+        session.send(frame);
     }
-    config.log("turned away " + std::to_string(turnedAway) + " connections: all " +
-               std::to_string(config.mostClients) + " places are taken");
-    turnedAway = 0;
-    turnedAwayLoggedAt = match.stepCount();
+    session.flush();
 }
 
 /// The only place where clients leave a running match.
@@ -160,6 +161,7 @@ void PracticeServer::removeLeavers()
         }
         clientLog.log(line, match.stepCount());
         client->session->close();
+        admission.remove(client->qport);
         const ObjectId ship = client->ship;
         client = clients.erase(client);
         match.removeShip(ship);
@@ -177,6 +179,7 @@ std::string PracticeServer::leaveLine(Client& client)
     const bool isCutOff = client.session->state() == ClientSession::State::cutOff;
     const std::string reason =
         isCutOff ? client.session->cutOffReason() : client.limits.reasonToDrop(match.stepCount());
+    counted["drops"] += reason.empty() ? 0U : 1U;
     return reason.empty() ? "" : "drop " + name + ": " + reason;
 }
 
@@ -185,7 +188,7 @@ std::uint16_t PracticeServer::freshQport()
 {
     for (;;) {
         const auto qport = static_cast<std::uint16_t>(config.random());
-        if (qport != 0 && findClient([qport](const Client& c) { return c.qport == qport; }) == nullptr) {
+        if (qport != 0 && !admission.isTaken(qport)) {
             return qport;
         }
     }
@@ -207,19 +210,19 @@ void PracticeServer::receive()
                                  });
 }
 
-/// A datagram from an unknown address has no effect, unless it is the first steering of a client that loads.
-/// A frame with another qport has no effect, nor have the frames behind it.
+/// A datagram has an effect only if it starts with a client's qport and Admission accepts its sender. Frames
+/// behind a frame with another qport have none.
 void PracticeServer::handleDatagram(std::size_t bytes)
 {
     Logger::getInstance()->countPacket(Logger::UDP_RECEIVED, bytes);
-    framing::ClientFrame frame;
-    framing::cutClientFrame(datagram.data(), bytes, frame);
-    Client* const client = findSender(frame.qport);
+    Client* const client =
+        bytes < framing::qportSize ? nullptr : findSender(framing::uint16At(datagram.data()));
     if (client == nullptr) {
         return;
     }
     const std::uint64_t now = match.stepCount();
     client->limits.receivedDatagram(now);
+    framing::ClientFrame frame;
     for (std::size_t used = 0; used < bytes; used += frame.size()) {
         if (framing::cutClientFrame(&datagram[used], bytes - used, frame) != framing::Cut::frame) {
             client->limits.receivedGarbage(now);
@@ -231,7 +234,9 @@ void PracticeServer::handleDatagram(std::size_t bytes)
         Logger::getInstance()->countMessage(Logger::UDP_RECEIVED);
         const FrameMeaning meaning = handleFrame(*client, frame);
         if (meaning == FrameMeaning::steering) {
-            client->address = sender;
+            if (!client->isPlaying()) {
+                introduce(*client->session);
+            }
             client->limits.receivedSteering(now);
         } else if (meaning == FrameMeaning::garbage) {
             client->limits.receivedGarbage(now);
@@ -250,23 +255,26 @@ FrameMeaning PracticeServer::handleFrame(Client& client, const framing::ClientFr
     return meaning;
 }
 
-template <typename Condition>
-PracticeServer::Client* PracticeServer::findClient(Condition condition)
-{
-    const auto found = std::find_if(clients.begin(), clients.end(), condition);
-    return found == clients.end() ? nullptr : &*found;
-}
-
-/// The client with that qport, if the datagram comes from its address. While that is unknown, the host of its
-/// connection counts. Else the client with that address: one socket may play again while the player's earlier
-/// connections are still open.
+/// The client that Admission accepts as the datagram's sender, or null.
 PracticeServer::Client* PracticeServer::findSender(std::uint16_t qport)
 {
-    Client* const named = findClient([this, qport](const Client& c) {
-        return c.qport == qport &&
-               (c.isPlaying() ? c.address == sender : c.session->peer().address() == sender.address());
-    });
-    return named != nullptr ? named : findClient([this](const Client& c) { return c.address == sender; });
+    const Admission::Verdict verdict = admission.judge(qport, sender, match.stepCount());
+    if (verdict == Admission::Verdict::guess) {
+        guessLog.log("ignore a guess at a qport from " + sender.address().to_string(), match.stepCount());
+        ++counted["qport guesses"];
+    }
+    if (verdict == Admission::Verdict::guess || verdict == Admission::Verdict::ignored) {
+        return nullptr;
+    }
+    const auto hasQport = [qport](const Client& client) { return client.qport == qport; };
+    const auto client = std::find_if(clients.begin(), clients.end(), hasQport);
+    if (verdict == Admission::Verdict::moved) {
+        ++counted["port moves"];
+        clientLog.log(
+            "move " + match.findShip(client->ship)->name + " to port " + std::to_string(sender.port()),
+            match.stepCount());
+    }
+    return &*client;
 }
 
 // The clock of the match.
@@ -299,8 +307,9 @@ void PracticeServer::step()
         client.session->flush();
     }
     acceptConnections();
-    logTurnedAway();
-    clientLog.afterStep(match.stepCount());
+    for (RateLimitedLog* limited : {&clientLog, &turnedAwayLog, &guessLog}) {
+        limited->afterStep(match.stepCount());
+    }
 }
 
 void PracticeServer::logResult()
@@ -330,7 +339,8 @@ void PracticeServer::sendSnapshot()
                 continue;
             }
             error_code error;
-            const std::size_t sent = ports.udp.send_to(boost::asio::buffer(packed), client.address, 0, error);
+            const std::size_t sent =
+                ports.udp.send_to(boost::asio::buffer(packed), admission.endpointOf(client.qport), 0, error);
             if (!error) {
                 Logger::getInstance()->countPacket(Logger::UDP_SENT, sent);
             }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/match/Match.h"
+#include "server/net/Admission.h"
 #include "server/net/ClientInput.h"
 #include "server/net/ClientSession.h"
 #include "server/net/Limits.h"
@@ -16,6 +17,7 @@
 #include <cstdint>
 #include <functional>
 #include <list>
+#include <map>
 #include <memory>
 #include <random>
 #include <string>
@@ -29,6 +31,7 @@ struct ServerConfig
     unsigned bots = 16;
     MatchSettings match;
     std::size_t mostClients = 64;
+    std::uint32_t placesPerAddress = 8;  ///< 0: any number
     ClientLimits::Config limits;
     LogOnce::Log log;  ///< must be set
     /// Where the qports come from: not from the match's seed, because nobody may guess them.
@@ -56,6 +59,8 @@ public:
     /// How many steps were played, and how late the latest was.
     std::string timing() const { return clock.report(); }
     const Match& currentMatch() const { return match; }
+    /// Totals since the start, by title: drops, changed ports, guessed qports, rejected connections.
+    const std::map<std::string, std::uint64_t>& counts() const { return counted; }
 
     /// Starts the match's clock and admits clients.
     void start();
@@ -70,14 +75,18 @@ private:
         std::uint16_t qport;
         std::uint64_t steeredAt;  ///< step of the last steering, or of the client's arrival
         ClientLimits limits;
-        boost::asio::ip::udp::endpoint address;  ///< unspecified until it plays
 
         bool isPlaying() const { return limits.state() == ClientLimits::State::playing; }
     };
 
     ServerConfig config;
     PortPair ports;
+    Admission admission;
     RateLimitedLog clientLog;
+    RateLimitedLog turnedAwayLog;
+    RateLimitedLog guessLog;
+    std::map<std::string, std::uint64_t> counted{
+        {"drops", 0}, {"port moves", 0}, {"qport guesses", 0}, {"turned away", 0}};
     LogOnce acceptErrors;
     boost::asio::steady_timer stepTimer;
     StepClock clock;
@@ -86,14 +95,12 @@ private:
     std::list<Client> clients;
     std::array<char, 2048> datagram{};
     boost::asio::ip::udp::endpoint sender;  ///< of the datagram
-    std::uint64_t turnedAway = 0;           ///< connections that have not been logged
-    std::uint64_t turnedAwayLoggedAt = 0;   ///< step
 
     bool isRunning() const { return ports.udp.is_open(); }
 
     void acceptConnections();
     void welcome(boost::asio::ip::tcp::socket socket);
-    void logTurnedAway();
+    void introduce(ClientSession& session);
     void removeLeavers();
     std::string leaveLine(Client& client);
     std::uint16_t freshQport();
@@ -101,8 +108,6 @@ private:
     void receive();
     void handleDatagram(std::size_t bytes);
     FrameMeaning handleFrame(Client& client, const framing::ClientFrame& frame);
-    template <typename Condition>
-    Client* findClient(Condition condition);
     Client* findSender(std::uint16_t qport);
 
     void scheduleSteps();

@@ -54,6 +54,8 @@ std::optional<int> readServerOptions(int argc, const char* const* argv, ServerOp
                                          "IPv4 address to listen on; 0.0.0.0 lets other machines in")
         ->default_str(config.bind.to_string())
         ->type_name("ADDRESS");
+    number("--per-address", config.placesPerAddress, static_cast<std::uint32_t>(config.mostClients),
+           "places for players of one address; 0: all; this machine has no limit");
     number("--bots", config.bots, mostBots, "computer pilots, 0 to 64, evenly on both teams");
     choice("--difficulty", match.difficulty, difficulties, "of the bots: easy, normal or hard")
         ->default_str("normal")

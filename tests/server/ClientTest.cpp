@@ -1,5 +1,6 @@
 #include "network/Messages.h"
 #include "peer/Endpoints.h"
+#include "server/net/Admission.h"
 #include "server/net/ClientInput.h"
 #include "server/net/ClientSession.h"
 #include "server/net/Limits.h"
@@ -8,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <map>
 
 using namespace practice;
 using namespace std::chrono_literals;
@@ -29,16 +29,66 @@ struct Connection
         socket.connect(acceptor.local_endpoint());
         client = &ends.add(std::move(socket));
         session = std::make_shared<ClientSession>(acceptor.accept(), 20000);
-        session->start([this](const auto& frame) { qports += std::to_string(frame.qport) + ' '; });
+        session->start({});
     }
 
     peer::Endpoints ends;
     peer::StreamEnd* client;
     std::shared_ptr<ClientSession> session;
-    std::string qports;  ///< of the frames received
 };
 
 }  // namespace
+
+TEST(Admission, BelievesClientsAndNoStrangers)
+{
+    using boost::asio::ip::make_address_v4;
+    const auto home = make_address_v4("192.0.2.1");  // of clients 1 and 2
+    const auto away = make_address_v4("192.0.2.2");  // of client 3
+    const auto loopback = make_address_v4("127.0.0.2");
+    Admission admission(64, 2);
+    admission.add(1, home, 0);
+    admission.add(2, home, 0);
+    admission.add(3, away, 0);
+    const struct
+    {
+        std::uint64_t step;
+        Admission::Endpoint sender;
+        std::uint16_t qport;
+        std::string verdicts;  ///< one for each datagram: ignored, guess, believed or moved
+    } cases[] = {
+        {0, {away, 1}, 1, "g"},  // the qport is right, the host is not
+        {0, {home, 1}, 1, "b"},  // the first datagram
+        {0, {home, 1}, 2, "b"},  // one socket may play twice
+        {59, {home, 9}, 1, "iiiiiiiiiiii"},
+        {60, {home, 9}, 1, "mbbbbbbbbbbb"},  // a second later; there is no ration for the client itself
+        {61, {home, 1}, 1, "g"},
+        {90, {away, 5}, 77, "ggggggg"},  // leaves one of the ration
+        {90, {away, 6}, 3, "b"},
+        {300, {home, 5}, 77, "gggggggg"},  // spends the ration: now a client must repeat its qport ...
+        {300, {home, 3}, 1, "ggggggggg"},
+        {301, {home, 4}, 1, "g"},  // takes a vote away
+        {302, {home, 3}, 1, "gm"},
+        {400, {away, 5}, 77, "gggggggg"},
+        {400, {away, 7}, 3, "ggggggggg"},
+        {459, {away, 5}, 77, "g"},
+        {460, {away, 7}, 3, "g"},  // ... within a second
+        {520, {away, 7}, 3, "m"},  // the ration grows by one a second
+    };
+    for (const auto& c : cases) {
+        for (const char verdict : c.verdicts) {
+            const auto actual = static_cast<std::size_t>(admission.judge(c.qport, c.sender, c.step));
+            EXPECT_EQ("igbm"[actual], verdict) << &c - cases;
+        }
+    }
+    EXPECT_EQ(admission.endpointOf(1), Admission::Endpoint(home, 3));
+
+    EXPECT_EQ(admission.reasonToTurnAway(home), "one address gets 2 places");
+    admission.remove(1);
+    EXPECT_EQ(admission.reasonToTurnAway(home), "");
+    admission.add(4, loopback, 0);
+    admission.add(5, loopback, 0);
+    EXPECT_EQ(admission.reasonToTurnAway(loopback), "");
+}
 
 TEST(ClientLimits, TellAGameFromAnAttack)
 {
@@ -81,20 +131,6 @@ TEST(ClientLimits, TellAGameFromAnAttack)
     }
 }
 
-TEST(RateLimitedLog, PassesSomeLinesAndCountsTheOthers)
-{
-    std::map<std::string, int> lines;
-    RateLimitedLog log([&lines](const std::string& line) { ++lines[line]; });
-    for (std::uint64_t step = 0; step <= 2 * second; ++step) {
-        log.log("join", step);
-        log.log("join", step);
-        log.afterStep(step);
-    }
-    EXPECT_EQ(lines, (std::map<std::string, int>{{"join", 100},  // a burst and ten a second
-                                                 {"... and 32 more lines like these", 1},
-                                                 {"... and 110 more lines like these", 1}}));
-}
-
 TEST(StepClock, CatchesUpOrGivesUp)
 {
     StepClock clock(10ms);
@@ -134,23 +170,6 @@ TEST(ClientInput, OnlySoundSteeringCounts)
     }
     EXPECT_EQ(input.orientation, Quaternion(1, 0, 0, 0));
     EXPECT_EQ(input.controls, 0x4000003FU) << "refused steering changed the input";
-}
-
-TEST(ClientSession, CutsFramesAtAnySplit)
-{
-    Connection connection;
-    const std::string frames = messages::steeringFrame(1, {}) + messages::steeringFrame(0x1234, {});
-    for (const char byte : frames) {
-        connection.client->send({byte});
-        connection.ends.poll();
-    }
-    connection.client->send(frames);
-    EXPECT_TRUE(connection.ends.await([&] { return connection.qports == "1 4660 1 4660 "; }));
-    EXPECT_EQ(connection.session->takeReceivedBytes(), 2 * frames.size());
-    EXPECT_EQ(connection.session->takeReceivedBytes(), 0U);
-    connection.session->close();
-    connection.session->send(std::string(20001, 'x'));
-    EXPECT_EQ(connection.session->state(), ClientSession::State::closed);
 }
 
 TEST(ClientSession, BoundsWhatWaitsForItsClient)

@@ -11,6 +11,7 @@
 #include <csignal>
 #include <filesystem>
 #include <thread>
+#include <tuple>
 
 using namespace practice;
 using support::Process;
@@ -29,46 +30,33 @@ Process run(std::vector<std::string> options)
 TEST(ServerProgram, TakesItsOptions)
 {
     const char* const arguments[] = {
-        "vantor-server", "--port=0", "--bind",          "0.0.0.0",      "--bots",  "64",
-        "--difficulty",  "hard",     "--seed",          "4294967295",   "--spawn", "grid",
-        "--log",         "m.csv",    "--score-limit=0", "--time-limit", "86400",   "--friendly-fire"};
+        "vantor-server",     "--port=0",           "--bind",         "0.0.0.0",         "--bots=64",
+        "--difficulty=hard", "--seed=4294967295",  "--spawn=grid",   "--per-address=0", "--log=m.csv",
+        "--score-limit=0",   "--time-limit=86400", "--friendly-fire"};
     ServerOptions given;
     EXPECT_EQ(readServerOptions(static_cast<int>(std::size(arguments)), arguments, given), std::nullopt);
-    EXPECT_EQ(given.server.port, 0);
-    EXPECT_TRUE(given.server.bind.is_unspecified());
-    EXPECT_EQ(given.server.bots, 64U);
-    EXPECT_EQ(given.server.match.difficulty, Difficulty::hard);
-    EXPECT_EQ(given.server.match.seed, 4294967295U);
-    EXPECT_EQ(given.server.match.spawn, General::GRID);
-    EXPECT_EQ(given.server.match.scoreLimit, 0);
-    EXPECT_EQ(given.server.match.timeLimit, 86400);
-    EXPECT_TRUE(given.server.match.friendlyFire);
-    EXPECT_EQ(given.measurements, "m.csv");
+    const ServerConfig& server = given.server;
+    const MatchSettings& match = server.match;
+    EXPECT_EQ(std::tuple(server.port, server.bots, server.placesPerAddress, given.measurements),
+              std::tuple(0, 64U, 0U, "m.csv"));
+    EXPECT_EQ(std::tuple(match.seed, match.scoreLimit, match.timeLimit), std::tuple(4294967295U, 0, 86400));
+    EXPECT_EQ(std::tuple(match.difficulty, match.spawn), std::tuple(Difficulty::hard, General::GRID));
+    EXPECT_TRUE(server.bind.is_unspecified() && match.friendlyFire);
 }
 
 TEST(ServerProgram, SaysInOneLineWhyItCannotServe)
 {
     boost::asio::io_context io;
     const PortPair taken(io, 0);
-    const struct
-    {
-        std::vector<std::string> options;
-        std::string end;
-        std::string text;
-    } cases[] = {
+    const std::tuple<std::vector<std::string>, std::string, std::string> cases[] = {
         {{"--bots", "none"}, "status 2", "--bots: wants a whole number from 0 to 64, not 'none'"},
         {{"--port=65536"}, "status 2", "65535"},
-        {{"--bots=65"}, "status 2", "64"},
-        {{"--seed=4294967296"}, "status 2", "4294967295"},
-        {{"--score-limit=10001"}, "status 2", "10000"},
-        {{"--time-limit=86401"}, "status 2", "86400"},
+        {{"--per-address=65"}, "status 2", "64"},
         {{"--bind=localhost"}, "status 2", "an IPv4 address"},
         {{"--bind=224.0.0.1"}, "status 2", "an IPv4 address"},
         {{"--bind=255.255.255.255"}, "status 2", "an IPv4 address"},
         {{"--difficulty=easyy"}, "status 2", "easy,hard,normal"},
-        {{"--spawn=0"}, "status 2", "fixed,grid,random"},
         {{"--log", ""}, "status 2", "the name of a file"},
-        {{"--log=", "--bots=3"}, "status 2", "--log= lacks a value"},
         {{"--friendly-fire=no"}, "status 2", "friendly-fire"},
         {{"--port", std::to_string(taken.number())}, "status 1", "Address already in use"},
         {{"--port", "0", "--bind", "192.0.2.1"}, "status 1", "Cannot assign requested address"},
@@ -76,10 +64,10 @@ TEST(ServerProgram, SaysInOneLineWhyItCannotServe)
         {{"--port", "0", "--log", "/tmp"}, "status 1", "not a regular file"},
         {{"--port", "0", "--log", "/no/such\nfolder"}, "status 1", "'/no/such?folder'"},
     };
-    for (const auto& c : cases) {
-        Process server = run(c.options);
-        EXPECT_EQ(server.end(), c.end);
-        EXPECT_TRUE(server.hasPrinted(c.text)) << server.output();
+    for (const auto& [options, end, text] : cases) {
+        Process server = run(options);
+        EXPECT_EQ(server.end(), end);
+        EXPECT_TRUE(server.hasPrinted(text)) << server.output();
         const std::string output = server.output();
         EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 1) << output;
     }
@@ -107,15 +95,18 @@ TEST(ServerProgram, LogsMeasurementsUntilTheDiskIsFull)
 {
     const std::string log = std::filesystem::temp_directory_path() / ("vantor-" + std::to_string(getpid()));
     std::filesystem::remove(log);
-    const std::string command = "ulimit -f 2; exec \"$0\" --port 0 --bots 12 --log \"$1\"";
+    const std::string command = "ulimit -f 3; exec \"$0\" --port 0 --bots 12 --log \"$1\"";
     const Process server({"sh", "-c", command, VANTOR_SERVER, log});
     const std::string line = "cannot write measurements to '" + log + "' any more\n";
     ASSERT_TRUE(peer::eventually([&] { return server.hasPrinted(line); }, 20s)) << server.output();
     std::this_thread::sleep_for(1500ms);  // until another row does not fit either
     EXPECT_EQ(server.output().find(line), server.output().rfind(line));
-    EXPECT_EQ(std::filesystem::file_size(log), 1024U);
+    EXPECT_EQ(std::filesystem::file_size(log), 1536U);
     EXPECT_EQ(support::outputOf({"sed", "-n", "3p", log}).substr(13 * 16, 16), "             12,")
         << "players";
+    const std::string titles = "drops          ,port moves     ,qport guesses  ,turned away    ,";
+    EXPECT_EQ(support::outputOf({"sed", "-n", "2p", log}).substr(17 * 16, 64), titles);
+    EXPECT_EQ(support::outputOf({"sed", "-n", "3p", log}).substr(20 * 16), "              0,\n");
 
     const std::string picture = log + ".png";
     EXPECT_EQ(Process({VANTOR_TOOLS "/plot-log", "/no/such/log"}).end(), "status 1");

@@ -94,6 +94,27 @@ TEST(Flight, TheBorderTurnsShipsBackToTheFight)
     }
 }
 
+TEST(Flight, TheBorderLeadsAroundTheCarriers)
+{
+    for (const Vector3& away : {Vector3(0, 0, -1), Vector3(0, -0.3F, -1), Vector3(0.1F, 0.1F, -1),
+                                Vector3(0, -1, 0.1F), Vector3(0, 1, 0.1F), Vector3(1, 0, 0.1F)}) {
+        for (const std::uint32_t controls : {control::forward, std::uint32_t(0)}) {
+            Ship ship = shipWith(controls, lookAlong(away));
+            ship.position = General::redBase + away * 260.0F;
+            ship.velocity = away * 70.0F;
+            int resting = 0;
+            bool wasOutside = false;
+            for (int i = 0; i < 90 * 60; ++i) {
+                flyShip(ship, Rules(), dt);
+                wasOutside = wasOutside || ship.position.length() > Rules().borderRadius;
+                resting = ship.velocity.length() < 3.0F && ship.borderGrip > 0.0F ? resting + 1 : 0;
+                ASSERT_LT(resting, 300) << ship.position.toString();
+            }
+            EXPECT_TRUE(wasOutside || controls == 0) << away.toString();
+        }
+    }
+}
+
 TEST(Hulls, ShipsSlideAlongThem)
 {
     const struct

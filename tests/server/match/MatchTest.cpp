@@ -3,12 +3,10 @@
 #include "server/match/Hull.h"
 #include "server/match/Match.h"
 #include "server/net/MatchBroadcast.h"
-#include "server/net/MeasurementLog.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -219,20 +217,4 @@ TEST(StartPoints, LieApartAndOutsideTheHulls)
             EXPECT_EQ(wayOutOfHulls(ship.position, 4.0F), Vector3()) << ship.position.toString();
         }
     }
-}
-
-TEST(MeasurementLog, CountsLivingShipsAndShots)
-{
-    Game game(twoKills);
-    game.fireOnce(game.place({0, 0, 0}));
-    game.place({0, 0, -50});
-    game.place({0, 0, 50}, 0.0F);
-    const std::string name = "measurements.txt";
-    std::filesystem::remove(name);
-    boost::asio::io_context io;
-    MeasurementLog log(io, game.match, name, [](const std::string& line) { ADD_FAILURE() << line; });
-    io.run_one();
-    std::ifstream file(name);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_NE(text.find("              2,              1,"), std::string::npos) << text;
 }
