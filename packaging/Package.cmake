@@ -34,7 +34,7 @@ set(CPACK_DEBIAN_CLIENT_PACKAGE_SUGGESTS "xwayland, zenity | x11-utils")  # erro
 set(CPACK_DEBIAN_SERVER_PACKAGE_NAME vantor-server)
 set(CPACK_DEBIAN_SERVER_DESCRIPTION "team-based 3D space-combat game: server
 ${game} The package brings the server,
-a systemd unit that hosts matches, and a relay that spoils, records and
+a systemd unit that hosts matches, and a relay that impairs, records and
 replays the network. It needs no desktop.")
 set(CPACK_DEBIAN_SERVER_PACKAGE_SUGGESTS gnuplot-nox)  # for the plot of the measurements
 set(CPACK_DEBIAN_SERVER_PACKAGE_BREAKS ${single_package})

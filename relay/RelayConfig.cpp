@@ -76,7 +76,7 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
         "vantor-relay --to HOST:PORT [faults] [--record FILE]\n"
         "vantor-relay --replay FILE [--speed X]\n\n"
         "Stands between any client and any server and passes on TCP and UDP, both ways,\n"
-        "as they are or spoilt; or plays a recorded server. Listens on 127.0.0.1, and\n"
+        "as they are or impaired; or plays a recorded server. Listens on 127.0.0.1, and\n"
         "prints \"ready HOST:PORT\" when it does. Ends on SIGINT or SIGTERM.\n",
         "vantor-relay");
     const auto add = [&app](const char* name, const char* value, auto& field, const CLI::Validator& validator,
