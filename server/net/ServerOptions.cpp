@@ -20,7 +20,7 @@ constexpr std::uint32_t longestMatch = 86'400;  ///< seconds
 boost::asio::ip::address_v4 toAddress(const std::string& text)
 {
     boost::system::error_code error;
-    const auto address = boost::asio::ip::make_address_v4(text, error);
+    auto address = boost::asio::ip::make_address_v4(text, error);
     if (error || address.is_multicast() || address == boost::asio::ip::address_v4::broadcast()) {
         throw CLI::ValidationError("--bind",
                                    "wants an IPv4 address of this machine like 127.0.0.1 (0.0.0.0: all of "
