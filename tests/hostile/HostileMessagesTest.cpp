@@ -4,11 +4,6 @@
 #include "tests/hostile/Attacks.h"
 #include "tests/network/Support.h"
 
-#include <filesystem>
-#include <fstream>
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
 using namespace attacks;
 
 TEST(Hostile, AttacksLeaveTheSceneInOrder)
@@ -43,16 +38,5 @@ TEST(Hostile, DamagedFramesDoNoHarm)
                 ASSERT_EQ(arena.play({ship(7) + shot(8) + bytes + frame}, 2), "") << bytes;
             }
         });
-    }
-}
-
-// The fuzz target's seeds and findings.
-TEST(Hostile, EveryCommittedFuzzInputPasses)
-{
-    for (const auto& entry : std::filesystem::directory_iterator(VANTOR_FUZZ_CORPUS)) {
-        std::ifstream file(entry.path(), std::ios::binary);
-        const std::string bytes(std::istreambuf_iterator<char>(file), {});
-        ASSERT_FALSE(bytes.empty()) << entry.path();
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
     }
 }
