@@ -40,7 +40,7 @@ open_session
 # GNUstep starts daemons, which stay for some seconds.
 trap 'kill $(grep -lszF "$work/GNUstep.conf" /proc/[0-9]*/environ | tr -dc "0-9\n") 2>/dev/null || true; close_session' EXIT
 cd "$work"  # where the compiler leaves notes
-ls /usr/lib/GNUstep/Bundles/libgnustep-back-*.bundle >/dev/null 2>"$work/errors" &&
+ls -d "$(gnustep-config --variable=GNUSTEP_SYSTEM_LIBRARY)"/Bundles/libgnustep-*.bundle >/dev/null 2>"$work/errors" &&
     compile -x objective-c -fsyntax-only /dev/null 2>"$work/errors" ||
     fail "no GNUstep, run tools/install-dependencies macos: $(cat "$work/errors")" 77
 beside=$work/Applications bundle=$work/Applications/Probe.app document=$work/Bücher.txt
