@@ -8,11 +8,10 @@
 
 TEST(BadFiles, AreNamed)
 {
-    // a PNG of 30,000 by 30,000 pixels up to where its pixels begin
-    const std::string image("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0u0\0\0u0\b\2\0\0\0\xE9\x45o\xED\0\0\0\0IDAT",
-                            41);
     const std::pair<std::string, std::string> files[] = {
-        {image, "With Faces: 0\n"},
+        // a PNG of 30,000 by 30,000 pixels up to where its pixels begin
+        {{"\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0u0\0\0u0\b\2\0\0\0\xE9\x45o\xED\0\0\0\0IDAT", 41},
+         "With Faces: 0\n"},
         {"v 0 0 0\nv 1 0 0\nv 1", "With Faces: 0\n"},
         {"v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 9\n", "OBJ: vertex index out of range\n"},
         {"v nan 0 0\nv inf 0 0\nv 0 1e99 0\nf 1 2 3\n", "With Faces: 1\n"}};
