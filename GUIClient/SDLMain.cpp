@@ -1,5 +1,6 @@
 #include "GUIClient/SDLMain.h"
 
+#include "Common/DebugPrint.h"
 #include "GUIClient/Helpers.h"
 #include "GUIClient/VTEntryPoint.h"
 #include "GUIClient/drawGL.h"
@@ -16,6 +17,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
+#include <new>
 #include <string>
 
 namespace {
@@ -69,12 +71,8 @@ int play(const std::string& host, const std::string& port, unsigned int udpTimeo
     return EXIT_SUCCESS;
 }
 
-}  // namespace
-
-int SDL_main(int argc, char** argv)
+int run(int argc, char** argv)
 {
-    std::signal(SIGPIPE, SIG_IGN);  // a closed standard output must not end the game,
-    std::signal(SIGXFSZ, SIG_IGN);  // nor a file that has reached the limit of its size
     const po::options_description options = allowedOptions();
     const po::variables_map values = parse(argc, argv, options);
     if (values.count("help") != 0) {
@@ -83,4 +81,18 @@ int SDL_main(int argc, char** argv)
     }
     return play(values["host"].as<std::string>(), values["port"].as<std::string>(),
                 values["udp-timeout"].as<unsigned int>());
+}
+
+}  // namespace
+
+int SDL_main(int argc, char** argv)
+{
+    std::signal(SIGPIPE, SIG_IGN);  // a closed standard output must not end the game,
+    std::signal(SIGXFSZ, SIG_IGN);  // nor a file that has reached the limit of its size
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        DebugPrint("Out of memory - exiting\n");
+        return EXIT_FAILURE;
+    }
 }
