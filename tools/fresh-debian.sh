@@ -20,13 +20,13 @@ require_release() {
     [ "$(id -u)" -eq 0 ] || fail 'to set up a Debian of its own it must run as root'
 }
 
-# make_debian FOLDER: a Debian of that release with only what apt needs.
+# make_debian FOLDER [OPTION...]: a Debian of that release with only what apt needs; options of mmdebstrap.
 make_debian() {
     local apt_options=() file
     for file in /etc/apt/apt.conf.d/99*; do  # how this machine reaches its mirror
         [ ! -f "$file" ] || apt_options+=(--aptopt="$file")
     done
-    mmdebstrap --quiet --variant=apt --components=main "${apt_options[@]}" "$release" "$1"
+    mmdebstrap --quiet --variant=apt --components=main "${apt_options[@]}" "${@:2}" "$release" "$1"
     cp --remove-destination /etc/resolv.conf /etc/hosts "$1/etc/"
     "${inside[@]}" "$1" root apt-get update -qq
 }
