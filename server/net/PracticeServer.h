@@ -67,6 +67,8 @@ public:
     void start();
     /// Hangs up on everyone and leaves the io_context without work of ours.
     void stop();
+    /// Plays one step now. The clock does so 60 times a second.
+    void step();
 
 private:
     struct Client
@@ -112,7 +114,6 @@ private:
     Client* findSender(std::uint16_t qport);
 
     void scheduleSteps();
-    void step();
     void logResult();
     void releaseSilentControls();
     void sendSnapshot();
