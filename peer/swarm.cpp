@@ -25,6 +25,7 @@ constexpr std::uint32_t fire = 0x40000000;
 
 // Of clients that come and go.
 constexpr std::chrono::milliseconds joinSpacing = 100ms;
+constexpr std::chrono::seconds fullSpacing = 1s;      ///< where all places are taken
 constexpr std::chrono::seconds silenceKept = 35s;     ///< the server drops a silent client after 30
 constexpr std::chrono::seconds longestTransit = 10s;  ///< of an announcement over a bad network
 
@@ -228,7 +229,9 @@ private:
         for (auto next = present.begin(); next != present.end();) {
             const auto pilot = next++;
             if (pilot->client.serverHungUp()) {
-                count(*pilot, pilot->client.id() == 0 ? "turned away" : "cut off");
+                const bool isFull = pilot->client.id() == 0;
+                count(*pilot, isFull ? "turned away" : "cut off");
+                nextJoin = isFull ? Clock::now() + fullSpacing : nextJoin;
                 present.erase(pilot);
             } else if (pilot->leaves <= Clock::now()) {
                 leave(pilot);

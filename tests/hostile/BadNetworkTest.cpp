@@ -74,10 +74,11 @@ TEST(BadNetwork, AStreamCutAnywhereGivesTheSameScene)
         }
         return scene;
     };
+    std::set<std::string> scenes;
     printedBy([&] {
-        const std::string whole = sceneAfter(0, 0);
-        for (std::uint32_t seed = 1; seed <= 1000; ++seed) {
-            ASSERT_EQ(sceneAfter(40, seed), whole) << seed;
+        for (std::uint32_t seed = 0; seed <= 1000; ++seed) {
+            scenes.insert(sceneAfter(seed == 0 ? 0 : 40, seed));  // first uncut
         }
     });
+    EXPECT_EQ(scenes.size(), 1U);
 }
