@@ -31,11 +31,12 @@ TEST(Hostile, DamagedFramesDoNoHarm)
                                          messages::welcomeFrame({7}, 9), peer::rawFrame(4, "\x10\x07")}) {
             for (std::size_t place = 0; place < frame.size(); ++place) {
                 const auto type = static_cast<unsigned char>(frame[2]);
-                std::string damaged = peer::rawFrame(type, frame.substr(3, place));
+                std::string damaged = peer::rawFrame(type, frame.substr(3, place)).append(frame);
                 for (int value = 1; value <= 256; ++value) {
-                    ASSERT_EQ(arena.play({ship(7) + shot(8) + damaged + frame}, 2), "") << damaged;
+                    ASSERT_EQ(arena.play({ship(7) + shot(8), damaged}, 1), "") << damaged;
                     damaged = frame;
                     damaged[place] = static_cast<char>(frame[place] ^ value);
+                    damaged += frame;
                 }
             }
         }
