@@ -1,5 +1,6 @@
 #include "GUIClient/SDLMain.h"
 
+#include "Common/DebugPrint.h"
 #include "GUIClient/ClientOptions.h"
 #include "GUIClient/Helpers.h"
 #include "GUIClient/VTEntryPoint.h"
@@ -11,6 +12,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <new>
 
 namespace {
 
@@ -30,12 +32,22 @@ int play(const ClientOptions& options)
     return EXIT_SUCCESS;
 }
 
+int run(int argc, char** argv)
+{
+    ClientOptions options;
+    return readClientOptions(argc, argv, options) ? play(options) : EXIT_FAILURE;
+}
+
 }  // namespace
 
 int SDL_main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN);  // a closed standard output must not end the game,
     std::signal(SIGXFSZ, SIG_IGN);  // nor a file that has reached the limit of its size
-    ClientOptions options;
-    return readClientOptions(argc, argv, options) ? play(options) : EXIT_FAILURE;
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        DebugPrint("Out of memory - exiting\n");
+        return EXIT_FAILURE;
+    }
 }

@@ -8,7 +8,6 @@
 #include "server/net/PracticeServer.h"
 
 #include <cmath>
-#include <list>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -20,13 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     config.random = [qport = 0U]() mutable { return ++qport; };
     practice::PracticeServer server(io, config);
     server.start();
-    std::list<peer::HeadlessClient> clients;
-    for (int i = 0; i < 3; ++i) {
-        clients.emplace_back(io, server.port());
-    }
-    peer::HeadlessClient &honest = clients.front(), &first = *std::next(clients.begin()),
-                         &second = clients.back();
-    first.stream.paused = true;
+    peer::HeadlessClient honest(io, server.port()), first(io, server.port()), second(io, server.port());
     const auto play = [&](unsigned steps) {
         for (unsigned i = 0; i < steps; ++i) {
             honest.steer({{}, practice::control::forward});
@@ -37,18 +30,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     };
     play(1);
     for (FuzzInput input(data, size); !input.isEmpty();) {
-        const unsigned action = input.byte();
+        const unsigned action = input.byte(), kind = action / 2 % 4;
         const std::string bytes = input.bytes();
         peer::HeadlessClient& client = action % 2 == 0 ? first : second;
-        switch (action / 2 % 4) {
-            case 0:
-                client.stream.send(bytes);
-                break;
-            case 1:
-                client.stream.reset();
-                break;
-            default:
-                client.sendDatagram(bytes);
+        if (kind == 0) {
+            client.stream.send(bytes);
+        } else if (kind == 1) {
+            client.stream.reset();
+        } else {
+            client.sendDatagram(bytes);
         }
         io.poll();
         play(action / 8);
@@ -59,10 +49,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const practice::Ship* const ship = server.currentMatch().findShip(honest.id());
     require(ship != nullptr && ship->input.controls == practice::control::forward,
-            "the honest player has no ship");
+            "an honest player is not heard");
     require(honest.checker.faults().empty() && !honest.serverHungUp(), "the server breaks the protocol");
-    for (peer::HeadlessClient& client : clients) {
-        client.stream.reset();  // a close would keep the port for a minute
+    for (peer::HeadlessClient* client : {&honest, &first, &second}) {
+        client->stream.reset();  // a close would keep the port for a minute
     }
     return 0;
 }

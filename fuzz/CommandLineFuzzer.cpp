@@ -6,21 +6,18 @@
 
 #include <boost/program_options/errors.hpp>
 
-#include <algorithm>
 #include <cstring>
-#include <sstream>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    std::istringstream lines(std::string(reinterpret_cast<const char*>(data), size));
-    std::vector<std::string> arguments = {"program"};
-    for (std::string line; std::getline(lines, line);) {
-        arguments.push_back(line);
-    }
-    std::vector<const char*> argv;
-    for (const std::string& argument : arguments) {
-        argv.push_back(argument.c_str());
+    std::string text(reinterpret_cast<const char*>(data), size);
+    std::vector<const char*> argv = {"program", text.c_str()};
+    for (char& c : text) {
+        if (c == '\n') {
+            c = '\0';
+            argv.push_back(&c + 1);
+        }
     }
     const int argc = static_cast<int>(argv.size());
     try {
@@ -29,24 +26,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const boost::program_options::error& error) {
         require(std::strlen(error.what()) > 0, "the client gives no reason");
     }
-    practice::ServerOptions options;
-    if (!readServerOptions(argc, argv.data(), options)) {
-        const practice::ServerConfig& server = options.server;
-        require(server.bots <= 64 && server.placesPerAddress <= server.mostClients &&
-                    server.match.timeLimit <= 86400,
-                "the server takes a number that is too large");
-    }
+    practice::ServerOptions server;
+    require(readServerOptions(argc, argv.data(), server) ||
+                (server.server.bots <= 64 && server.server.match.timeLimit <= 86400),
+            "the server takes a number that is too large");
     relay::RelayConfig relay;
     if (!readCommandLine(argc, argv.data(), relay)) {
-        const relay::Conditions& faults = relay.conditions;
-        const double percents[] = {faults.loss, faults.duplicate, 2 * faults.reorder};
-        const bool areShares = std::all_of(std::begin(percents), std::end(percents),
-                                           [](double percent) { return percent >= 0 && percent <= 100; });
-        require(areShares && faults.latency <= 10000 && relay.replaySpeed >= 0.01 && relay.replaySpeed <= 50,
-                "the relay takes a number that is out of range");
         require(relay.serverPort.empty() != relay.replayPath.empty(),
                 "the relay has none or two of its purposes");
-        require(relay.cutTime() > relay::Time(), "the relay breaks before it begins");
+        for (const double percent :
+             {relay.conditions.loss, 2 * relay.conditions.reorder, relay.replaySpeed}) {
+            require(percent >= 0 && percent <= 100 && relay.cutTime() > relay::Time(),
+                    "the relay takes a number out of range");
+        }
     }
     return 0;
 }

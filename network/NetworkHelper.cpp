@@ -8,6 +8,9 @@
 #include <boost/system/system_error.hpp>
 #include <boost/thread/thread.hpp>
 
+#include <cstdlib>
+#include <exception>
+
 NetworkHelper* NetworkHelper::instance = nullptr;
 
 NetworkHelper* NetworkHelper::getInstance()
@@ -62,9 +65,16 @@ void NetworkHelper::disconnect()
     ioService.stop();
 }
 
+// An exception here is a lack of memory or another failure of the system. The main thread may be anywhere, so
+// no destructor and no exit handler runs.
 void NetworkHelper::runIOService()
 {
-    getInstance()->ioService.run();
+    try {
+        getInstance()->ioService.run();
+    } catch (const std::exception& error) {
+        DebugPrint("Network failed: %s - exiting\n", error.what());
+        std::_Exit(EXIT_FAILURE);
+    }
 }
 
 void NetworkHelper::dispatchRecievedPackages()

@@ -29,7 +29,8 @@ public:
     bool connect(std::string host, std::string port, unsigned int udpTimeout);
     /// Stops the I/O service. Sockets stay open, because the process is about to end.
     void disconnect();
-    /// The body of the network thread: returns when the service is stopped.
+    /// The body of the network thread: returns when the service is stopped. Ends the process, with a message
+    /// and status 1, when memory runs out.
     static void runIOService();
 
     /// Applies all messages received since the last call.

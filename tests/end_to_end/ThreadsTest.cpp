@@ -1,0 +1,24 @@
+// Both threads of the client at work. The thread sanitizer ends it at the first race.
+#include "tests/end_to_end/GameSession.h"
+
+#include <cstdlib>
+
+TEST(Threads, FloodsAndBothEndingsAreFreeOfRaces)
+{
+    setenv("TSAN_OPTIONS", "halt_on_error=1", 1);
+    for (const bool hangsUp : {true, false}) {
+        GameSession game({"--udp-timeout", "15"});  // loading is slow here
+        game.join(lonelyShip());
+        for (int pass = 0; pass < 300; ++pass) {
+            const std::string frames =
+                peer::rawFrame(9, "no such type") + parade({0, 4, 60}) + messages::destroyFrame(20);
+            ASSERT_TRUE(game.server.sendTcp(frames)) << game.client->end();
+            game.server.sendUdp(frames);
+        }
+        if (hangsUp) {
+            game.server.closeTcp();
+        }
+        game.server.hasHeartbeat = false;
+        EXPECT_EQ(game.client->end(60s), hangsUp ? "status 0" : "status 1");
+    }
+}

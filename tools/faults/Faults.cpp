@@ -1,0 +1,190 @@
+// A library to preload. It makes one call of the C library, of operator new or of OpenGL fail, and sets the
+// clock.
+//
+//     VANTOR_FAULT="CALL N ERROR [TIMES]"   the N-th call, and TIMES - 1 more (1)
+//     VANTOR_CLOCK=SECONDS                  each SIGUSR1 sets the time of day by so much, the next one sets
+//     it back
+//
+// CALL is a function below, `new`, or `any`: all functions of the system, counted together. ERROR is
+//
+//     EINTR, EAGAIN...   the call fails with it
+//     short              it reads or writes half as many bytes
+//     stall              it waits for five seconds first
+//     fail               the failure of a call that sets no errno
+//
+// Only programs whose name begins with "vantor" are affected, and only calls from their own code. That
+// includes Asio, whose code is in headers. A fault that strikes writes a line to standard error.
+#include <dlfcn.h>
+#include <link.h>
+#include <netdb.h>
+#include <sys/syscall.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <new>
+
+namespace {
+
+struct Error
+{
+    const char* name;
+    int number;
+};
+constexpr Error errors[] = {
+    {"EINTR", EINTR},     {"EAGAIN", EAGAIN},         {"ENOMEM", ENOMEM},           {"EMFILE", EMFILE},
+    {"ENOBUFS", ENOBUFS}, {"ECONNRESET", ECONNRESET}, {"ENETUNREACH", ENETUNREACH}, {"EIO", EIO},
+    {"ENOSPC", ENOSPC}};
+
+// The plan, read before main.
+char plannedCall[32] = "";
+char plannedError[32] = "";
+long first = 0;
+long times = 1;
+int errorNumber = 0;
+std::atomic<long> calls = 0;
+std::uintptr_t programBegin = 0;
+std::uintptr_t programEnd = 0;
+time_t clockStep = 0;
+std::atomic<time_t> clockOffset = 0;
+
+int findProgram(dl_phdr_info* info, std::size_t /*size*/, void* /*unused*/)
+{
+    for (int i = 0; i < info->dlpi_phnum; ++i) {
+        const ElfW(Phdr)& segment = info->dlpi_phdr[i];
+        if (segment.p_type == PT_LOAD) {
+            const std::uintptr_t begin = info->dlpi_addr + segment.p_vaddr;
+            programBegin = programBegin == 0 ? begin : programBegin;
+            programEnd = begin + segment.p_memsz;
+        }
+    }
+    return 1;  // the program comes first
+}
+
+__attribute__((constructor)) void readPlan()
+{
+    if (std::strncmp(program_invocation_short_name, "vantor", 6) != 0) {
+        return;
+    }
+    dl_iterate_phdr(findProgram, nullptr);
+    if (const char* const fault = std::getenv("VANTOR_FAULT")) {
+        std::sscanf(fault, "%31s %ld %31s %ld", plannedCall, &first, plannedError, &times);
+        for (const Error& error : errors) {
+            errorNumber = std::strcmp(plannedError, error.name) == 0 ? error.number : errorNumber;
+        }
+    }
+    if (const char* const step = std::getenv("VANTOR_CLOCK")) {
+        clockStep = std::atol(step);
+        std::signal(SIGUSR1, [](int) { clockOffset = clockStep - clockOffset; });
+    }
+}
+
+bool isOurs(const void* caller)
+{
+    const auto address = reinterpret_cast<std::uintptr_t>(caller);
+    return address >= programBegin && address < programEnd;
+}
+
+bool strikes(const char* call, const void* caller, bool isOfSystem = true)
+{
+    const bool isPlanned =
+        std::strcmp(call, plannedCall) == 0 || (isOfSystem && std::strcmp(plannedCall, "any") == 0);
+    if (!isPlanned || !isOurs(caller)) {
+        return false;
+    }
+    const long number = ++calls;
+    if (number < first || number >= first + times) {
+        return false;
+    }
+    char line[120];
+    const int length = std::snprintf(line, sizeof line, "injected: %s %ld %s\n", call, number, plannedError);
+    syscall(SYS_write, STDERR_FILENO, line, length);
+    if (std::strcmp(plannedError, "stall") == 0) {
+        timespec rest = {5, 0};
+        while (nanosleep(&rest, &rest) != 0) {
+        }
+    }
+    return true;
+}
+
+using Function = long (*)(long, long, long, long, long, long);
+
+// All arguments are integers or pointers: the same registers, whatever their number. `size` is halved if the
+// fault is a short transfer.
+long call(Function next, bool struck, long failure, long a, long b, long c, long d, long e, long f)
+{
+    if (struck && std::strcmp(plannedError, "short") == 0) {
+        return next(a, b, (c + 1) / 2, d, e, f);
+    }
+    if (struck && std::strcmp(plannedError, "stall") != 0) {
+        errno = errorNumber;
+        return failure;
+    }
+    return next(a, b, c, d, e, f);
+}
+
+}  // namespace
+
+// Defines the function under its own name, without a clash with the declaration in a header.
+#define INTERPOSE(name, isOfSystem, failure)                                                               \
+    extern "C" long faulty_##name(long, long, long, long, long, long) __asm__(#name);                      \
+    extern "C" long faulty_##name(long a, long b, long c, long d, long e, long f)                          \
+    {                                                                                                      \
+        static const auto next = reinterpret_cast<Function>(dlsym(RTLD_NEXT, #name));                      \
+        return call(next, strikes(#name, __builtin_return_address(0), isOfSystem), failure, a, b, c, d, e, \
+                    f);                                                                                    \
+    }
+
+INTERPOSE(socket, true, -1)
+INTERPOSE(bind, true, -1)
+INTERPOSE(listen, true, -1)
+INTERPOSE(accept, true, -1)
+INTERPOSE(connect, true, -1)
+INTERPOSE(getsockopt, true, -1)
+INTERPOSE(setsockopt, true, -1)
+INTERPOSE(fcntl, true, -1)
+INTERPOSE(ioctl, true, -1)
+INTERPOSE(poll, true, -1)
+INTERPOSE(epoll_create1, true, -1)
+INTERPOSE(epoll_ctl, true, -1)
+INTERPOSE(epoll_wait, true, -1)
+INTERPOSE(eventfd, true, -1)
+INTERPOSE(timerfd_create, true, -1)
+INTERPOSE(timerfd_settime, true, -1)
+INTERPOSE(recv, true, -1)
+INTERPOSE(recvfrom, true, -1)
+INTERPOSE(send, true, -1)
+INTERPOSE(sendto, true, -1)
+INTERPOSE(read, true, -1)
+INTERPOSE(write, true, -1)
+INTERPOSE(shutdown, true, -1)
+INTERPOSE(getaddrinfo, false, EAI_MEMORY)
+INTERPOSE(fopen, true, 0)
+INTERPOSE(glGenLists, false, 0)
+INTERPOSE(glGenTextures, false, 0)  // leaves the names as they were
+
+extern "C" void* faulty_new(std::size_t size) __asm__("_Znwm");
+extern "C" void* faulty_new(std::size_t size)
+{
+    static const auto next = reinterpret_cast<void* (*)(std::size_t)>(dlsym(RTLD_NEXT, "_Znwm"));
+    if (strikes("new", __builtin_return_address(0), false)) {
+        throw std::bad_alloc();
+    }
+    return next(size);
+}
+
+extern "C" int shifted_gettimeofday(timeval* time, void* zone) __asm__("gettimeofday");
+extern "C" int shifted_gettimeofday(timeval* time, void* zone)
+{
+    static const auto next = reinterpret_cast<int (*)(timeval*, void*)>(dlsym(RTLD_NEXT, "gettimeofday"));
+    const int result = next(time, zone);
+    time->tv_sec += isOurs(__builtin_return_address(0)) ? clockOffset.load() : 0;
+    return result;
+}
