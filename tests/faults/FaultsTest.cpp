@@ -1,0 +1,123 @@
+// Faults of the machine and of the connection under the real client. tools/faults/Faults.cpp makes calls fail
+// or stall for five seconds, and sets the clock.
+#include "tests/end_to_end/GameSession.h"
+
+#include <csignal>
+#include <cstdlib>
+
+namespace {
+
+// For the programs that start from now on.
+void plan(const std::string& fault)
+{
+    setenv("LD_PRELOAD", VANTOR_FAULTS, 1);
+    setenv("VANTOR_FAULT", fault.c_str(), 1);
+}
+
+// What happens in a game.
+using Act = std::function<void(GameSession&)>;
+
+void flood(GameSession& game)
+{
+    for (int i = 0; i < 1000; ++i) {
+        game.server.sendTcp(parade({0, 4, 60}));
+    }
+}
+
+void setClock(GameSession& game)
+{
+    for (int step = 0; step < 7; ++step) {
+        game.client->signal(SIGUSR1);
+        game.server.sendUdp(parade({0, 4, 60}));
+        std::this_thread::sleep_for(300ms);
+    }
+}
+
+Act halt(std::chrono::seconds time)
+{
+    return [time](GameSession& game) {
+        game.client->signal(SIGSTOP);
+        std::this_thread::sleep_for(time);
+        game.client->signal(SIGCONT);
+    };
+}
+
+Act hangUp(std::size_t missing, bool resets)
+{
+    return [=](GameSession& game) {
+        const std::string frame = messages::destroyFrame(GameSession::ownId);
+        game.server.sendTcp(frame.substr(0, frame.size() - missing));
+        peer::eventually([&] { return game.client->hasPrinted("logged out"); }, missing == 0 ? 5s : 200ms);
+        game.server.closeTcp(resets);
+    };
+}
+
+// The client sends, shows what the server says now, and leaves.
+void expectHealth(GameSession& game, bool hasModels)
+{
+    const std::size_t before = game.server.record().datagrams.size();
+    EXPECT_TRUE(peer::eventually([&] { return game.server.record().datagrams.size() > before + 9; }));
+    const Vector3 viewer = {0, 500, 3000};  // away from what a flood left behind
+    game.server.sendUdp(messages::infoFrame(shipBehind(viewer)) + parade(viewer));
+    if (hasModels) {
+        game.display.expectImage("fighters", "620x190+90+190");
+    }
+    game.client->signal(SIGTERM);
+}
+
+}  // namespace
+
+TEST(Faults, AStartEndsWithAMessageAndAStatus)
+{
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {"getaddrinfo 1 stall", "status 1", "No UDP packet received in 3 - exiting"},  // a slow resolver
+        {"connect 1 stall", "status 1", "No UDP packet received in 3 - exiting"},      // nobody answers
+        {"new 1 fail", "status 1", "Out of memory - exiting\n"},
+        {"", "status 0", "Connection closed - exiting\n"}};  // the server closes while the client loads
+    const support::VirtualDisplay display;
+    for (const auto& [fault, end, text] : cases) {
+        plan(fault);
+        peer::ScriptedServer server;
+        support::Process client(support::clientCommand(
+            display.name(), {"--port", server.port(), "--udp-timeout", fault.empty() ? "20" : "3"}));
+        if (fault.empty()) {
+            EXPECT_TRUE(peer::eventually([&] { return client.hasPrinted("Loading: "); }));
+            server.closeTcp();
+        }
+        EXPECT_EQ(client.end(), end) << fault;
+        EXPECT_TRUE(client.hasPrinted(text)) << client.output();
+    }
+}
+
+TEST(Faults, AGameGoesOnOrEndsWithAMessageAndAStatus)
+{
+    const std::string silence = "No UDP packet received in 10 - exiting", eof = "CLOSED err:End of file\n",
+                      reset = "CLOSED err:Connection reset by peer\n", farewell = "Player Pilot logged out\n";
+    const std::tuple<std::string, Act, std::string, std::string> cases[] = {
+        {"sendto 15 stall", flood, "status 0", ""},    // on the main thread
+        {"recvfrom 15 stall", flood, "status 0", ""},  // on the network thread
+        {"glGenLists 1 fail 99999", flood, "status 0", ""},
+        {"glGenTextures 1 fail 99999", flood, "status 0", ""},
+        {"", setClock, "status 0", ""},
+        {"", halt(4s), "status 0", ""},
+        {"", halt(12s), "status 1", silence},
+        {"recvfrom 15 ENOMEM", flood, "status 1", silence},
+        {"new 4000 fail", flood, "status 1", " - exiting\n"},
+        {"", hangUp(1, false), "status 0", eof},
+        {"", hangUp(1, true), "status 0", reset},
+        {"", hangUp(0, false), "status 0", farewell + "TCP connection " + eof},
+        {"", hangUp(0, true), "status 0", farewell + "TCP connection " + reset}};
+    for (const auto& [fault, act, end, text] : cases) {
+        SCOPED_TRACE(fault + text);
+        plan(fault);
+        GameSession game;
+        game.join(lonelyShip());
+        act(game);
+        if (text.empty()) {
+            expectHealth(game, fault.find("gl") != 0);
+        }
+        EXPECT_EQ(game.client->end(), end);
+        EXPECT_TRUE(game.client->hasPrinted(text));
+        EXPECT_EQ(game.client->hasPrinted(farewell), text.find(farewell) == 0) << "half a frame counts";
+    }
+}
