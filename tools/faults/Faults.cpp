@@ -8,8 +8,7 @@
 //     short              it reads or writes half as many bytes
 //     stall              it waits for five seconds first
 //     fail               the failure of a call that sets no errno
-//
-// Each SIGUSR1 sets the time of day: a minute, an hour or a day off, either way.
+//     clock              for gettimeofday: it jumps once a second, by up to a day in either direction
 //
 // Only programs whose name begins with "vantor" are affected, and only calls from their own code, from main
 // on. That includes Asio, whose code is in headers. A fault that strikes writes a line to standard error.
@@ -22,7 +21,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -43,8 +41,6 @@ std::atomic<bool> isInMain = false;
 std::uintptr_t programBegin = 0;
 std::uintptr_t programEnd = 0;
 constexpr time_t clockErrors[] = {60, -60, 3600, -3600, 86400, -86400, 0};  // seconds
-std::atomic<int> clockSteps = 0;
-std::atomic<time_t> clockOffset = 0;
 
 int findProgram(dl_phdr_info* info, std::size_t /*size*/, void* /*unused*/)
 {
@@ -72,7 +68,6 @@ __attribute__((constructor)) void readPlan()
             errorNumber = name != nullptr && std::strcmp(plannedError, name) == 0 ? number : errorNumber;
         }
     }
-    std::signal(SIGUSR1, [](int) { clockOffset = clockErrors[clockSteps++ % 7]; });
 }
 
 bool isOurs(const void* caller)
@@ -92,9 +87,12 @@ bool strikes(const char* call, const void* caller, bool isOfSystem = true)
     if (number < first || number >= first + times) {
         return false;
     }
-    char line[120];
-    const int length = std::snprintf(line, sizeof line, "injected: %s %ld %s\n", call, number, plannedError);
-    syscall(SYS_write, STDERR_FILENO, line, length);
+    if (number == first) {
+        char line[120];
+        const int length =
+            std::snprintf(line, sizeof line, "injected: %s %ld %s\n", call, number, plannedError);
+        syscall(SYS_write, STDERR_FILENO, line, length);
+    }
     if (std::strcmp(plannedError, "stall") == 0) {
         timespec rest = {5, 0};
         while (nanosleep(&rest, &rest) != 0) {
@@ -188,6 +186,8 @@ extern "C" int shifted_gettimeofday(timeval* time, void* zone)
 {
     static const auto next = reinterpret_cast<int (*)(timeval*, void*)>(dlsym(RTLD_NEXT, "gettimeofday"));
     const int result = next(time, zone);
-    time->tv_sec += isOurs(__builtin_return_address(0)) ? clockOffset.load() : 0;
+    if (strikes("gettimeofday", __builtin_return_address(0), false)) {
+        time->tv_sec += clockErrors[time->tv_sec % 7];
+    }
     return result;
 }
