@@ -13,7 +13,9 @@ set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/debian/stage.cmake)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_RELEASE 2)
+# Debian's releases have other libraries, so each has packages of its own. The larger number replaces the smaller one.
+cmake_host_system_information(RESULT distribution QUERY DISTRIB_INFO)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 2+deb${distribution_VERSION_ID})
 set(CPACK_DEBIAN_PACKAGE_SECTION games)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
@@ -48,7 +50,8 @@ set(CPACK_DEBIAN_DATA_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_DATA_DESCRIPTION "team-based 3D space-combat game: models and pictures
 ${game} The package brings what the client
 shows of it.")
-set(CPACK_DEBIAN_DATA_PACKAGE_DEPENDS fonts-liberation2)
+set(CPACK_DEBIAN_DATA_PACKAGE_DEPENDS ${font_package})
+set(CPACK_VANTOR_FONT ${font})  # for debian/stage.cmake
 set(CPACK_DEBIAN_DATA_PACKAGE_BREAKS ${single_package})
 set(CPACK_DEBIAN_DATA_PACKAGE_REPLACES ${single_package})
 include(CPack)

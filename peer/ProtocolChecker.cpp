@@ -93,7 +93,8 @@ void ProtocolChecker::receive(const Vantor::ObjectUpdate& update)
     expect(!timestamp || timestamp == update.timestamp(), "two times in one datagram");
     timestamp = update.timestamp();
     if (announced.count(update.id()) == 0) {
-        unannounced.insert(update.id());  // its ObjectInfo may arrive later: TCP and UDP keep no order
+        unannounced.try_emplace(update.id(),
+                                Clock::now());  // its ObjectInfo may arrive later: TCP and UDP keep no order
     }
     positions[update.id()] = messages::toVector3(update.position());
     received.updates.push_back(update);
@@ -126,11 +127,13 @@ void ProtocolChecker::receive(const Vantor::Welcome& message)
     welcome = message;
 }
 
-std::map<std::string, std::uint64_t> ProtocolChecker::faults() const
+std::map<std::string, std::uint64_t> ProtocolChecker::faults(Clock::duration patience) const
 {
     auto result = found;
-    if (!unannounced.empty()) {
-        result["a ship that moves but was never announced"] = unannounced.size();
+    for (const auto& [id, since] : unannounced) {
+        if (since + patience <= Clock::now()) {
+            ++result["a ship that moves but was never announced"];
+        }
     }
     return result;
 }

@@ -48,13 +48,14 @@ public:
     /// Takes the whole frames away from the front of a stream.
     void receiveStream(std::string& stream);
 
-    /// Each kind of fault so far, with its count; empty where the server kept to the protocol.
-    std::map<std::string, std::uint64_t> faults() const;
+    /// Each kind of fault so far, with its count; empty where the server kept to the protocol. A ship may
+    /// move for so long before its announcement arrives: TCP and UDP keep no order.
+    std::map<std::string, std::uint64_t> faults(Clock::duration patience = {}) const;
 
 private:
-    std::set<std::uint64_t> announced;       ///< ships that an ObjectInfo announced
-    std::set<std::uint64_t> unannounced;     ///< ships with an update only
-    std::optional<std::uint32_t> timestamp;  ///< of the updates in the bytes being received
+    std::set<std::uint64_t> announced;                       ///< ships that an ObjectInfo announced
+    std::map<std::uint64_t, Clock::time_point> unannounced;  ///< ships with an update only, since when
+    std::optional<std::uint32_t> timestamp;                  ///< of the updates in the bytes being received
     std::map<std::string, std::uint64_t> found;
 
     std::size_t receiveFrames(const std::string& bytes);

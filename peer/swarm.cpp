@@ -23,6 +23,12 @@ constexpr double leastSnapshotRate = 19.5;  ///< a second; both ends of the meas
 constexpr std::uint32_t forward = 1;        ///< control bits
 constexpr std::uint32_t fire = 0x40000000;
 
+// Of clients that come and go.
+constexpr std::chrono::milliseconds joinSpacing = 100ms;
+constexpr std::chrono::seconds fullSpacing = 1s;      ///< where all places are taken
+constexpr std::chrono::seconds silenceKept = 35s;     ///< the server drops a silent client after 30
+constexpr std::chrono::seconds longestTransit = 10s;  ///< of an announcement over a bad network
+
 /// Chooses a random course once a second. Fires on about half of the courses.
 struct Pilot
 {
@@ -51,12 +57,13 @@ struct Pilot
     messages::Steering course;
     unsigned steerings = 0;
     Clock::time_point nextSteering = Clock::now();
+    Clock::time_point leaves = Clock::time_point::max();
 };
 
 using Pilots = std::list<Pilot>;
 
 /// Serves every pilot about once a millisecond.
-void play(Pilots& pilots, std::chrono::seconds time)
+void play(Pilots& pilots, Clock::duration time)
 {
     for (const auto end = Clock::now() + time; Clock::now() < end; std::this_thread::sleep_for(1ms)) {
         for (Pilot& pilot : pilots) {
@@ -155,6 +162,118 @@ bool report(const Pilots& pilots, double seconds)
     return reportFaults(pilots) && rates.front() >= leastSnapshotRate;
 }
 
+/// Clients that stay for a while, leave in one of several ways, and are replaced. The seed decides how long
+/// and which way.
+class ComersAndGoers
+{
+public:
+    /// A client stays for half to one and a half times `stay_`.
+    ComersAndGoers(std::uint16_t port_, unsigned places_, std::chrono::seconds stay_, unsigned seed)
+        : port(port_), places(places_), stay(stay_), random(seed)
+    {
+    }
+
+    void run(std::chrono::seconds time)
+    {
+        for (const auto end = Clock::now() + time; Clock::now() < end;) {
+            if (present.size() < places && nextJoin <= Clock::now()) {
+                join();
+            }
+            play(present, 1ms);
+            removeLeavers();
+        }
+        for (const Pilot& pilot : present) {
+            count(pilot, "still there");
+        }
+    }
+
+    /// False if the server broke the protocol or welcomed nobody.
+    bool report() const
+    {
+        for (const auto& [event, number] : counted) {
+            std::cout << std::left << std::setw(44) << "clients " + event << number << '\n';
+        }
+        for (const auto& [fault, number] : faults) {
+            std::cout << "FAULT: " << fault << " (" << number << " times)\n";
+        }
+        return faults.empty() && counted.at("welcomed") > 0;
+    }
+
+private:
+    boost::asio::io_context io;
+    std::uint16_t port;
+    std::size_t places;
+    std::chrono::duration<double> stay;
+    std::mt19937 random;
+    Pilots present;
+    Pilots silent;  ///< connections that nobody serves any more
+    Clock::time_point nextJoin = Clock::now();
+    std::map<std::string, std::uint64_t> counted{{"welcomed", 0}};
+    std::map<std::string, std::uint64_t> faults;
+
+    void join()
+    {
+        nextJoin = Clock::now() + joinSpacing;
+        const double share = std::uniform_real_distribution(0.5, 1.5)(random);
+        const auto number = static_cast<unsigned>(random());
+        try {
+            Pilot& pilot = present.emplace_back(io, port, number);
+            pilot.leaves = Clock::now() + std::chrono::duration_cast<Clock::duration>(stay * share);
+        } catch (const boost::system::system_error& error) {
+            ++counted["not connected: " + error.code().message()];
+        }
+    }
+
+    void removeLeavers()
+    {
+        for (auto next = present.begin(); next != present.end();) {
+            const auto pilot = next++;
+            if (pilot->client.serverHungUp()) {
+                const bool isFull = pilot->client.id() == 0;
+                count(*pilot, isFull ? "turned away" : "cut off");
+                nextJoin = isFull ? Clock::now() + fullSpacing : nextJoin;
+                present.erase(pilot);
+            } else if (pilot->leaves <= Clock::now()) {
+                leave(pilot);
+            }
+        }
+        silent.remove_if([](const Pilot& pilot) { return pilot.leaves <= Clock::now(); });
+    }
+
+    void leave(Pilots::iterator pilot)
+    {
+        peer::StreamEnd& stream = pilot->client.stream;
+        const std::string frame = messages::steeringFrame(pilot->client.qport(), pilot->course);
+        switch (random() % 4) {
+            case 0:
+                count(*pilot, "that fell silent");
+                pilot->leaves = Clock::now() + silenceKept;
+                silent.splice(silent.end(), present, pilot);
+                return;
+            case 1:
+                count(*pilot, "that left by a reset");
+                stream.reset();
+                break;
+            case 2:
+                count(*pilot, "that left within a frame");
+                stream.send(frame.substr(0, frame.size() / 2));
+                break;
+            default:
+                count(*pilot, "that left between frames");
+        }
+        present.erase(pilot);  // closes
+    }
+
+    void count(const Pilot& pilot, const std::string& end)
+    {
+        ++counted[end];
+        counted["welcomed"] += pilot.client.id() == 0 ? 0U : 1U;
+        for (const auto& [fault, number] : pilot.client.checker.faults(longestTransit)) {
+            faults[fault] += number;
+        }
+    }
+};
+
 bool run(std::uint16_t port, unsigned clients, std::chrono::seconds measured)
 {
     boost::asio::io_context io;
@@ -168,11 +287,7 @@ bool run(std::uint16_t port, unsigned clients, std::chrono::seconds measured)
     }
     const Clock::time_point start = Clock::now();
     play(pilots, measured);
-    const bool isGood = report(pilots, std::chrono::duration<double>(Clock::now() - start).count());
-    if (!std::cout.flush()) {
-        throw std::runtime_error("cannot write the report");
-    }
-    return isGood;
+    return report(pilots, std::chrono::duration<double>(Clock::now() - start).count());
 }
 
 }  // namespace
@@ -184,6 +299,8 @@ int main(int argc, char** argv)
         std::uint16_t port = 21042;
         unsigned clients = 64;
         unsigned seconds = 60;
+        unsigned stay = 0;
+        unsigned seed = 1;
         const auto add = [&app](const char* name, auto& value, unsigned largest, const char* text) {
             app.add_option(name, value, text)
                 ->capture_default_str()
@@ -193,10 +310,24 @@ int main(int argc, char** argv)
         add("--port", port, 65535, "of the server");
         add("--clients", clients, 1000, "how many");
         add("--seconds", seconds, 86'400, "to measure, after 3 to warm up");
+        add("--come-and-go", stay, 86'400,
+            "mean seconds after which each leaves and another joins; 0: all stay");
+        add("--seed", seed, std::numeric_limits<unsigned>::max(), "of those that come and go");
         if (const auto status = commandline::parse(app, argc, argv)) {
             return *status;
         }
-        return run(port, clients, std::chrono::seconds(seconds)) ? 0 : 1;
+        bool isGood = false;
+        if (stay == 0) {
+            isGood = run(port, clients, std::chrono::seconds(seconds));
+        } else {
+            ComersAndGoers crowd(port, clients, std::chrono::seconds(stay), seed);
+            crowd.run(std::chrono::seconds(seconds));
+            isGood = crowd.report();
+        }
+        if (!std::cout.flush()) {
+            throw std::runtime_error("cannot write the report");
+        }
+        return isGood ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "vantor-swarm: %s\n", printable(error.what()).c_str());
         return 1;

@@ -7,15 +7,57 @@ namespace relay {
 
 namespace {
 
-constexpr unsigned deepestReorder = 3;  ///< datagrams; parallel paths of one route do that
+constexpr unsigned deepestReorder = 3;                ///< datagrams; parallel paths of one route do that
+constexpr std::size_t segment = 1460;                 ///< bytes of a stream in one packet of an Ethernet
+constexpr std::chrono::milliseconds lineBuffer{250};  ///< what a slow line holds back before it loses
+
+/// Uniform in [0, 1). The language standard fixes the engine's sequence, but not the library's distributions.
+double unit(std::mt19937& engine)
+{
+    return static_cast<double>(engine()) * (1.0 / 4294967296.0);
+}
+
+/// In bytes. Twice the mean, which is 1,000 bytes at 100 percent.
+double longestDistance(double percentOfKilobytes)
+{
+    return percentOfKilobytes > 0 ? 2 * 1000 * 100 / percentOfKilobytes : 0;
+}
+
+/// The seed of the flow's faults of one kind.
+std::uint32_t flowSeed(std::uint32_t seed, const Flow& flow, std::uint32_t kind)
+{
+    std::seed_seq sequence{seed, static_cast<std::uint32_t>(flow.transport), flow.number,
+                           static_cast<std::uint32_t>(flow.direction), kind};
+    std::uint32_t result = 0;
+    sequence.generate(&result, &result + 1);
+    return result;
+}
 
 }  // namespace
 
-Impairment::Impairment(const Conditions& conditions_, std::uint32_t seed, const Flow& flow)
-    : conditions(conditions_)
+void RandomPlaces::advance(std::size_t bytes)
 {
-    if (flow.transport == Transport::stream) {
-        conditions = {conditions_.latency, conditions_.jitter};
+    if (bytes < ahead) {
+        ahead -= bytes;
+    } else {
+        draw();
+    }
+}
+
+void RandomPlaces::draw()
+{
+    const bool isSomewhere = longest > 0;
+    ahead = isSomewhere ? 1 + static_cast<std::size_t>(unit(engine) * longest) : std::string::npos;
+}
+
+Impairment::Impairment(const Conditions& conditions_, std::uint32_t seed, const Flow& flow)
+    : transport(flow.transport),
+      conditions(conditions_),
+      wrongBytes(longestDistance(conditions_.corrupt), flowSeed(seed, flow, 1)),
+      cuts(conditions_.pieces, flowSeed(seed, flow, 2))
+{
+    if (transport == Transport::stream) {
+        conditions.loss = conditions.duplicate = conditions.reorder = 0;
     }
     std::seed_seq sequence{seed, static_cast<std::uint32_t>(flow.transport), flow.number,
                            static_cast<std::uint32_t>(flow.direction)};
@@ -27,11 +69,11 @@ Impairment::Impairment(const Conditions& conditions_, std::uint32_t seed, const 
 // / (1 + h) late.
 Impairment::Decision Impairment::next()
 {
-    const bool lost = unit() < conditions.loss / 100;
-    const bool doubled = unit() < conditions.duplicate / 100;
-    const bool drawn = unit() < conditions.reorder / (100 - conditions.reorder);
-    const auto depth = 1 + static_cast<unsigned>(unit() * deepestReorder);
-    const double swing = 2 * unit() - 1;
+    const bool lost = unit(engine) < conditions.loss / 100;
+    const bool doubled = unit(engine) < conditions.duplicate / 100;
+    const bool drawn = unit(engine) < conditions.reorder / (100 - conditions.reorder);
+    const auto depth = 1 + static_cast<unsigned>(unit(engine) * deepestReorder);
+    const double swing = 2 * unit(engine) - 1;
     const std::chrono::duration<double, std::milli> delay(
         std::max(0.0, conditions.latency + swing * conditions.jitter));
     const unsigned copies = doubled ? 2 : 1;
@@ -40,23 +82,67 @@ Impairment::Decision Impairment::next()
     return {lost ? 0 : copies, std::chrono::duration_cast<Duration>(delay), held ? depth : 0};
 }
 
-/// Uniform in [0, 1). The language standard fixes the engine's sequence, but not the library's distributions.
-double Impairment::unit()
+void Impairment::corrupt(std::string& bytes)
 {
-    return static_cast<double>(engine()) * (1.0 / 4294967296.0);
+    std::size_t place = 0;
+    while (bytes.size() - place >= wrongBytes.distance()) {
+        place += wrongBytes.distance();
+        bytes[place - 1] = static_cast<char>(~bytes[place - 1]);
+        wrongBytes.advance(wrongBytes.distance());
+    }
+    wrongBytes.advance(bytes.size() - place);
 }
 
-bool DelayQueue::push(Time now, std::string datagram)
+std::size_t Impairment::cut(std::size_t bytes)
+{
+    if (transport == Transport::datagrams) {
+        return bytes;
+    }
+    const std::size_t piece = std::min({bytes, cuts.distance(), conditions.bandwidth > 0 ? segment : bytes});
+    cuts.advance(piece);
+    return piece;
+}
+
+Duration Impairment::sendingTime(std::size_t bytes) const
+{
+    const std::chrono::duration<double, std::milli> time(
+        conditions.bandwidth > 0 ? static_cast<double>(bytes) / conditions.bandwidth : 0);
+    return std::chrono::duration_cast<Duration>(time);
+}
+
+bool Impairment::losesAfter(Clock::duration wait) const
+{
+    return transport == Transport::datagrams && wait > lineBuffer;
+}
+
+bool DelayQueue::push(Time now, std::string bytes)
+{
+    impairment.corrupt(bytes);
+    std::size_t used = 0;
+    bool isTaken = true;
+    do {  // no bytes are a piece, too
+        const std::size_t size = impairment.cut(bytes.size() - used);
+        isTaken = pushPiece(now, bytes.substr(used, size));
+        used += size;
+    } while (isTaken && used < bytes.size());
+    return isTaken;
+}
+
+bool DelayQueue::pushPiece(Time now, std::string piece)
 {
     const Impairment::Decision decision = impairment.next();
-    Waiting coming = {now + decision.delay, decision.copies, decision.overtakenBy, std::move(datagram)};
+    const Time sending = std::max(lineFree, now);
+    if (decision.copies == 0 || impairment.losesAfter(sending - now)) {
+        return true;
+    }
+    const Time sent = sending + impairment.sendingTime(piece.size());
+    Waiting coming = {sent + decision.delay, decision.copies, decision.overtakenBy, std::move(piece)};
     if (waitingBytes + coming.cost() > byteLimit) {
         return false;
     }
-    if (decision.copies > 0) {
-        waitingBytes += coming.cost();
-        waiting.push_back(std::move(coming));
-    }
+    lineFree = sent;
+    waitingBytes += coming.cost();
+    waiting.push_back(std::move(coming));
     return true;
 }
 

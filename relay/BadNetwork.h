@@ -22,6 +22,9 @@ struct Conditions
     double loss = 0;       ///< percent of the datagrams that never arrive
     double duplicate = 0;  ///< percent of the arriving datagrams that arrive twice
     double reorder = 0;    ///< percent of the arriving datagrams that a later one overtakes; to mostReorder
+    double corrupt = 0;    ///< percent of the kilobytes, of either transport, with a wrong byte
+    double bandwidth = 0;  ///< kB (1,000 bytes) a second of each flow; 0: no limit
+    double pieces = 0;     ///< bytes; a stream is cut into pieces of 1 to so many; 0: not cut
 };
 
 constexpr double mostReorder = 50;  ///< percent: each late datagram needs a punctual one that overtakes it
@@ -46,10 +49,30 @@ struct Flow
     Direction direction;
 };
 
+/// Random places in the bytes of a flow. Seed and flow alone determine them, on every machine.
+class RandomPlaces
+{
+public:
+    /// The distance from one place to the next is 1 to `longest` bytes. 0: there are none.
+    RandomPlaces(double longest_, std::uint32_t seed) : longest(longest_), engine(seed) { draw(); }
+
+    /// Bytes from here to the next place.
+    std::size_t distance() const { return ahead; }
+    /// Moves on by so many bytes, at most up to the next place. Then the one after it is the next.
+    void advance(std::size_t bytes);
+
+private:
+    double longest;
+    std::mt19937 engine;
+    std::size_t ahead = 0;
+
+    void draw();
+};
+
 /// Decides what the network does to the first, second, third... piece of a flow.
 ///
 /// No clock and no sockets. The conditions, the seed, the flow and n alone determine the n-th decision, on
-/// every machine. A stream is delayed only: all its pieces arrive once and in order.
+/// every machine. All pieces of a stream arrive once and in order; a stream is delayed, cut and corrupted.
 class Impairment
 {
 public:
@@ -63,20 +86,29 @@ public:
     Impairment(const Conditions& conditions, std::uint32_t seed, const Flow& flow);
 
     Decision next();
+    /// Changes single bytes of what the flow carries next.
+    void corrupt(std::string& bytes);
+    /// The size of the next piece, where `bytes` are left. A datagram stays whole.
+    std::size_t cut(std::size_t bytes);
+    /// For how long these bytes occupy the line.
+    Duration sendingTime(std::size_t bytes) const;
+    /// Whether the line loses what would have to wait for so long. A stream waits.
+    bool losesAfter(Clock::duration wait) const;
 
 private:
+    Transport transport;
     Conditions conditions;
     std::mt19937 engine;
+    RandomPlaces wrongBytes, cuts;
     bool lastWasHeld = false;  ///< the newest piece that is not lost; the next one must overtake it
-
-    double unit();
 };
 
 /// The datagrams, or pieces of a stream, under way in one direction.
 ///
 /// Jitter alone never changes the order, as on a single path: a datagram waits for those before it. Only the
 /// share in `reorder` arrives late: a held datagram waits for later ones to leave, at most for holdLimit. A
-/// copy follows its original. Knows no clock: the caller passes the time, which never goes back.
+/// copy follows its original. With a limited bandwidth the line carries one piece after the other. Knows no
+/// clock: the caller passes the time, which never goes back.
 class DelayQueue
 {
 public:
@@ -86,9 +118,9 @@ public:
 
     explicit DelayQueue(const Impairment& impairment_) : impairment(impairment_) {}
 
-    /// False where the queue is full: the datagram is lost.
-    bool push(Time now, std::string datagram);
-    /// The next datagram that has arrived by now.
+    /// Takes a datagram, or bytes of a stream. False where the queue is full: the datagram is lost.
+    bool push(Time now, std::string bytes);
+    /// The next datagram, or piece of a stream, that has arrived by now.
     std::optional<std::string> pop(Time now);
     /// When to call pop again, perhaps at once; Time::max() where the queue is empty.
     Time nextDue() const;
@@ -109,7 +141,9 @@ private:
     Impairment impairment;
     std::deque<Waiting> waiting;   ///< in the order of their coming
     std::size_t waitingBytes = 0;  ///< the sum of their costs
+    Time lineFree;                 ///< when the line has sent all that came
 
+    bool pushPiece(Time now, std::string piece);
     std::size_t next() const;
 };
 

@@ -2,6 +2,7 @@
 
 #include "service/CommandLine.h"
 
+#include <map>
 #include <sstream>
 
 namespace relay {
@@ -25,6 +26,17 @@ constexpr Network networks[] = {
     {"mobile", {80, 30, 5, 1, 2}},
     {"awful", {200, 100, 15, 5, 10}},
 };
+
+Cut cutCalled(const std::string& name)
+{
+    const std::map<std::string, Cut> cuts = {
+        {"close", Cut::close}, {"reset", Cut::reset}, {"half", Cut::half}};
+    const auto found = cuts.find(name);
+    if (found == cuts.end()) {
+        throw CLI::ValidationError("--cut-with wants close, reset or half, not '" + name + "'");
+    }
+    return found->second;
+}
 
 Conditions networkCalled(const std::string& name)
 {
@@ -85,6 +97,7 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
     };
     const auto setTo = [&config](const std::string& text) { setServer(config, text); };
     const auto setNetwork = [&config](const std::string& name) { config.conditions = networkCalled(name); };
+    const auto setCut = [&config](const std::string& name) { config.cut = cutCalled(name); };
     Conditions& faults = config.conditions;
     const CLI::Validator file = commandline::fileName();
     const CLI::Validator percent = commandline::decimalNumber(100);
@@ -102,10 +115,19 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
         add("--duplicate", "PERCENT", faults.duplicate, percent, "of those that arrive arrive twice"),
         add("--reorder", "PERCENT", faults.reorder, commandline::decimalNumber(mostReorder),
             "of those that arrive arrive behind a later one;\nat most 50"),
+        add("--corrupt", "PERCENT", faults.corrupt, percent,
+            "of the kilobytes of UDP and TCP get a wrong byte"),
+        add("--bandwidth", "KB", faults.bandwidth, commandline::decimalNumber(),
+            "a second, of each connection and each flow of datagrams,\neach way; 0: no limit"),
+        add("--pieces", "BYTES", faults.pieces, commandline::wholeNumber(),
+            "cut TCP into pieces of 1 to so many bytes"),
         add("--seed", "N (1)", config.seed, commandline::wholeNumber(),
             "of the faults; the same one repeats them"),
         add("--cut-after", "S", config.cutAfter, commandline::decimalNumber(longestLife),
             "hang up each connection so many seconds old"),
+        app.add_option_function<std::string>(
+               "--cut-with", setCut, "close, reset, or half: half of the next piece of TCP,\nthen close")
+            ->option_text("HOW (close)"),
         add("--record", "FILE", config.recordPath, file, "write all that both sides say, before faults")};
     CLI::Option* const replay = add("--replay", "FILE", config.replayPath, file,
                                     "play the server of a recording, to one client at a time");
@@ -136,6 +158,13 @@ std::string describe(const Conditions& conditions)
     share("loss", conditions.loss);
     share("duplicate", conditions.duplicate);
     share("reorder", conditions.reorder);
+    share("corrupt", conditions.corrupt);
+    if (conditions.bandwidth > 0) {
+        text << ", " << conditions.bandwidth << " kB/s";
+    }
+    if (conditions.pieces > 0) {
+        text << ", pieces of at most " << conditions.pieces << " bytes";
+    }
     return text.str() == "0±0 ms" ? "no faults" : text.str();
 }
 
@@ -148,6 +177,7 @@ std::string describe(const RelayConfig& config)
     }
     if (config.cutAfter) {
         text << ", cut after " << *config.cutAfter << " s";
+        text << (config.cut == Cut::reset ? " by a reset" : config.cut == Cut::half ? " within a piece" : "");
     }
     return text.str();
 }

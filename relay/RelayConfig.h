@@ -11,6 +11,14 @@
 
 namespace relay {
 
+/// How a relay hangs up a connection at its age.
+enum class Cut : std::uint8_t
+{
+    close,
+    reset,
+    half  ///< closes after half of the next piece, which mostly ends within a message
+};
+
 /// What a relay or a replay does. `to` and `replay` exclude one another.
 struct RelayConfig
 {
@@ -20,8 +28,9 @@ struct RelayConfig
     Conditions conditions;
     std::uint32_t seed = 1;
     std::optional<double> cutAfter;  ///< s; age at which a connection, or a flow of datagrams, breaks
-    std::string recordPath;          ///< empty: record nothing
-    std::string replayPath;          ///< empty: pass on to the server
+    Cut cut = Cut::close;
+    std::string recordPath;  ///< empty: record nothing
+    std::string replayPath;  ///< empty: pass on to the server
     double replaySpeed = 1;
     std::function<void(const std::string& line)> log = [](const std::string&) {};
     std::shared_ptr<RecordingWriter> recording = nullptr;  ///< the relay opens it once it has its port
@@ -40,7 +49,7 @@ struct RelayConfig
 /// --version, 2 after a bad command line. Then the text for the user has been printed.
 std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfig& config);
 
-/// The faults in words, such as "80±30 ms, loss 5%, duplicate 1%, reorder 2%".
+/// The faults in words, such as "80±30 ms, loss 5%, duplicate 1%, 8 kB/s".
 std::string describe(const Conditions& conditions);
 
 /// The faults, the seed where there are any, and the cut.

@@ -15,10 +15,10 @@ namespace relay {
 
 /// One client's TCP connection, and ours to the server on its behalf.
 ///
-/// Bytes arrive later, but all of them and in order. An end of file is passed on after the bytes before it.
-/// When one side breaks, the link hands that side's last bytes to the system and then resets the other side.
-/// A slow reader loses the bytes that the system still holds. Lives on the single-threaded executor of the
-/// client's socket.
+/// Bytes arrive later and some wrong, but all of them and in order. An end of file is passed on after the
+/// bytes before it. When one side breaks, the link hands that side's last bytes to the system and then resets
+/// the other side. A slow reader loses the bytes that the system still holds. Lives on the single-threaded
+/// executor of the client's socket.
 class TcpLink final : public Connection
 {
 public:
@@ -42,7 +42,7 @@ public:
     {
         log("opened");
         config.record(up.flow, Chunk::OPENED);
-        cutTimer.async_wait(whileOpen([this](const Error&) { end("cut"); }));
+        cutTimer.async_wait(whileOpen([this](const Error&) { cut(); }));
         server.async_connect(endpoint, whileOpen([this](const Error& error) { handleConnect(error); }));
     }
 
@@ -85,6 +85,20 @@ private:
     boost::asio::steady_timer cutTimer;
     Pipe up, down;
     State state = State::whole;
+    bool halvesNextPiece = false;
+    bool hasHalved = false;
+
+    void cut()
+    {
+        if (config.cut == Cut::half) {
+            halvesNextPiece = true;
+            return;
+        }
+        if (config.cut == Cut::reset) {
+            closeWithReset();
+        }
+        end("cut");
+    }
 
     void handleConnect(const Error& error)
     {
@@ -135,7 +149,12 @@ private:
     {
         pipe.delivered = pipe.queue.pop(Clock::now()).value();
         read(pipe);
-        if (!pipe.delivered.empty()) {
+        const bool isEnd = pipe.delivered.empty();
+        if (halvesNextPiece) {
+            hasHalved = true;
+            pipe.delivered.resize(pipe.delivered.size() / 2);
+        }
+        if (!isEnd) {
             const auto handle = [this, &pipe](const Error& error, std::size_t) {
                 handleWritten(pipe, error);
             };
@@ -157,6 +176,10 @@ private:
             endDirection(State::halfBroken);
             return;
         }
+        if (hasHalved) {
+            end("cut");
+            return;
+        }
         pipe.isDelivering = false;
         deliver(pipe);
     }
@@ -172,14 +195,19 @@ private:
         }
     }
 
-    /// Resets both sides.
     void breakOff()
+    {
+        closeWithReset();
+        end("broken");
+    }
+
+    /// From now on closing resets both sides.
+    void closeWithReset()
     {
         Error ignored;  // a closed socket needs no reset
         for (Socket* const socket : {&client, &server}) {
             socket->set_option(Socket::linger(true, 0), ignored);
         }
-        end("broken");
     }
 
     void hangUp() override

@@ -6,9 +6,10 @@ set(client ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/client/usr)
 set(server ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/server/usr)
 set(data ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/data/usr)
 
-# A link to the font of fonts-liberation2 instead of a copy.
+# A link to the font of Debian's package instead of a copy.
 file(REMOVE ${client}/share/doc/vantor/copyright.arial.ttf)
-file(CREATE_LINK ../../../fonts/truetype/liberation2/LiberationSans-Regular.ttf
+file(RELATIVE_PATH font_from_resources /usr/share/games/vantor/Resources ${CPACK_VANTOR_FONT})
+file(CREATE_LINK ${font_from_resources}
   ${data}/share/games/vantor/Resources/arial.ttf SYMBOLIC)
 
 # Each package has its copyright and changelog, ...

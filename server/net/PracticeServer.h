@@ -59,13 +59,16 @@ public:
     /// How many steps were played, and how late the latest was.
     std::string timing() const { return clock.report(); }
     const Match& currentMatch() const { return match; }
-    /// Totals since the start, by title: drops, changed ports, guessed qports, rejected connections.
+    /// Totals since the start, by title: drops, changed ports, guessed qports, rejected connections. Also how
+    /// late the latest step was, in microseconds.
     const std::map<std::string, std::uint64_t>& counts() const { return counted; }
 
     /// Starts the match's clock and admits clients.
     void start();
     /// Hangs up on everyone and leaves the io_context without work of ours.
     void stop();
+    /// Plays one step now. The clock does so 60 times a second.
+    void step();
 
 private:
     struct Client
@@ -86,7 +89,7 @@ private:
     RateLimitedLog turnedAwayLog;
     RateLimitedLog guessLog;
     std::map<std::string, std::uint64_t> counted{
-        {"drops", 0}, {"port moves", 0}, {"qport guesses", 0}, {"turned away", 0}};
+        {"drops", 0}, {"latest step us", 0}, {"port moves", 0}, {"qport guesses", 0}, {"turned away", 0}};
     LogOnce acceptErrors;
     boost::asio::steady_timer stepTimer;
     StepClock clock;
@@ -111,7 +114,6 @@ private:
     Client* findSender(std::uint16_t qport);
 
     void scheduleSteps();
-    void step();
     void logResult();
     void releaseSilentControls();
     void sendSnapshot();

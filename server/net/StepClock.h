@@ -45,6 +45,9 @@ public:
         return true;
     }
 
+    /// Of all steps since the start.
+    Duration latestDelay() const { return latest; }
+
     /// "played N steps, latest X ms behind", and the time given up, if any.
     std::string report() const
     {

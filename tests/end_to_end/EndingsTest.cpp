@@ -39,6 +39,15 @@ TEST(Endings, UdpSilenceEndsAlsoABusyClient)
     }
 }
 
+TEST(Endings, AFloodedClientDrawsOnAndLeaves)
+{
+    GameSession game;
+    const auto flooding = flood(game.server, parade({0, 4, 60}));
+    EXPECT_TRUE(peer::eventually([&] { return game.server.record().datagrams.size() > 25; }));
+    game.client->signal(SIGTERM);
+    EXPECT_EQ(game.client->end(5s), "status 0");
+}
+
 // The room in the pipe decides where the main thread hangs. In the last case the network thread hangs in a
 // report.
 TEST(Endings, UdpSilenceEndsAClientWhoseOutputNobodyReads)

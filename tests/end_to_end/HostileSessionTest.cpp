@@ -31,6 +31,20 @@ TEST(HostileSession, TheClientLivesAndDrawsOn)
     game.display.expectImage("fighters", "620x190+90+190");
 
     game.client->signal(SIGTERM);
+    game.server.closeTcp();
     EXPECT_EQ(game.client->end(), "status 0");
     EXPECT_FALSE(game.client->hasPrinted("runtime error")) << "by a sanitizer, which goes on";
+}
+
+TEST(HostileSession, AServerMayCloseWhileTheClientLoads)
+{
+    for (const auto loading : {0ms, 100ms, 300ms, 900ms}) {
+        const support::VirtualDisplay display;
+        peer::ScriptedServer server;
+        support::Process client(support::clientCommand(display.name(), {"--port", server.port()}));
+        EXPECT_TRUE(peer::eventually([&] { return server.record().connected; }));
+        std::this_thread::sleep_for(loading);
+        server.closeTcp();
+        EXPECT_EQ(client.end(), "status 0") << loading.count();
+    }
 }

@@ -31,6 +31,12 @@ public:
             }
         }
         leftover.clear();
+        return faultOfScene();
+    }
+
+    /// Lets an honest ship come and leave, with room for a frame of the game. Returns what went wrong, or "".
+    std::string faultOfScene()
+    {
         messages::ShipState ship;
         ship.position = {1, 2, 3};
         for (ship.id = 424242; find(ship.id) != nullptr; ++ship.id) {

@@ -81,7 +81,7 @@ TEST(Framing, ABadFrameIsReportedAndTheNextArrives)
     for (const auto& [frame, diagnostic] : table) {
         testing::internal::CaptureStderr();
         std::string leftover;
-        EXPECT_EQ(printedBy([&] { EXPECT_EQ(cut(frame + good, leftover), good); }),
+        EXPECT_EQ(printedBy([&, bytes = frame + good] { EXPECT_EQ(cut(bytes, leftover), good); }),
                   diagnostic + "Error in deserializing of message\n");
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     }

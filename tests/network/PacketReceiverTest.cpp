@@ -111,6 +111,7 @@ TEST(ServerMessages, ChangeTheScene)
 TEST(ServerMessages, AWelcomeAndTheFirstObjectSetTheClient)
 {
     Arena arena;
+    arena.receive(messages::welcomeFrame({4}, 1));
     arena.receive(messages::welcomeFrame({beyondSigned}, 0xABC12345U) + info(5, SGT_PLAYER));
     EXPECT_EQ(arena.receiver.playerId, beyondSigned);
     EXPECT_EQ(PacketSender::getInstance()->qport, 0x2345);

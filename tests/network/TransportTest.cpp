@@ -167,7 +167,7 @@ TEST_F(Transport, PrependsTheQportAndReportsFailures)
     std::string bytes(expected.size(), '?');
     boost::asio::read(server, boost::asio::buffer(bytes));
     EXPECT_EQ(bytes, expected);
-    for (const int channel : {Logger::TCP_SENT, Logger::UDP_SENT}) {
+    for (const auto channel : {Logger::TCP_SENT, Logger::UDP_SENT}) {
         EXPECT_EQ(logger.packets[channel], 1U) << "a failure does not count";
         EXPECT_EQ(logger.bytes[channel], bytes.size());
     }

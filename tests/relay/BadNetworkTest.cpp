@@ -81,6 +81,23 @@ TEST(Faults, FollowFromSeedAndFlow)
               "1 0 2, 1 0 39, 1 0 9, 1 0 39, 1 0 32, 1 0 8, 1 0 0, 1 0 44, 1 0 35, 1 0 23, ");
 }
 
+TEST(Faults, CorruptCutAndSlowDownAsAsked)
+{
+    DelayQueue queue(Impairment({0, 0, 0, 0, 0, 50, 8, 400}, 1, {Transport::stream, 1, Direction::toClient}));
+    EXPECT_TRUE(queue.push(start, std::string(100'000, 'x')));
+    std::string arrived;
+    Time due;
+    int pieces = 0;
+    for (; queue.size() > 0; ++pieces) {
+        due = queue.nextDue();
+        arrived += queue.pop(due).value();
+    }
+    EXPECT_EQ(arrived.size(), 100'000U);
+    EXPECT_NEAR(double(std::count(arrived.begin(), arrived.end(), 'x')), 99'950, 12);
+    EXPECT_NEAR(double((due - start) / 1ms), 12'500, 1);
+    EXPECT_NEAR(pieces, 500, 40);
+}
+
 TEST(DelayQueue, LosesWhatComesWhileItIsFull)
 {
     DelayQueue queue(Impairment({10}, 1, {Transport::datagrams, 1, Direction::toClient}));
@@ -91,6 +108,12 @@ TEST(DelayQueue, LosesWhatComesWhileItIsFull)
     EXPECT_EQ(queue.pop(start + 9ms), std::nullopt);
     EXPECT_EQ(queue.pop(start + 10ms), large);
     EXPECT_TRUE(queue.push(start + 10ms, large));
+
+    DelayQueue slow(Impairment({0, 0, 0, 0, 0, 0, 8}, 1, {Transport::datagrams, 1, Direction::toClient}));
+    for (int i = 0; i < 9; ++i) {
+        slow.push(start, std::string(1000, 'x'));
+    }
+    EXPECT_EQ(slow.size() / 1000, 3U) << "250 ms are full";
 }
 
 TEST(RelayCommandLine, SetsEachValueOrIsRefused)
@@ -100,6 +123,9 @@ TEST(RelayCommandLine, SetsEachValueOrIsRefused)
         {"--replay in --speed 2 --listen 7", "  7  in 2 no faults"},
         {"--to host:1 --jitter 2.5 --loss 100 --duplicate 3 --reorder 50",
          "host 1 0   1 0±2.5 ms, loss 100%, duplicate 3%, reorder 50%, seed 1"},
+        {"--to host:1 --corrupt .5 --bandwidth 8 --pieces 9 --cut-after 2 --cut-with reset",
+         "host 1 0   1 0±0 ms, corrupt 0.5%, 8 kB/s, pieces of at most 9 bytes, seed 1, cut after 2 s by a "
+         "reset"},
         {"--to host:1 --network good --seed 7", "host 1 0   1 15±2 ms, seed 7"},
         {"--to host:1 --network dsl", "host 1 0   1 40±8 ms, loss 0.5%, seed 1"},
         {"--to host:1 --loss 12.5 --network awful --cut-after 0.5",
@@ -108,7 +134,8 @@ TEST(RelayCommandLine, SetsEachValueOrIsRefused)
         EXPECT_EQ(read(line), expected);
     }
     const std::string refused =
-        "--listen 1;--to nowhere;--to :1;--to h:65536;--to h:0;--to h:1 --reorder 51;--to h:1 --loss 101;"
+        "--listen 1;--to nowhere;--to :1;--to h:65536;--to h:0;--to h:1 --reorder 51;--to h:1 --loss "
+        "101;--to h:1 --cut-with x;"
         "--to h:1 --replay f;--replay f --record g;--replay f --speed 0;--replay f --speed 51";
     for (const std::string& line : CLI::detail::split(refused, ';')) {
         EXPECT_EQ(read(line), "status 2") << line;

@@ -48,10 +48,3 @@ TEST(RelayProgram, PlaysAMatchToTheClientOverABadNetwork)
     EXPECT_EQ(relay.end(), "status 1");
     std::filesystem::remove(recording);
 }
-
-TEST(RelayProgram, EndsWithStatusOneWhereItCannotRecord)
-{
-    Process relay({VANTOR_RELAY, "--to", "127.0.0.1:1", "--record", "/no/such/file"});
-    EXPECT_EQ(relay.end(), "status 1");
-    EXPECT_EQ(relay.output(), "vantor-relay: cannot record into /no/such/file: No such file or directory\n");
-}

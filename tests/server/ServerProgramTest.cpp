@@ -104,9 +104,10 @@ TEST(ServerProgram, LogsMeasurementsUntilTheDiskIsFull)
     EXPECT_EQ(std::filesystem::file_size(log), 1536U);
     EXPECT_EQ(support::outputOf({"sed", "-n", "3p", log}).substr(13 * 16, 16), "             12,")
         << "players";
-    const std::string titles = "drops          ,port moves     ,qport guesses  ,turned away    ,";
-    EXPECT_EQ(support::outputOf({"sed", "-n", "2p", log}).substr(17 * 16, 64), titles);
-    EXPECT_EQ(support::outputOf({"sed", "-n", "3p", log}).substr(20 * 16), "              0,\n");
+    const std::string titles =
+        "drops          ,latest step us ,port moves     ,qport guesses  ,turned away    ,";
+    EXPECT_EQ(support::outputOf({"sed", "-n", "2p", log}).substr(17 * 16, 80), titles);
+    EXPECT_EQ(support::outputOf({"sed", "-n", "3p", log}).substr(21 * 16), "              0,\n");
 
     const std::string picture = log + ".png";
     EXPECT_EQ(Process({VANTOR_TOOLS "/plot-log", "/no/such/log"}).end(), "status 1");

@@ -1,0 +1,32 @@
+# shellcheck shell=bash
+# Fresh Debians in folders, for tools/check-package and tools/check-release.
+#
+# For bash scripts with `set -euo pipefail` that run as root and define `fail MESSAGE`.
+
+# "${inside[@]}" FOLDER USER COMMAND...: runs a command there. Each command mounts /proc for itself alone. So nothing
+# of this machine is mounted when the folder is deleted.
+inside=(env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin:/usr/games HOME=/tmp LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive
+    unshare --mount --propagation private
+    sh -c 'user=$1; shift; mount -t proc proc "$0/proc" && exec chroot --userspec="$user" "$0" "$@"')
+
+# require_release NAME: sets release, and debian to its number.
+require_release() {
+    case $1 in
+        bookworm) debian='Debian 12' ;;
+        trixie) debian='Debian 13' ;;
+        *) fail "the release is bookworm or trixie, not '$1'; see --help" 2 ;;
+    esac
+    release=$1
+    [ "$(id -u)" -eq 0 ] || fail 'to set up a Debian of its own it must run as root'
+}
+
+# make_debian FOLDER [OPTION...]: a Debian of that release with only what apt needs; options of mmdebstrap.
+make_debian() {
+    local apt_options=() file
+    for file in /etc/apt/apt.conf.d/99*; do  # how this machine reaches its mirror
+        [ ! -f "$file" ] || apt_options+=(--aptopt="$file")
+    done
+    mmdebstrap --quiet --variant=apt --components=main "${apt_options[@]}" "${@:2}" "$release" "$1"
+    cp --remove-destination /etc/resolv.conf /etc/hosts "$1/etc/"
+    "${inside[@]}" "$1" root apt-get update -qq
+}
