@@ -62,7 +62,13 @@ __attribute__((constructor)) void readPlan()
     }
     dl_iterate_phdr(findProgram, nullptr);
     if (const char* const fault = std::getenv("VANTOR_FAULT")) {
-        std::sscanf(fault, "%31s %ld %31s %ld", plannedCall, &first, plannedError, &times);
+        char* rest = nullptr;
+        std::sscanf(fault, "%31s", plannedCall);
+        first = std::strtol(fault + std::strlen(plannedCall), &rest, 10);
+        if (std::sscanf(rest, "%31s", plannedError) == 1) {
+            times = std::strtol(std::strstr(rest, plannedError) + std::strlen(plannedError), nullptr, 10);
+            times = times == 0 ? 1 : times;
+        }
         for (int number = 1; number < 200; ++number) {
             const char* const name = strerrorname_np(number);
             errorNumber = name != nullptr && std::strcmp(plannedError, name) == 0 ? number : errorNumber;
