@@ -1,5 +1,6 @@
 // How the client ends without a player's wish. The watchdog must end it whatever its threads are doing.
 #include "tests/end_to_end/GameSession.h"
+#include "tests/hostile/Attacks.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -42,7 +43,7 @@ TEST(Endings, UdpSilenceEndsAlsoABusyClient)
 TEST(Endings, AFloodedClientDrawsOnAndLeaves)
 {
     GameSession game;
-    const auto flooding = flood(game.server, parade({0, 4, 60}));
+    const auto flooding = flood(game.server, attacks::ship(8, std::string(60000, 'n')));
     EXPECT_TRUE(peer::eventually([&] { return game.server.record().datagrams.size() > 25; }));
     game.client->signal(SIGTERM);
     EXPECT_EQ(game.client->end(5s), "status 0");

@@ -31,11 +31,12 @@ TEST(Hostile, DamagedFramesDoNoHarm)
                                          messages::welcomeFrame({7}, 9), peer::rawFrame(4, "\x10\x07")}) {
             for (std::size_t place = 0; place < frame.size(); ++place) {
                 const auto type = static_cast<unsigned char>(frame[2]);
-                std::string damaged = peer::rawFrame(type, frame.substr(3, place));
+                std::string damaged = peer::rawFrame(type, frame.substr(3, place)).append(frame);
                 for (int value = 1; value <= 256; ++value) {
-                    ASSERT_EQ(arena.play({ship(7) + shot(8) + damaged + frame}, 2), "") << damaged;
+                    ASSERT_EQ(arena.play({ship(7) + shot(8), damaged}, 1), "") << damaged;
                     damaged = frame;
                     damaged[place] = static_cast<char>(frame[place] ^ value);
+                    damaged += frame;
                 }
             }
         }
@@ -48,7 +49,6 @@ TEST(Hostile, AnOddFrameIsReadToItsEndOrDropped)
 {
     const auto longer = [](const std::string& end) { return peer::rawFrame(1, ship(5).substr(3) + end); };
     const std::pair<std::string, std::uint64_t> cases[] = {
-        {"SSH-2.0-OpenSSH_9.2\r\n", 6},
         {"\x15\x03\x01", 6},                                               // TLS
         {std::string({'\0', ship(5)[0]}) + ship(5).substr(2), 6},          // the length's bytes are swapped
         {longer("\x7A\x80\xFC\x03" + std::string(65024, 'x')), 5},         // an unknown field
