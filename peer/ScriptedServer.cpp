@@ -86,10 +86,14 @@ void ScriptedServer::sendUdp(const std::string& bytes)
     datagrams.send(bytes, datagrams.received.at(datagrams.received.size() - 1).sender);
 }
 
-void ScriptedServer::closeTcp()
+void ScriptedServer::closeTcp(bool resets)
 {
     const Lock lock(mutex);
-    stream->close();
+    if (resets) {
+        stream->reset();
+    } else {
+        stream->close();
+    }
 }
 
 }  // namespace peer

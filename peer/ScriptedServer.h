@@ -53,7 +53,8 @@ public:
     bool sendTcp(const std::string& bytes);
     /// To the sender of the newest datagram.
     void sendUdp(const std::string& bytes);
-    void closeTcp();
+    /// With a reset instead of an end, if wanted.
+    void closeTcp(bool resets = false);
 
     /// Sends an update of an unknown object ten times a second, from the client's first datagram on. So the
     /// client's watchdog does not end it.

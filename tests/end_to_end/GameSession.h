@@ -54,6 +54,9 @@ public:
         return peer::eventually([&] { return wanted(server.lastSteering()); }, 5s);
     }
 
+    /// Announces the same eight ships again and again.
+    void flood();
+
     support::VirtualDisplay display;
     peer::ScriptedServer server;
     std::optional<support::Process> client;
@@ -83,4 +86,12 @@ inline std::string parade(Vector3 viewer)
         frames += messages::infoFrame(messages::ShipState{20 + i, i < 4, viewer + place, turn});
     }
     return frames;
+}
+
+inline void GameSession::flood()
+{
+    for (int i = 0; i < 1000; ++i) {
+        server.sendTcp(parade({0, 4, 60}));
+        server.sendUdp(parade({0, 4, 60}));
+    }
 }

@@ -15,8 +15,7 @@ struct FixedClock
     /// Milliseconds since the Unix epoch, and microseconds on top of them.
     void set(std::int64_t milliseconds, std::int64_t micro = 0) { now = milliseconds * 1000 + micro; }
 
-    static inline std::int64_t now = -1;    ///< microseconds since the Unix epoch; -1: the clock runs
-    static inline std::int64_t offset = 0;  ///< microseconds between the real clock and a running one
+    static inline std::int64_t now = -1;  ///< microseconds since the Unix epoch; -1: the clock runs
 };
 
 // Replaces the C library's function in the whole test program.
@@ -24,7 +23,7 @@ extern "C" int gettimeofday(timeval* time, void*) noexcept
 {
     timespec real = {};
     clock_gettime(CLOCK_REALTIME, &real);
-    const std::int64_t running = real.tv_sec * 1000000 + real.tv_nsec / 1000 + FixedClock::offset;
+    const std::int64_t running = real.tv_sec * 1000000 + real.tv_nsec / 1000;
     const std::int64_t shown = FixedClock::now >= 0 ? FixedClock::now : running;
     *time = {shown / 1000000, shown % 1000000};
     return 0;
