@@ -27,16 +27,16 @@ std::future<void> flood(peer::ScriptedServer& server, const std::string& bytes)
 TEST(Endings, UdpSilenceEndsAlsoABusyClient)
 {
     const std::string ships = parade({0, 4, 60});  // announced again and again, they keep both threads busy
-    for (const std::string& load : {std::string(), ships, ships}) {
-        GameSession game({"--udp-timeout", "2"});
+    for (const std::string& load : {std::string(), ships}) {
+        GameSession game({"--udp-timeout", "4"});
         game.join(lonelyShip());
-        EXPECT_EQ(game.client->end(3s), "still running") << "the heartbeat keeps it alive";
+        EXPECT_EQ(game.client->end(5s), "still running") << "the heartbeat keeps it alive";
         const auto flooding = flood(game.server, load);
         game.server.hasHeartbeat = false;
         const Clock::time_point silent = Clock::now();
         EXPECT_EQ(game.client->end(), "status 1");
-        EXPECT_GT(Clock::now() - silent, 1700ms);  // the last beat may lie 100 ms back
-        EXPECT_TRUE(game.client->hasPrinted("No UDP packet received in 2 - exiting with error Success\n"));
+        EXPECT_GT(Clock::now() - silent, 3700ms);  // the last beat may lie 100 ms back
+        EXPECT_TRUE(game.client->hasPrinted("No UDP packet received in 4 - exiting with error Success\n"));
     }
 }
 
