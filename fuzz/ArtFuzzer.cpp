@@ -9,6 +9,12 @@
 
 #include <cstring>
 
+/// The importer of OBJ files leaks the parts of some models that it refuses.
+extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserved-identifier)
+{
+    return "leak:libassimp";
+}
+
 /// Reads all that the library's own would read: it needs a window. Rows begin at multiples of four bytes.
 extern "C" GLint gluBuild2DMipmaps(GLenum, GLint bytesPerPixel, GLsizei width, GLsizei height, GLenum, GLenum,
                                    const void* pixels)
