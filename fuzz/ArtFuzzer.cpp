@@ -15,7 +15,8 @@ extern "C" const char* __lsan_default_suppressions()  // NOLINT(bugprone-reserve
     return "leak:libassimp";
 }
 
-/// Reads all that the library's own would read: it needs a window. Rows begin at multiples of four bytes.
+/// Replaces GLU's function, which needs a window. Reads the whole image, so that the sanitizer finds a short
+/// one. Rows begin at multiples of four bytes.
 extern "C" GLint gluBuild2DMipmaps(GLenum, GLint bytesPerPixel, GLsizei width, GLsizei height, GLenum, GLenum,
                                    const void* pixels)
 {

@@ -37,7 +37,7 @@ private:
     }
 };
 
-/// A file of this process for one input after the other.
+/// A temporary file that holds one input at a time.
 class InputFile
 {
 public:
@@ -48,6 +48,7 @@ public:
     }
     ~InputFile() { std::filesystem::remove(path); }
 
+    /// Overwrites the file with an input and returns its path.
     const std::string& holding(const std::uint8_t* data, std::size_t size) const
     {
         std::ofstream(path, std::ios::binary)

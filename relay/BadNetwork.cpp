@@ -120,7 +120,7 @@ bool DelayQueue::push(Time now, std::string bytes)
     impairment.corrupt(bytes);
     std::size_t used = 0;
     bool isTaken = true;
-    do {  // no bytes are a piece, too
+    do {  // the end of a stream is an empty piece
         const std::size_t size = impairment.cut(bytes.size() - used);
         isTaken = pushPiece(now, bytes.substr(used, size));
         used += size;

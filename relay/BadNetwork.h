@@ -58,7 +58,7 @@ public:
 
     /// Bytes from here to the next place.
     std::size_t distance() const { return ahead; }
-    /// Moves on by so many bytes, at most up to the next place. Then the one after it is the next.
+    /// Moves on. `bytes` is at most distance(). At the place itself the next one is drawn.
     void advance(std::size_t bytes);
 
 private:

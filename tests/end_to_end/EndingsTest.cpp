@@ -13,11 +13,12 @@ using support::Process;
 
 namespace {
 
-// Sends the same bytes over TCP as fast as the client takes them, until it is gone.
-std::future<void> flood(peer::ScriptedServer& server, const std::string& bytes)
+// Sends the same bytes over TCP as fast as the client takes them, or over UDP, until the client is gone.
+std::future<void> flood(peer::ScriptedServer& server, const std::string& bytes, bool isUdp = false)
 {
-    return std::async(std::launch::async, [&server, bytes] {
-        while (!bytes.empty() && server.sendTcp(bytes)) {
+    return std::async(std::launch::async, [&server, bytes, isUdp] {
+        while (!bytes.empty() && server.sendTcp(isUdp ? "" : bytes)) {
+            isUdp ? server.sendUdp(bytes) : void();
         }
     });
 }
@@ -42,26 +43,39 @@ TEST(Endings, UdpSilenceEndsAlsoABusyClient)
 
 TEST(Endings, AFloodedClientDrawsOnAndLeaves)
 {
-    GameSession game;
-    const auto flooding = flood(game.server, attacks::ship(8, std::string(60000, 'n')));
-    EXPECT_TRUE(peer::eventually([&] { return game.server.record().datagrams.size() > 25; }));
-    game.client->signal(SIGTERM);
-    EXPECT_EQ(game.client->end(5s), "status 0");
+    std::string small;
+    while (small.size() < 1200) {
+        small += messages::destroyFrame(8);
+    }
+    const std::string large = attacks::ship(8, std::string(60000, 'n'));
+    // the bytes, and whether they come as datagrams
+    const std::pair<std::string, bool> loads[] = {{small, false}, {large, false}, {small, true}};
+    for (const auto& [load, isUdp] : loads) {
+        GameSession game;
+        game.join(lonelyShip());
+        const auto flooding = flood(game.server, load, isUdp);
+        const std::size_t before = game.server.record().datagrams.size();
+        EXPECT_TRUE(peer::eventually([&] { return game.server.record().datagrams.size() > before + 50; }))
+            << load.size() << isUdp;
+        game.client->signal(SIGTERM);
+        EXPECT_EQ(game.client->end(5s), "status 0");
+    }
 }
 
-// The room in the pipe decides where the main thread hangs. In the last case the network thread hangs in a
-// report.
+// The room in the pipe decides where the main thread hangs. In the third case the network thread hangs in a
+// report. In the last case the reader is gone, so nothing hangs.
 TEST(Endings, UdpSilenceEndsAClientWhoseOutputNobodyReads)
 {
     const support::VirtualDisplay display;
-    const std::pair<std::size_t, std::string> cases[] = {
-        {0, ""}, {200, ""}, {4096, peer::rawFrame(9, "no such type")}};
-    for (const auto& [room, load] : cases) {
+    const std::tuple<std::size_t, std::string, bool> cases[] = {
+        {0, "", true}, {200, "", true}, {4096, peer::rawFrame(9, "no such type"), true}, {0, "", false}};
+    for (const auto& [room, load, hasReader] : cases) {
         SCOPED_TRACE("room for " + std::to_string(room) + " bytes");
         int pipe[2];
         ASSERT_EQ(pipe2(pipe, O_CLOEXEC), 0);
         const std::string filling(static_cast<std::size_t>(fcntl(pipe[1], F_GETPIPE_SZ)) - room, '.');
         EXPECT_EQ(write(pipe[1], filling.data(), filling.size()), static_cast<ssize_t>(filling.size()));
+        dup2(pipe[hasReader ? 0 : 1], pipe[0]);
         peer::ScriptedServer server;
         server.hasHeartbeat = false;
         Process client(

@@ -37,11 +37,12 @@ TEST(Session, AnIdleClientSendsItsViewTwentyTimesASecond)
     }
     EXPECT_EQ(game.server.record().tcpBytes, 0U) << "the client only listens on TCP";
 
-    // the last whole frame counts, and the first byte of the next does not
-    game.server.sendTcp(messages::destroyFrame(GameSession::ownId) + '\3');
+    // the last whole frame counts, and half of the next does not
+    game.server.sendTcp(messages::destroyFrame(GameSession::ownId) + peer::rawFrame(9, "half").substr(0, 5));
     game.server.closeTcp();
     EXPECT_EQ(game.client->end(), "status 0");
     EXPECT_TRUE(game.client->hasPrinted("Player Pilot logged out\n"));
+    EXPECT_FALSE(game.client->hasPrinted("Unknown message type"));
     EXPECT_TRUE(game.client->hasPrinted("TCP connection CLOSED err:End of file\n"));
     EXPECT_TRUE(game.client->hasPrinted("Connection closed - exiting\n"));
 }

@@ -12,7 +12,7 @@ using namespace attacks;
 TEST(Hostile, AttacksLeaveTheSceneInOrder)
 {
     Arena arena;
-    for (const auto& attack : all) {  // a binding cannot be captured
+    for (const auto& attack : all) {  // clang cannot capture a structured binding
         for (const int framesBetween : {1, 100}) {
             printedBy([&] { EXPECT_EQ(arena.play(attack.second, framesBetween), "") << attack.first; });
         }

@@ -1,9 +1,7 @@
-// The parts of the engine that only macOS builds, over stand-ins for its frameworks.
-#include "engine/MultithreadedGL.h"
+// The resource folder on macOS, over a stand-in for its framework. The OpenGL switch is only compiled.
 #include "engine/ResourceFolder.h"
 
 #include <CoreFoundation/CoreFoundation.h>
-#include <OpenGL/OpenGL.h>
 #include <gtest/gtest.h>
 
 TEST(EngineOnMacOS, LooksForItsFilesInTheBundle)
@@ -17,11 +15,4 @@ TEST(EngineOnMacOS, LooksForItsFilesInTheBundle)
         EXPECT_EQ(testing::internal::GetCapturedStdout().empty(), bundle == longest) << bundle;
         EXPECT_EQ(copies, 0) << bundle;
     }
-}
-
-TEST(EngineOnMacOS, EnablesMultithreadedOpenGL)
-{
-    EXPECT_TRUE(enableMultithreadedGL());
-    answer = 1;
-    EXPECT_FALSE(enableMultithreadedGL());
 }
