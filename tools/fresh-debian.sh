@@ -9,6 +9,9 @@ inside=(env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin:/usr/games HOME=/tmp LC_ALL=C.
     unshare --mount --propagation private
     sh -c 'user=$1; shift; mount -t proc proc "$0/proc" && exec chroot --userspec="$user" "$0" "$@"')
 
+# A warning of CMake or the compiler. Other tools warn while they install themselves.
+build_warning='CMake.* Warning|^[^ ]+:[0-9]+:([0-9]+:)? warning:'
+
 # require_release NAME: sets release, and debian to its number.
 require_release() {
     case $1 in
