@@ -66,12 +66,13 @@ void NetworkHelper::disconnect()
 }
 
 // An exception here is a lack of memory or another failure of the system. The main thread may be anywhere, so
-// no destructor and no exit handler runs.
+// no destructor and no exit handler runs. If the message gets stuck, the alarm ends the process.
 void NetworkHelper::runIOService()
 {
     try {
         getInstance()->ioService.run();
     } catch (const std::exception& error) {
+        endProcessIn(2);
         DebugPrint("Network failed: %s - exiting\n", error.what());
         std::_Exit(EXIT_FAILURE);
     }

@@ -93,13 +93,6 @@ void leaveExplosion(Vector3 position)
     factory->ship(explosion);
 }
 
-// Ends the process after this time, whatever its threads are waiting for. Safe in a signal handler.
-void endProcessIn(unsigned int seconds)
-{
-    std::signal(SIGALRM, [](int) { _exit(EXIT_FAILURE); });
-    alarm(seconds);
-}
-
 // The watchdog's last resort. While standard output is stopped, a diagnostic blocks its thread. That is the
 // network thread itself, or the main thread with a queue's mutex held. Then the watchdog cannot run, but a
 // signal can. It leaves a late watchdog five seconds to end the process with its message.
@@ -119,6 +112,12 @@ void setLastResort(unsigned int seconds)
 }
 
 }  // namespace
+
+void endProcessIn(unsigned int seconds)
+{
+    std::signal(SIGALRM, [](int) { _exit(EXIT_FAILURE); });
+    alarm(seconds);
+}
 
 PacketReceiver::PacketReceiver(boost::asio::io_service* service, PacketSender* packetSender,
                                SceneGraph* graph, unsigned int udpTimeout)

@@ -9,6 +9,10 @@
 class PacketSender;
 class SceneGraph;
 
+/// Ends the process with status 1 after this time, whatever its threads are waiting for. Safe in a signal
+/// handler.
+void endProcessIn(unsigned int seconds);
+
 /// The client's receiver. It applies the server's messages to the scene graph, and ends the client when the
 /// server has stopped.
 ///

@@ -13,6 +13,7 @@ constexpr double longestDelay = 10'000;  ///< ms
 constexpr double longestLife = 86'400;   ///< s, a day
 constexpr double slowest = 0.01;         ///< times the recorded speed
 constexpr double fastest = 50;           ///< beyond, bursts overflow the client's receive buffer
+constexpr double leastFault = 0.01;      ///< percent or kB/s; far below, waits and distances overflow
 
 struct Network
 {
@@ -55,6 +56,15 @@ std::string networkList()
         list += std::string("\n") + network.name + ": " + describe(network.conditions);
     }
     return list;
+}
+
+/// Accepts 0 and the numbers from leastFault on. For options whose text is a number already.
+std::string checkLeastFault(const std::string& text)
+{
+    double value = 0;
+    const bool isNumber = CLI::detail::lexical_cast(text, value);
+    const bool fits = isNumber && (value == 0 || value >= leastFault);
+    return fits ? "" : "wants 0 or at least 0.01, not '" + text + "'";
 }
 
 /// Reads HOST:PORT. An IPv6 address stands in brackets, as in a URL.
@@ -116,9 +126,11 @@ std::optional<int> readCommandLine(int argc, const char* const* argv, RelayConfi
         add("--reorder", "PERCENT", faults.reorder, commandline::decimalNumber(mostReorder),
             "of those that arrive arrive behind a later one;\nat most 50"),
         add("--corrupt", "PERCENT", faults.corrupt, percent,
-            "of the kilobytes of UDP and TCP get a wrong byte"),
+            "of the kilobytes of UDP and TCP get a wrong byte;\n0, or 0.01 to 100")
+            ->check(checkLeastFault),
         add("--bandwidth", "KB", faults.bandwidth, commandline::decimalNumber(),
-            "a second, of each connection and each flow of datagrams,\neach way; 0: no limit"),
+            "a second, of each connection and each flow of datagrams,\neach way; 0: no limit; else from 0.01")
+            ->check(checkLeastFault),
         add("--pieces", "BYTES", faults.pieces, commandline::wholeNumber(),
             "cut TCP into pieces of 1 to so many bytes"),
         add("--seed", "N (1)", config.seed, commandline::wholeNumber(),

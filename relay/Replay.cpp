@@ -108,12 +108,13 @@ class Replayer::Session final : public Connection
 public:
     /// `udp` and the track outlive the session.
     Session(TcpSocket client_, boost::asio::ip::udp::socket& udp_, const ServerTrack& track_, double speed_,
-            const std::string& name_, const LogOnce::Log& log_)
+            std::chrono::seconds patience_, const std::string& name_, const LogOnce::Log& log_)
         : Connection(name_, log_),
           client(std::move(client_)),
           udp(udp_),
           track(track_),
           speed(speed_),
+          patience(patience_),
           timer(client.get_executor())
     {
         error_code ignored;  // the first receive reports a peer that has left already
@@ -144,13 +145,12 @@ public:
     }
 
 private:
-    static constexpr std::chrono::seconds patience{20};  ///< how long it waits for the address
-
     TcpSocket client;
     boost::asio::ip::tcp::endpoint peer;
     boost::asio::ip::udp::socket& udp;
     const ServerTrack& track;
     double speed;
+    std::chrono::seconds patience;
     boost::asio::steady_timer timer;
     std::optional<Endpoint> address;
     std::optional<Time> waitingSince;  ///< for the address
@@ -198,7 +198,7 @@ private:
             timer.expires_after(patience);
             timer.async_wait(whileOpen([this](const error_code& cancelled) {
                 if (!cancelled) {
-                    end("sent no datagram for 20 s");
+                    end("sent no datagram for " + std::to_string(patience.count()) + " s");
                 }
             }));
         }
@@ -223,8 +223,13 @@ private:
 };
 
 Replayer::Replayer(boost::asio::io_context& io, std::uint16_t port, ServerTrack track_, double speed_,
-                   LogOnce::Log log_)
-    : Listener(io, port, log_), track(std::move(track_)), speed(speed_), log(std::move(log_)), refused(log)
+                   LogOnce::Log log_, std::chrono::seconds patience_)
+    : Listener(io, port, log_),
+      track(std::move(track_)),
+      speed(speed_),
+      patience(patience_),
+      log(std::move(log_)),
+      refused(log)
 {
 }
 
@@ -244,7 +249,7 @@ void Replayer::handleConnection(TcpSocket socket)
         return;
     }
     refused.clear();
-    session = std::make_shared<Session>(std::move(socket), udp(), track, speed,
+    session = std::make_shared<Session>(std::move(socket), udp(), track, speed, patience,
                                         "client " + std::to_string(++sessionCount), log);
     session->start();
 }

@@ -4,6 +4,7 @@
 #include "relay/Recording.h"
 #include "service/LogOnce.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -39,10 +40,10 @@ ServerTrack readServerTrack(const std::string& path, const Warn& warn);
 class Replayer final : public Listener
 {
 public:
-    /// Port 0: any free one. `speed`: 2 plays in half the time. Throws boost::system::system_error where the
-    /// port is taken.
+    /// Port 0: any free one. `speed`: 2 plays in half the time. `patience`: how long the first recorded
+    /// datagram waits for the client's. Throws boost::system::system_error where the port is taken.
     Replayer(boost::asio::io_context& io, std::uint16_t port, ServerTrack track, double speed,
-             LogOnce::Log log);
+             LogOnce::Log log, std::chrono::seconds patience = std::chrono::seconds(20));
     ~Replayer() override { Replayer::stop(); }
 
     void stop() override;
@@ -52,6 +53,7 @@ private:
 
     ServerTrack track;
     double speed;
+    std::chrono::seconds patience;
     LogOnce::Log log;
     LogOnce refused;
     std::shared_ptr<Session> session;  ///< the newest session, which may have ended

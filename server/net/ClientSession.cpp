@@ -45,10 +45,11 @@ void ClientSession::flush()
         socket, boost::asio::buffer(inFlight),
         [self = shared_from_this()](const boost::system::error_code& error, std::size_t bytes) {
             self->inFlight.clear();
-            // After a failed write the receive fails too, and ends the session.
             if (!error) {
                 Logger::getInstance()->countPacket(Logger::TCP_SENT, bytes);
                 self->flush();
+            } else if (self->current == State::open) {
+                self->end(State::hungUp, "");  // bytes are missing: a later frame would be garbled
             }
         });
 }

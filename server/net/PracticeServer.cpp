@@ -34,6 +34,9 @@ bool hasHungUp(tcp::socket& socket)
         return true;  // reset; bytes sent before that could still be read
     }
     socket.non_blocking(true, error);
+    if (error) {
+        return true;  // the receive would block
+    }
     socket.receive(boost::asio::buffer(&first, 1), tcp::socket::message_peek, error);
     return error && error != boost::asio::error::would_block;
 }

@@ -137,7 +137,8 @@ TEST(RelayCommandLine, SetsEachValueOrIsRefused)
     for (const char* line :
          {"--listen 1", "--to nowhere", "--to :1", "--to h:65536", "--to h:0", "--to h:1 --reorder 51",
           "--to h:1 --loss 101", "--to h:1 --cut-with x", "--to h:1 --replay f", "--replay f --record g",
-          "--replay f --speed 0", "--replay f --speed 51"}) {
+          "--to h:1 --bandwidth .00000000000000000000001", "--to h:1 --corrupt .009", "--replay f --speed 0",
+          "--replay f --speed 51"}) {
         EXPECT_EQ(read(line), "status 2") << line;
     }
 }

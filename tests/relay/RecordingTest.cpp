@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 #include <algorithm>
 #include <filesystem>
@@ -20,10 +21,12 @@ class Recording : public testing::Test
 protected:
     ~Recording() override { std::filesystem::remove(path); }
 
-    /// The number of chunks and the warning, or the reason why the reader refuses these bytes.
-    std::string reading(const std::string& bytes) const
+    /// The number of chunks and the warning, or the reason why the reader refuses a file. It holds these
+    /// bytes, and zeros up to the size.
+    std::string reading(const std::string& bytes, std::uintmax_t size = 0) const
     {
         std::ofstream(path, std::ios::binary) << bytes;
+        std::filesystem::resize_file(path, std::max(size, std::filesystem::file_size(path)));
         std::string warning;
         try {
             const auto chunks = readRecording(path, [&](const std::string& line) { warning = "; " + line; });
@@ -57,7 +60,17 @@ TEST_F(Recording, CutAnywhereIsUsedAndGarbledIsRefused)
           "\xFF\xFF\xFF\x7F"s, std::string(11, '\xFF')}) {                         // no length
         EXPECT_EQ(reading(header + good + garbled), path + " is garbled at chunk 2");
     }
+    EXPECT_EQ(reading(header, (512U << 20U) + 1U), path + " is larger than 512 MiB");
     EXPECT_EQ(reading(good), path + " is no recording of this version");
+}
+
+TEST_F(Recording, IsWrittenToFilesOnly)
+{
+    std::filesystem::remove(path);
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);  // nobody reads the pipe
+    for (const std::string& name : {path, "/no/such/folder"s}) {
+        EXPECT_THROW(RecordingWriter(name, {}), std::runtime_error) << name;
+    }
 }
 
 TEST_F(Recording, GivesTheTrackOfTheFirstPlayer)
@@ -88,7 +101,8 @@ TEST_F(Recording, GivesTheTrackOfTheFirstPlayer)
         << "the player came after six seconds";
 }
 
-// Twice: the second client gets the same, from the start. The third leaves while the replay waits.
+// Twice: the second client gets the same, from the start. The third leaves while the replay waits. The
+// fourth sends nothing.
 TEST(Replay, KeepsTheTimesAndWaitsForTheRightQport)
 {
     const ServerTrack track = {0x0106,
@@ -98,7 +112,8 @@ TEST(Replay, KeepsTheTimesAndWaitsForTheRightQport)
                                 {3s, Transport::datagrams, "last"}}};
     peer::Endpoints ends;
     std::vector<std::string> log;
-    Replayer replayer(ends.io, 0, track, 10, [&log](const std::string& line) { log.push_back(line); });
+    Replayer replayer(
+        ends.io, 0, track, 10, [&log](const std::string& line) { log.push_back(line); }, 2s);
     replayer.start();
     const auto server = peer::loopback(replayer.port());
     for (int round = 0; round < 2; ++round) {
@@ -125,6 +140,6 @@ TEST(Replay, KeepsTheTimesAndWaitsForTheRightQport)
     leaving.reset();
     EXPECT_TRUE(ends.await([&] { return log.back() == "client 3: left"; }));
     ends.connect(replayer.port());
-    EXPECT_TRUE(ends.await([&] { return log.back() == "client 4: connected"; }));
+    EXPECT_TRUE(ends.await([&] { return log.back() == "client 4: sent no datagram for 2 s"; }));
     EXPECT_EQ(std::count(log.begin(), log.end(), "turning away clients: another one is watching"), 2);
 }

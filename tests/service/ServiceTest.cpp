@@ -1,5 +1,4 @@
 #include "service/CommandLine.h"
-#include "service/LogOnce.h"
 #include "service/PortPair.h"
 #include "service/StatusLine.h"
 
@@ -40,16 +39,6 @@ TEST(CommandLine, TakesPlainNumbersWithinTheirRange)
         EXPECT_EQ(valueOf("--whole=" + bad), -1) << bad;
         EXPECT_EQ(valueOf("--decimal=" + bad), -1) << bad;
     }
-}
-
-TEST(LogOnce, LogsARepeatedErrorAgainOnlyAfterItWasOver)
-{
-    std::string lines;
-    LogOnce errors([&lines](const std::string& line) { lines += line; });
-    for (const char* line : {"a", "a", "b", "a", "", "a", "a"}) {
-        *line == '\0' ? errors.clear() : errors.log(line);
-    }
-    EXPECT_EQ(lines, "abaa");
 }
 
 TEST(PortPair, OpensBothTransportsOrNone)

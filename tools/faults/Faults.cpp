@@ -1,6 +1,6 @@
 // A library to preload: faults of the machine.
 //
-//     VANTOR_FAULT="CALL N ERROR [TIMES]"   the N-th call fails, and TIMES - 1 more (1)
+//     VANTOR_FAULT="CALL N ERROR [TIMES]"   the N-th call fails, and the TIMES - 1 behind it (1)
 //
 // CALL is a function below, `new`, or `any`: all functions of the system, counted together. ERROR is
 //
@@ -149,6 +149,13 @@ INTERPOSE(bind, true, -1)
 INTERPOSE(listen, true, -1)
 INTERPOSE(accept, true, -1)
 INTERPOSE(connect, true, -1)
+INTERPOSE(getsockname, true, -1)
+INTERPOSE(getpeername, true, -1)
+INTERPOSE(getsockopt, true, -1)
+INTERPOSE(setsockopt, true, -1)
+INTERPOSE(shutdown, true, -1)
+INTERPOSE(ioctl, true, -1)
+INTERPOSE(pipe, true, -1)
 INTERPOSE(poll, true, -1)
 INTERPOSE(epoll_create1, true, -1)
 INTERPOSE(epoll_wait, true, -1)
