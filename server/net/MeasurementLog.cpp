@@ -55,8 +55,8 @@ void fillScene(const Match& match)
 
 }  // namespace
 
-MeasurementLog::MeasurementLog(boost::asio::io_context& io, const PracticeServer& server_,
-                               const std::string& file, LogOnce::Log log)
+MeasurementLog::MeasurementLog(boost::asio::io_context& io, PracticeServer& server_, const std::string& file,
+                               LogOnce::Log log)
     : server(server_), timer(io), name(file), errors(std::move(log))
 {
     requireFile(file);
@@ -78,6 +78,8 @@ void MeasurementLog::writeRow()
     fillScene(server.currentMatch());
     Logger* logger = Logger::getInstance();
     logger->extraColumns = server.counts();
+    const auto latest = std::chrono::duration_cast<std::chrono::microseconds>(server.takeLatestDelay());
+    logger->extraColumns["latest step us"] = static_cast<std::uint64_t>(latest.count());
     const std::uintmax_t sizeBefore = sizeOf(name);  // the logger does not report a full disk
     logger->calcPrS();
     logger->writeMeasurementToFile();

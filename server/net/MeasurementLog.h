@@ -10,8 +10,8 @@
 
 namespace practice {
 
-/// Appends a row to a file once a second: the process's traffic, players, projectiles, and the server's
-/// counts.
+/// Appends a row to a file once a second: the process's traffic, players, projectiles, the server's counts,
+/// and how late the latest step of that second was.
 ///
 /// Writes on the thread that runs the io_context: meant for a file on a local disk.
 class MeasurementLog
@@ -19,11 +19,11 @@ class MeasurementLog
 public:
     /// Throws std::runtime_error unless `file` is, or can become, a regular file that we may append to. Logs
     /// once that a row did not make the file longer, as on a full disk. `server` must outlive the log.
-    MeasurementLog(boost::asio::io_context& io, const PracticeServer& server, const std::string& file,
+    MeasurementLog(boost::asio::io_context& io, PracticeServer& server, const std::string& file,
                    LogOnce::Log log);
 
 private:
-    const PracticeServer& server;
+    PracticeServer& server;
     boost::asio::steady_timer timer;
     std::string name;
     LogOnce errors;

@@ -292,8 +292,6 @@ void PracticeServer::scheduleSteps()
         for (int i = 0; i < mostStepsAtOnce && clock.takeStep(std::chrono::steady_clock::now()); ++i) {
             step();
         }
-        const auto latest = std::chrono::duration_cast<std::chrono::microseconds>(clock.latestDelay());
-        counted["latest step us"] = static_cast<std::uint64_t>(latest.count());
         scheduleSteps();
     });
 }

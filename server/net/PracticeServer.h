@@ -60,8 +60,9 @@ public:
     /// How many steps were played, and how late the latest was.
     std::string timing() const { return clock.report(); }
     const Match& currentMatch() const { return match; }
-    /// Totals since the start, by title: drops, changed ports, guessed qports, rejected connections. Also how
-    /// late the latest step was, in microseconds.
+    /// How late the latest step since the last call was.
+    StepClock::Duration takeLatestDelay() { return clock.takeLatestDelay(); }
+    /// Totals since the start, by title: drops, changed ports, guessed qports, rejected connections.
     const std::map<std::string, std::uint64_t>& counts() const { return counted; }
 
     /// Starts the match's clock and admits clients.
@@ -90,7 +91,7 @@ private:
     RateLimitedLog turnedAwayLog;
     RateLimitedLog guessLog;
     std::map<std::string, std::uint64_t> counted{
-        {"drops", 0}, {"latest step us", 0}, {"port moves", 0}, {"qport guesses", 0}, {"turned away", 0}};
+        {"drops", 0}, {"port moves", 0}, {"qport guesses", 0}, {"turned away", 0}};
     LogOnce acceptErrors;
     boost::asio::steady_timer stepTimer;
     StepClock clock;

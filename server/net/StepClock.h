@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 namespace practice {
 
@@ -36,6 +37,7 @@ public:
             return false;
         }
         latest = std::max(latest, behind);
+        latestSinceAsked = std::max(latestSinceAsked, behind);
         if (behind > longestCatchUp) {
             givenUp += behind;
             next = now;
@@ -45,8 +47,8 @@ public:
         return true;
     }
 
-    /// Of all steps since the start.
-    Duration latestDelay() const { return latest; }
+    /// Of the steps since the last call.
+    Duration takeLatestDelay() { return std::exchange(latestSinceAsked, Duration::zero()); }
 
     /// "played N steps, latest X ms behind", and the time given up, if any.
     std::string report() const
@@ -60,6 +62,7 @@ private:
     Duration period;
     TimePoint next;
     Duration latest{0};
+    Duration latestSinceAsked{0};
     std::uint64_t taken = 0;
     Duration givenUp{0};
 

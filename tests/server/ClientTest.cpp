@@ -147,7 +147,9 @@ TEST(StepClock, CatchesUpOrGivesUp)
     EXPECT_EQ(stepsAt(55ms), 4);
     EXPECT_EQ(clock.report(), "played 5 steps, latest 35.0 ms behind");
     EXPECT_EQ(stepsAt(1060ms), 1) << "a second of haste";
+    EXPECT_EQ(clock.takeLatestDelay(), 1000ms);
     EXPECT_EQ(stepsAt(1270ms), 1) << "the next step was due at 1070 ms";
+    EXPECT_EQ(clock.takeLatestDelay(), 200ms);
     EXPECT_EQ(clock.report(), "played 7 steps, latest 1000.0 ms behind, 1200.0 ms given up");
 }
 
