@@ -3,6 +3,9 @@
 #
 # For bash scripts with `set -euo pipefail` that run as root and define `fail MESSAGE`.
 
+# Debian 13 has /tmp in memory and without devices.
+export TMPDIR=${TMPDIR:-/var/tmp}
+
 # "${inside[@]}" FOLDER USER COMMAND...: runs a command there. Each command mounts /proc for itself alone. So nothing
 # of this machine is mounted when the folder is deleted.
 inside=(env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin:/usr/games HOME=/tmp LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive

@@ -3,6 +3,7 @@
 #include "server/match/Hull.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <deque>
 #include <map>
@@ -80,12 +81,15 @@ public:
         if (way == Vector3()) {
             return {looks * smallTurn({0, 1, 0}, turn / 2.0F), control::forward};
         }
-        const float around = std::floor(view.time * 2.0F);  // another error each half second
-        const Vector3 axis(std::cos(around), std::sin(around), 0.0F);
-        const Quaternion aim = lookAlong(way) * smallTurn(axis, 0.035F);
-        const float angle = 2.0F * std::acos(std::min(std::fabs(looks.dotProduct(aim)), 1.0F));
-        Quaternion turned = Quaternion::Slerp(looks, aim, std::min(1.0F, turn / std::max(angle, turn)));
-        turned.normalise();
+        static const std::array<Vector3, 6> errors{{{1, 0, 0},
+                                                    {0.6F, 0.8F, 0},
+                                                    {-0.28F, 0.96F, 0},
+                                                    {-1, 0, 0},
+                                                    {-0.6F, -0.8F, 0},
+                                                    {0.28F, -0.96F, 0}}};
+        const Vector3& error = errors[static_cast<std::size_t>(view.time * 2.0F) % errors.size()];
+        const Quaternion aim = lookAlong(way) * smallTurn(error, 0.035F);
+        const Quaternion turned = turnTowards(looks, aim, turn);
         const bool points = noseOf(view.self.orientation).dotProduct(noseOf(aim)) > 0.998F;
         return {turned, (way.length() > 60.0F ? control::forward : 0U) | (points ? control::fire : 0U)};
     }

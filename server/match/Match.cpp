@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cfloat>
 #include <cstddef>
 #include <iterator>
 #include <utility>
@@ -11,6 +12,8 @@
 namespace practice {
 
 namespace {
+
+static_assert(FLT_EVAL_METHOD == 0, "a match is the same on every machine that computes floats as floats");
 
 constexpr std::size_t mostDeparted = 64;  ///< ships in a result that have left
 

@@ -35,24 +35,6 @@ float tangentOfSmall(float angle)
     return angle * (1.0F + square * (1.0F / 3.0F + square * (2.0F / 15.0F + square * (17.0F / 315.0F))));
 }
 
-/// Turns `from` towards `to` by at most `maxAngle` radians on the shorter arc; unit length.
-Quaternion turnTowards(const Quaternion& from, const Quaternion& to, float maxAngle)
-{
-    Quaternion between = ~from * to;
-    if (between.w < 0.0F) {  // the same orientation by the longer arc
-        between = -between;
-    }
-    const Vector3 vector(between.x, between.y, between.z);
-    const float sine = vector.length();  // of half the angle between them, as between.w is the cosine
-    const float tangent = tangentOfSmall(maxAngle / 2.0F);
-    if (sine <= tangent * between.w) {
-        return to;
-    }
-    Quaternion turned = from * Quaternion(1.0F, vector * (tangent / sine));
-    turned.normalise();
-    return turned;
-}
-
 Vector3 limited(const Vector3& v, float longest)
 {
     const float length = v.length();
@@ -120,6 +102,23 @@ Quaternion smallTurn(const Vector3& axis, float angle)
 }
 
 /// A turn by an angle is the quaternion (1 + cosine, axis * sine), scaled to unit length.
+Quaternion turnTowards(const Quaternion& from, const Quaternion& to, float maxAngle)
+{
+    Quaternion between = ~from * to;
+    if (between.w < 0.0F) {  // the same orientation by the longer arc
+        between = -between;
+    }
+    const Vector3 vector(between.x, between.y, between.z);
+    const float sine = vector.length();  // of half the angle between them, as between.w is the cosine
+    const float tangent = tangentOfSmall(maxAngle / 2.0F);
+    if (sine <= tangent * between.w) {
+        return to;
+    }
+    Quaternion turned = from * Quaternion(1.0F, vector * (tangent / sine));
+    turned.normalise();
+    return turned;
+}
+
 Quaternion lookAlong(const Vector3& direction)
 {
     const float length = direction.length();

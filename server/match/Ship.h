@@ -70,6 +70,10 @@ void flyShip(Ship& ship, const Rules& rules, float dt);
 /// A turn about a unit axis by at most half a radian.
 Quaternion smallTurn(const Vector3& axis, float angle);
 
+/// Turns `from` towards `to` on the shorter arc, by at most `maxAngle` radians, itself at most 0.5; unit
+/// length.
+Quaternion turnTowards(const Quaternion& from, const Quaternion& to, float maxAngle);
+
 /// The upright orientation whose nose points along `direction`, of any length but zero.
 Quaternion lookAlong(const Vector3& direction);
 

@@ -6,12 +6,10 @@ TEST(Pictures, CarriersAndFighters)
 {
     messages::ShipState own = lonelyShip();
     own.position = Vector3(500, 0, 0);  // on the own deck
-    own.health = 87.5F;
-    own.redScore = 42;
-    own.blueScore = 7;
     GameSession game;
     game.join(own);
-    game.display.expectImage("start", "800x575+0+25");  // below the line of the frame rate
+    game.display.expectImage("start",
+                             "800x525+0+75");  // below the texts, which look different with another FreeType
     game.join(shipBehind({0, 60, -1000}));
     game.display.expectImage("carriers", "720x110+40+290");
     game.join(shipBehind({-460, 40, -420}));
