@@ -1,8 +1,8 @@
 // Plays what two clients send into a server's match, beside an honest player.
 //
-// An input is a list of actions. Each has a byte for its client (modulo 2), its kind (divided by 2, modulo 4)
-// and the steps of the match behind it (divided by 8), a byte for a size, and bytes. The clients' qports are
-// 2 and 3.
+// An input is a list of actions. An action is a byte, a size and bytes. The byte modulo 2 is the client;
+// divided by 2, modulo 4, it is the kind; divided by 8 it is the number of steps afterwards. The clients'
+// qports are 2 and 3.
 #include "fuzz/FuzzInput.h"
 #include "peer/HeadlessClient.h"
 #include "server/net/PracticeServer.h"

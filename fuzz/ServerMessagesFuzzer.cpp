@@ -1,7 +1,7 @@
 // Plays what a server sends into the client's scene: pieces of three TCP streams, and datagrams.
 //
-// An input is a list of pieces. Each has a byte for its socket (modulo 4; 3: a datagram) and for the frames
-// that the game draws behind it (divided by 4), a byte for its size, and its bytes.
+// An input is a list of pieces. A piece is a byte, a size and bytes. The byte modulo 4 is the socket (3: a
+// datagram); divided by 4 it is the number of frames that the game draws afterwards.
 #include "fuzz/FuzzInput.h"
 #include "tests/hostile/Arena.h"
 

@@ -30,7 +30,7 @@ public:
     /// Stops the I/O service. Sockets stay open, because the process is about to end.
     void disconnect();
     /// The body of the network thread: returns when the service is stopped. Ends the process, with a message
-    /// and status 1, when an exception escapes, as for lack of memory.
+    /// and status 1, when an exception escapes, for example because memory ran out.
     static void runIOService();
 
     /// Applies all messages received since the last call.

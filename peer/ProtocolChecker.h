@@ -48,8 +48,8 @@ public:
     /// Takes the whole frames away from the front of a stream.
     void receiveStream(std::string& stream);
 
-    /// Each kind of fault so far, with its count; empty where the server kept to the protocol. A ship may
-    /// move for so long before its announcement arrives: TCP and UDP keep no order.
+    /// Each kind of fault so far, with its count; empty where the server kept to the protocol. `patience`:
+    /// how long a ship may move before its announcement arrives, as TCP and UDP keep no order.
     std::map<std::string, std::uint64_t> faults(Clock::duration patience = {}) const;
 
 private:

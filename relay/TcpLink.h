@@ -15,7 +15,7 @@ namespace relay {
 
 /// One client's TCP connection, and ours to the server on its behalf.
 ///
-/// Bytes arrive later and some wrong, but all of them and in order. An end of file is passed on after the
+/// All bytes arrive, in order: late, and some of them wrong. An end of file is passed on after the
 /// bytes before it. When one side breaks, the link hands that side's last bytes to the system and then resets
 /// the other side. A slow reader loses the bytes that the system still holds. Lives on the single-threaded
 /// executor of the client's socket.

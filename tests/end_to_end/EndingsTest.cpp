@@ -13,12 +13,15 @@ using support::Process;
 
 namespace {
 
-// Sends the same bytes over TCP as fast as the client takes them, or over UDP, until the client is gone.
+// Sends the same bytes until the client is gone: over UDP, or over TCP as fast as it takes them.
 std::future<void> flood(peer::ScriptedServer& server, const std::string& bytes, bool isUdp = false)
 {
     return std::async(std::launch::async, [&server, bytes, isUdp] {
         while (!bytes.empty() && server.sendTcp(isUdp ? "" : bytes)) {
-            isUdp ? server.sendUdp(bytes) : void();
+            if (isUdp) {
+                server.sendUdp(bytes);
+                std::this_thread::sleep_for(10us);  // others need the server's lock, too
+            }
         }
     });
 }

@@ -51,7 +51,7 @@ public:
     /// Waits until the newest update is like this.
     bool awaitUpdate(const std::function<bool(const peer::SteeringDatagram&)>& wanted) const
     {
-        return peer::eventually([&] { return wanted(server.lastSteering()); }, 5s);
+        return peer::eventually([&] { return wanted(server.lastSteering()); }, 15s);
     }
 
     /// Announces the same eight ships again and again.

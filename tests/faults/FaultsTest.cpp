@@ -30,7 +30,8 @@ Act halt(std::chrono::seconds time)
 Act reset(std::size_t missing)
 {
     return [=](GameSession& game) {
-        const std::string frame = messages::destroyFrame(GameSession::ownId);
+        std::string frame =
+            peer::rawFrame(3, {8, GameSession::ownId, 0x78, 1});  // the last two may be missing
         game.server.sendTcp(frame.substr(0, frame.size() - missing));
         peer::eventually([&] { return game.client->hasPrinted("logged out"); }, missing == 0 ? 5s : 200ms);
         game.server.closeTcp(true);
@@ -64,12 +65,12 @@ TEST(Faults, AGameGoesOnOrEndsWithAMessageAndAStatus)
         {"recvfrom 15 stall", &GameSession::flood, "status 0", ""},  // on the network thread
         {"glGenLists 1 fail 99999", &GameSession::flood, "status 0", ""},
         {"glGenTextures 1 fail 99999", &GameSession::flood, "status 0", ""},
-        {"gettimeofday 100 clock 99999", wait, "status 0", ""},
+        {"gettimeofday 100 clock 999999999", wait, "status 0", ""},
         {"", halt(4s), "status 0", ""},
         {"", halt(12s), "status 1", silence},
         {"recvfrom 15 ENOMEM", &GameSession::flood, "status 1", silence},
         {"new 4000 fail", &GameSession::flood, "status 1", " - exiting\n"},
-        {"", reset(1), "status 0", "CLOSED err:Connection reset by peer\n"},
+        {"", reset(2), "status 0", "CLOSED err:Connection reset by peer\n"},
         {"", reset(0), "status 0", farewell}};
     for (const auto& [fault, act, end, text] : cases) {
         SCOPED_TRACE(fault + text);
@@ -88,6 +89,7 @@ TEST(Faults, AGameGoesOnOrEndsWithAMessageAndAStatus)
             game.client->signal(SIGTERM);
         }
         EXPECT_EQ(game.client->end(), end);
+        EXPECT_TRUE(fault.empty() || game.client->hasPrinted("injected: "));
         EXPECT_TRUE(game.client->hasPrinted(text)) << text;
         EXPECT_EQ(game.client->hasPrinted(farewell), text == farewell) << "half a frame counts";
     }

@@ -16,7 +16,7 @@ DelayQueue network(const Conditions& conditions, Transport transport, std::uint3
 
 }  // namespace
 
-// A ship flies a circle at 40 units a second, one of 16. The network is bad from second 1 to 3. The updates
+// 16 ships fly the same circle at 40 units a second. The network is bad from second 1 to 3. The updates
 // count once nothing of that time is under way any more. An error of 5 units blends away unseen.
 TEST(BadNetwork, MotionRecoversWithinTwoUpdates)
 {

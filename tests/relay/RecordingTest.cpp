@@ -113,7 +113,7 @@ TEST(Replay, KeepsTheTimesAndWaitsForTheRightQport)
     peer::Endpoints ends;
     std::vector<std::string> log;
     Replayer replayer(
-        ends.io, 0, track, 10, [&log](const std::string& line) { log.push_back(line); }, 2s);
+        ends.io, 0, track, 10, [&log](const std::string& line) { log.push_back(line); }, 5s);
     replayer.start();
     const auto server = peer::loopback(replayer.port());
     for (int round = 0; round < 2; ++round) {
@@ -140,6 +140,6 @@ TEST(Replay, KeepsTheTimesAndWaitsForTheRightQport)
     leaving.reset();
     EXPECT_TRUE(ends.await([&] { return log.back() == "client 3: left"; }));
     ends.connect(replayer.port());
-    EXPECT_TRUE(ends.await([&] { return log.back() == "client 4: sent no datagram for 2 s"; }));
+    EXPECT_TRUE(ends.await([&] { return log.back() == "client 4: sent no datagram for 5 s"; }));
     EXPECT_EQ(std::count(log.begin(), log.end(), "turning away clients: another one is watching"), 2);
 }

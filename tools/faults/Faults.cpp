@@ -1,8 +1,8 @@
 // A library to preload: faults of the machine.
 //
-//     VANTOR_FAULT="CALL N ERROR [TIMES]"   the N-th call fails, and the TIMES - 1 behind it (1)
+//     VANTOR_FAULT="CALL N ERROR [TIMES]"   TIMES calls fail (1), from the N-th on
 //
-// CALL is a function below, `new`, or `any`: all functions of the system, counted together. ERROR is
+// CALL is a function below, `new`, or `any`: those marked true below, counted together. ERROR is
 //
 //     EINTR, EAGAIN...   the call fails with it
 //     short              it reads or writes half as many bytes
