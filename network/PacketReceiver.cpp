@@ -16,6 +16,7 @@
 #include "scene/SceneGraph.h"
 #include "scene/SceneObjectFactory.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <boost/asio/error.hpp>
@@ -25,6 +26,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -115,7 +117,14 @@ void setLastResort(unsigned int seconds)
 
 void endProcessIn(unsigned int seconds)
 {
-    std::signal(SIGALRM, [](int) { _exit(EXIT_FAILURE); });
+    std::signal(SIGALRM, [](int) {
+        constexpr std::string_view text = "The client is stuck - exiting\n";
+        pollfd errors = {STDERR_FILENO, POLLOUT, 0};
+        if (poll(&errors, 1, 0) == 1) {
+            [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
+        }
+        _exit(EXIT_FAILURE);
+    });
     alarm(seconds);
 }
 
