@@ -16,7 +16,6 @@
 #include "scene/SceneGraph.h"
 #include "scene/SceneObjectFactory.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <boost/asio/error.hpp>
@@ -118,11 +117,15 @@ void setLastResort(unsigned int seconds)
 void endProcessIn(unsigned int seconds)
 {
     std::signal(SIGALRM, [](int) {
-        constexpr std::string_view text = "The client is stuck - exiting\n";
-        pollfd errors = {STDERR_FILENO, POLLOUT, 0};
-        if (poll(&errors, 1, 0) == 1) {
-            [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
-        }
+        // Standard error may be stuck, too. Then a second alarm ends the process.
+        std::signal(SIGALRM, [](int) { _exit(EXIT_FAILURE); });
+        sigset_t alarms;
+        sigemptyset(&alarms);
+        sigaddset(&alarms, SIGALRM);
+        pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
+        alarm(1);
+        constexpr std::string_view text = "The client did not end in time\n";
+        [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
         _exit(EXIT_FAILURE);
     });
     alarm(seconds);

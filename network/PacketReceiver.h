@@ -9,8 +9,8 @@
 class PacketSender;
 class SceneGraph;
 
-/// Ends the process with status 1 after this time, whatever its threads are waiting for; with a line on
-/// standard error, unless that is stuck too. Safe in a signal handler.
+/// Ends the process with status 1 after this time, whatever its threads are waiting for: with a line on
+/// standard error, or a second later without. Safe in a signal handler.
 void endProcessIn(unsigned int seconds);
 
 /// The client's receiver. It applies the server's messages to the scene graph, and ends the client when the

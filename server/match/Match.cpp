@@ -13,7 +13,7 @@ namespace practice {
 
 namespace {
 
-static_assert(FLT_EVAL_METHOD == 0, "a match is the same on every machine that computes floats as floats");
+static_assert(FLT_EVAL_METHOD == 0, "floats are not computed as floats: build with -msse2 -mfpmath=sse");
 
 constexpr std::size_t mostDeparted = 64;  ///< ships in a result that have left
 

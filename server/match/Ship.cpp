@@ -101,7 +101,6 @@ Quaternion smallTurn(const Vector3& axis, float angle)
     return turn;
 }
 
-/// A turn by an angle is the quaternion (1 + cosine, axis * sine), scaled to unit length.
 Quaternion turnTowards(const Quaternion& from, const Quaternion& to, float maxAngle)
 {
     Quaternion between = ~from * to;
@@ -119,6 +118,7 @@ Quaternion turnTowards(const Quaternion& from, const Quaternion& to, float maxAn
     return turned;
 }
 
+/// A turn by an angle is the quaternion (1 + cosine, axis * sine), scaled to unit length.
 Quaternion lookAlong(const Vector3& direction)
 {
     const float length = direction.length();
