@@ -45,7 +45,9 @@ public:
         constexpr std::uint32_t beyondQport = 0x10000;  // only the low 16 bits count
         server.sendTcp(messages::welcomeFrame({ownId}, qport + beyondQport) + messages::infoFrame(ownShip));
         EXPECT_TRUE(awaitUpdate([](const auto& update) { return update.qport == qport; }));
-        std::this_thread::sleep_for(300ms);  // the frames in which the first mouse reading turns the view
+        // the frames in which the first mouse reading turns the view
+        const std::size_t before = server.record().datagrams.size();
+        peer::eventually([&] { return server.record().datagrams.size() > before + 6; });
     }
 
     /// Waits until the newest update is like this.

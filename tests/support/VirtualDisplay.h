@@ -69,7 +69,7 @@ public:
             different = compare.output();
             return (end == "status 0" || end == "status 1") && std::stod(different) <= area / 1000;
         };
-        EXPECT_TRUE(eventually(isLikeGolden, 20s))
+        EXPECT_TRUE(eventually(isLikeGolden, 40s))
             << different << " pixels differ from " << golden << "; see " << seen;
     }
 
