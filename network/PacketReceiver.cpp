@@ -104,10 +104,11 @@ void setLastResort(unsigned int seconds)
 }
 
 // The main thread may be drawing, exiting, or holding standard output. So no destructor and no exit handler
-// runs. If the message gets stuck, the alarm ends the process.
+// runs. If the message gets stuck, the last resort ends the process. An alarm that is pending already must
+// not: it came with the watchdog.
 [[noreturn]] void endProcessFromNetworkThread(unsigned int seconds, const std::string& reason)
 {
-    endProcessIn(2);
+    setLastResort(2);
     DebugPrint("No UDP packet received in %u - exiting with error %s\n", seconds, reason.c_str());
     std::_Exit(EXIT_FAILURE);
 }
