@@ -60,12 +60,13 @@ Read readMessage(io::ZeroCopyInputStream& file, google::protobuf::Message& messa
     return framing::parseBody(message, bytes.data(), bytes.size()) ? Read::message : Read::garbled;
 }
 
-/// The parser has refused unknown enumerators: their fields would be missing.
+/// The parser has refused unknown enumerators: their fields would be missing. Unknown fields take many times
+/// their bytes in memory.
 bool isValid(const Chunk& chunk, std::uint64_t previous)
 {
     const bool mayHaveBytes = chunk.kind() == Chunk::BYTES;
     return chunk.microseconds() >= previous && chunk.microseconds() <= longestRecording &&
-           chunk.bytes().size() <= (mayHaveBytes ? largestChunk : 0);
+           chunk.bytes().size() <= (mayHaveBytes ? largestChunk : 0) && chunk.unknown_fields().empty();
 }
 
 }  // namespace

@@ -57,6 +57,7 @@ TEST_F(Recording, CutAnywhereIsUsedAndGarbledIsRefused)
          {"\x0A\x08"s + '\0' + chunk.substr(2),                          // before the chunk before it
           "\x11\x08\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F" + chunk.substr(2),  // thousands of years later
           "\x8F\x80\x04" + chunk + "\x32\x81\x80\x04" + std::string(65'537, 'x'),  // too many bytes
+          "\x0C" + chunk + "\x3B\x3C",                                             // an unknown field
           "\xFF\xFF\xFF\x7F"s, std::string(11, '\xFF')}) {                         // no length
         EXPECT_EQ(reading(header + good + garbled), path + " is garbled at chunk 2");
     }
