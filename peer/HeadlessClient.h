@@ -38,7 +38,7 @@ public:
         datagrams.poll();
         stream.poll();
         for (const Datagram& datagram : std::exchange(datagrams.received, {})) {
-            if (wasOpen) {
+            if (wasOpen && datagram.sender == server) {
                 checker.receiveDatagram(datagram);
             }
         }
@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    DatagramEnd::Address server;
+    DatagramEnd::Address server;  ///< others may still send to a former owner of the port
 };
 
 }  // namespace peer
