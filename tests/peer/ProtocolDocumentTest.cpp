@@ -3,6 +3,8 @@
 #include "network/MessageSerializer.h"
 #include "network/Messages.h"
 #include "network/NetworkEvent.h"
+#include "peer/ProtocolChecker.h"
+#include "peer/ScriptedServer.h"
 
 #include <google/protobuf/text_format.h>
 #include <gtest/gtest.h>
@@ -65,12 +67,26 @@ TEST(ProtocolDocument, ShowsWhatTheProgramsSend)
     const std::uint64_t id = 4294967298;
     const ShipState ship{id, true, {-500, 0, 14}, turned, 87.5F, "Pilot 1", 3, -1, 4, 5000};
     const ShotState shot{id + 1, true, {-496, 0, 18.5F}, {211.25F, 0, 61.5F}, 5016};
-    const std::vector<std::string> sent = {
-        dumpOf("server tcp ", welcomeFrame(ship, 4660)),
-        dumpOf("server tcp ", infoFrame(ship)),
-        dumpOf("server tcp ", infoFrame(shot)),
-        dumpOf("server udp ", updateFrame(id, 5050, {-497.5F, 0.25F, 14.75F}, turned)),
-        dumpOf("server tcp ", destroyFrame(shot.id)),
-        dumpOf("client udp ", steeringFrame(4660, {turned, 0x40000001}))};
+    const std::pair<std::string, std::string> frames[] = {
+        {"server tcp ", welcomeFrame(ship, 4660)},
+        {"server tcp ", infoFrame(ship)},
+        {"server tcp ", infoFrame(shot)},
+        {"server udp ", updateFrame(id, 5050, {-497.5F, 0.25F, 14.75F}, turned)},
+        {"server tcp ", destroyFrame(shot.id)},
+        {"client udp ", steeringFrame(4660, {turned, 0x40000001})}};
+    std::vector<std::string> sent;
+    peer::ProtocolChecker checker;
+    for (const auto& [way, frame] : frames) {
+        sent.push_back(dumpOf(way, frame));
+        if (way == "server tcp ") {
+            std::string stream = frame;
+            checker.receiveStream(stream);
+        } else if (way == "server udp ") {
+            checker.receiveDatagram({{}, {}, frame});
+        } else {
+            EXPECT_TRUE(peer::parseSteering(frame));
+        }
+    }
     EXPECT_EQ(documentedDumps(), sent);
+    EXPECT_TRUE(checker.faults().empty() && checker.positions.count(id) == 1);
 }
