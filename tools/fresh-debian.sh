@@ -1,7 +1,8 @@
 # shellcheck shell=bash
-# Fresh Debians in folders, for tools/check-package and tools/check-release.
+# Fresh Debians in folders, for tools/check-package, tools/check-release and tools/check-arm64.
 #
-# For bash scripts with `set -euo pipefail` that run as root and define `fail MESSAGE`.
+# For bash scripts with `set -euo pipefail` that run as root, define `fail MESSAGE [STATUS]` and use
+# packaging/session.sh.
 
 # Debian 13 has /tmp in memory and without devices.
 export TMPDIR=${TMPDIR:-/var/tmp}
@@ -14,6 +15,12 @@ inside=(env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin:/usr/games HOME=/tmp LC_ALL=C.
 
 # A warning of CMake or the compiler. Other tools warn while they install themselves.
 build_warning='CMake.* Warning|^[^ ]+:[0-9]+:([0-9]+:)? warning:'
+
+# step TITLE: announces the next step, or ends an interrupted script.
+step() {
+    [ -z "$interrupted" ] || fail interrupted 130
+    printf '\n== %s\n' "$1"
+}
 
 # require_release NAME: sets release, and debian to its number.
 require_release() {
