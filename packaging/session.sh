@@ -4,7 +4,8 @@
 # For bash scripts with `set -euo pipefail`. They define `fail MESSAGE [STATUS]`, which reports and exits, and call
 # open_session first. Every process that this file starts ends with the script.
 
-work= started=() client= interrupted=
+# A script in which an interrupt means a failure sets interrupted_status.
+work= started=() client= interrupted= interrupted_status=0
 declare -A services=()
 
 # Sets work, a folder for the session's files, and the traps.
@@ -37,7 +38,7 @@ in_background() {
 
 # An interrupt before the client runs counts as a closed window: no error.
 exit_if_interrupted() {
-    [ -z "$interrupted" ] || exit 0
+    [ -z "$interrupted" ] || exit "$interrupted_status"
 }
 
 # await SECONDS FILE PATTERN PID: waits for a matching line in the file that the process writes; sets line to it.

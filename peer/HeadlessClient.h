@@ -9,8 +9,8 @@
 
 namespace peer {
 
-/// A client without a window, for a server on 127.0.0.1. It connects, decodes and checks everything that it
-/// receives. Its owner decides what it sends.
+/// A client without a window, for a server on 127.0.0.1. It connects, decodes and checks everything that its
+/// server sends. Its owner decides what it sends.
 ///
 /// Nothing blocks: `poll` receives what has arrived. Not thread-safe.
 class HeadlessClient
@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    DatagramEnd::Address server;  ///< others may still send to a former owner of the port
+    DatagramEnd::Address server;  ///< others may still send to the former owner of the port
 };
 
 }  // namespace peer

@@ -57,7 +57,7 @@ TEST(PortPair, OpensBothTransportsOrNone)
     }
 }
 
-TEST(StatusLine, IsLeftOutWhereItWouldBlock)
+TEST(StatusLine, IsLeftOutWhereItWouldBlockOrTheDiskIsFull)
 {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
@@ -70,4 +70,12 @@ TEST(StatusLine, IsLeftOutWhereItWouldBlock)
         _exit(0);
     };
     EXPECT_EXIT(report(), testing::ExitedWithCode(0), "");
+    const auto reportTwice = [] {
+        dup2(open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
+        writeStatusLine("lost");
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        writeStatusLine("kept");
+        _exit(0);
+    };
+    EXPECT_EXIT(reportTwice(), testing::ExitedWithCode(0), "kept\n$");
 }
