@@ -1,5 +1,6 @@
 // What a bad network does to the scene.
 #include "relay/Replay.h"
+#include "server/net/MatchBroadcast.h"
 #include "tests/hostile/Arena.h"
 #include "tests/network/Support.h"
 
@@ -82,4 +83,40 @@ TEST(BadNetwork, AStreamCutAnywhereGivesTheSameScene)
         }
     });
     EXPECT_EQ(scenes.size(), 1U);
+}
+
+// 8 bots play; 216000 steps are an hour of match time. 5,184,000, a day, pass, too.
+TEST(BadNetwork, AnHourOfMatchesEndsInTheSameScene)
+{
+    const Conditions faults = {50, 30, 1, 1, 1};
+    DelayQueue stream = network(faults, Transport::stream), datagrams = network(faults, Transport::datagrams);
+    Time now = start;
+    practice::Match match({});
+    practice::MatchBroadcast broadcast(match, [&](const std::string& frame) { stream.push(now, frame); });
+    match.addObserver(&broadcast);
+    Arena arena;
+    printedBy([&] {
+        for (unsigned step = 0; step < 216000 + 60; ++step, now += std::chrono::microseconds(16667)) {
+            if (step < 8) {
+                match.addBot();
+            }
+            if (step < 216000) {  // later the network delivers the rest
+                match.step();
+                broadcast.afterStep();
+                for (const auto& datagram : broadcast.takeSnapshot()) {
+                    datagrams.push(now, datagram);
+                }
+            }
+            for (DelayQueue* const queue : {&stream, &datagrams}) {
+                while (const auto frames = queue->pop(now)) {
+                    arena.receive(*frames, 0);
+                }
+            }
+            arena.receive("");
+        }
+    });
+    for (const practice::Ship& ship : match.allShips()) {
+        const auto* shown = SceneGraph::instance->getOBjectById(static_cast<long long>(ship.id));
+        EXPECT_TRUE(ship.alive ? shown && shown->serverPosition[0] == ship.position : !shown) << ship.name;
+    }
 }

@@ -66,16 +66,12 @@ TEST(StatusLine, IsLeftOutWhereItWouldBlockOrTheDiskIsFull)
     const auto report = [&] {
         dup2(ends[1], STDOUT_FILENO);
         alarm(10);
-        writeStatusLine("lost");
-        _exit(0);
-    };
-    EXPECT_EXIT(report(), testing::ExitedWithCode(0), "");
-    const auto reportTwice = [] {
+        writeStatusLine("left out");
         dup2(open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
         writeStatusLine("lost");
         dup2(STDERR_FILENO, STDOUT_FILENO);
         writeStatusLine("kept");
         _exit(0);
     };
-    EXPECT_EXIT(reportTwice(), testing::ExitedWithCode(0), "kept\n$");
+    EXPECT_EXIT(report(), testing::ExitedWithCode(0), "^[^f]*kept\n$");
 }
