@@ -85,7 +85,7 @@ TEST(BadNetwork, AStreamCutAnywhereGivesTheSameScene)
     EXPECT_EQ(scenes.size(), 1U);
 }
 
-// 8 bots play; 216000 steps are an hour of match time. 5,184,000, a day, pass, too.
+// 8 bots play. 216000 steps are an hour of match time.
 TEST(BadNetwork, AnHourOfMatchesEndsInTheSameScene)
 {
     const Conditions faults = {50, 30, 1, 1, 1};
