@@ -38,7 +38,7 @@ public:
         datagrams.poll();
         stream.poll();
         for (const Datagram& datagram : std::exchange(datagrams.received, {})) {
-            if (wasOpen && datagram.sender == server) {
+            if (wasOpen && datagram.sender == server) {  // others may send to the former owner of the port
                 checker.receiveDatagram(datagram);
             }
         }
@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    DatagramEnd::Address server;  ///< others may still send to the former owner of the port
+    DatagramEnd::Address server;
 };
 
 }  // namespace peer

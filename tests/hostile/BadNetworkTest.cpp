@@ -95,15 +95,16 @@ TEST(BadNetwork, AnHourOfMatchesEndsInTheSameScene)
     practice::MatchBroadcast broadcast(match, [&](const std::string& frame) { stream.push(now, frame); });
     match.addObserver(&broadcast);
     Arena arena;
+    const std::vector<std::string> nothing;
     printedBy([&] {
-        for (unsigned step = 0; step < 216000 + 60; ++step, now += std::chrono::microseconds(16667)) {
+        for (unsigned step = 0; step < 216000 + 1500; ++step, now += std::chrono::microseconds(16667)) {
             if (step < 8) {
                 match.addBot();
             }
-            if (step < 216000) {  // later the network delivers the rest
+            if (step < 216000) {  // later the network delivers the rest, and all shots expire
                 match.step();
                 broadcast.afterStep();
-                for (const auto& datagram : broadcast.takeSnapshot()) {
+                for (const auto& datagram : match.stepCount() % 3 == 0 ? broadcast.takeSnapshot() : nothing) {
                     datagrams.push(now, datagram);
                 }
             }
@@ -115,8 +116,12 @@ TEST(BadNetwork, AnHourOfMatchesEndsInTheSameScene)
             arena.receive("");
         }
     });
+    std::size_t alive = 0;
     for (const practice::Ship& ship : match.allShips()) {
         const auto* shown = SceneGraph::instance->getOBjectById(static_cast<long long>(ship.id));
         EXPECT_TRUE(ship.alive ? shown && shown->serverPosition[0] == ship.position : !shown) << ship.name;
+        alive += ship.alive ? 1 : 0;
     }
+    EXPECT_GT(alive, 0U);
+    EXPECT_EQ(SceneGraph::instance->children.size(), 2 + alive) << "something stays";
 }

@@ -6,8 +6,6 @@
 #include "peer/ScriptedServer.h"
 #include "tests/network/Support.h"
 
-#include <boost/algorithm/hex.hpp>
-
 namespace {
 
 using peer::rawFrame;
@@ -23,37 +21,22 @@ std::string cut(const std::string& data, std::string& leftover)
 }
 
 const messages::ShipState ship = {7, true, {1, 2, 3}, {1, 2, 3, 4}, 100, "Rosa", 1, 2, 3, 1000};
-const std::pair<std::string, const char*> everyKind[] = {
-    {messages::infoFrame(ship),
-     "4400010807100018E807220F0D0000803F15000000401D000040402A140D0000004015000040401D00008040250000803F"
-     "32130D0000C84210011A04526F7361200128023003"},
-    {messages::infoFrame(messages::ShotState{8, true, {1, 2, 3}, {4, 5, 6}}),
-     "4400010808100118E807220F0D0000803F15000000401D000040402A140D0000000015000000001D00000000250000803F"
-     "3A130A0F0D00008040150000A0401D0000C0401001"},
-    {messages::updateFrame(3, 4, {5, 6, 7}),
-     "2C0002080310041A0F0D0000A040150000C0401D0000E04022140D0000000015000000001D00000000250000803F"},
-    {messages::destroyFrame(8), "0300030808"},
-    {messages::steeringFrame(0xFE34, {{1, 2, 3, 4}, 7}).substr(framing::qportSize),
-     "1900040A140D0000004015000040401D00008040250000803F1007"},
-    {messages::welcomeFrame({9}, 10), "1B00050809100A1A140D0000C84210001A0550696C6F74200028003000"}};
+const std::string everyKind[] = {
+    messages::infoFrame(ship),
+    messages::infoFrame(messages::ShotState{8, true, {1, 2, 3}, {4, 5, 6}}),
+    messages::updateFrame(3, 4, {5, 6, 7}),
+    messages::destroyFrame(8),
+    messages::steeringFrame(0xFE34, {{1, 2, 3, 4}, 7}).substr(framing::qportSize),
+    messages::welcomeFrame({9}, 10)};
 
 const std::string good = messages::destroyFrame(8);
 
 }  // namespace
 
-TEST(Framing, BytesMatchTheProtocol)
-{
-    for (const auto& [frame, bytes] : everyKind) {
-        EXPECT_EQ(boost::algorithm::hex(frame), bytes);
-    }
-    EXPECT_EQ(messages::steeringFrame(0xFE34, {}).substr(0, 2), "\x34\xFE");
-    EXPECT_EQ(rawFrame(1, std::string(600, 'n')).substr(0, 3), "\x59\x02\x01") << "the low byte first";
-}
-
 TEST(Framing, ASplitRunArrivesOnceAndWhole)
 {
     std::string run, leftover;
-    for (const auto& [frame, bytes] : everyKind) {
+    for (const std::string& frame : everyKind) {
         run += frame;
     }
     for (std::size_t split = 0; split < run.size(); ++split) {

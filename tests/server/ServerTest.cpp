@@ -195,6 +195,7 @@ TEST_F(Server, OnlyTheClientItselfSteersItsShip)
         intruder.sendDatagram(valid);
     });
     intruder.stream.send(valid);
+    intruder.datagrams.send("half", client.datagrams.socket.local_endpoint());
     client.sendDatagram(steering(client.qport()) + steering(intruder.qport(), control::up) + valid);
     run(200ms);
     EXPECT_EQ(client.position(), start);

@@ -68,7 +68,7 @@ TEST(StatusLine, IsLeftOutWhereItWouldBlockOrTheDiskIsFull)
         alarm(10);
         writeStatusLine("left out");
         dup2(open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
-        writeStatusLine("lost");
+        writeStatusLine("full");
         dup2(STDERR_FILENO, STDOUT_FILENO);
         writeStatusLine("kept");
         _exit(0);
