@@ -104,8 +104,8 @@ void setLastResort(unsigned int seconds)
 }
 
 // The main thread may be drawing, exiting, or holding standard output. So no destructor and no exit handler
-// runs. If the message gets stuck, the last resort ends the process. It is set anew, since the alarm that
-// was set together with the watchdog is due now and must not end the process before the message.
+// runs. If the message gets stuck, the last resort ends the process. It is set anew here: the alarm that
+// was set with the watchdog may be about to end the process.
 [[noreturn]] void endProcessFromNetworkThread(unsigned int seconds, const std::string& reason)
 {
     setLastResort(2);

@@ -85,7 +85,7 @@ TEST(BadNetwork, AStreamCutAnywhereGivesTheSameScene)
     EXPECT_EQ(scenes.size(), 1U);
 }
 
-// 8 bots play. 216000 steps are an hour of match time.
+// 8 bots play. 216000 steps are an hour of match time. A snapshot follows every third step, as on the server.
 TEST(BadNetwork, AnHourOfMatchesEndsInTheSameScene)
 {
     const Conditions faults = {50, 30, 1, 1, 1};
@@ -123,5 +123,5 @@ TEST(BadNetwork, AnHourOfMatchesEndsInTheSameScene)
         alive += ship.alive ? 1 : 0;
     }
     EXPECT_GT(alive, 0U);
-    EXPECT_EQ(SceneGraph::instance->children.size(), 2 + alive) << "something stays";
+    EXPECT_EQ(SceneGraph::instance->children.size(), 2 + alive) << "not only carriers and ships";
 }

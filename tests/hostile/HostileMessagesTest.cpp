@@ -49,7 +49,8 @@ TEST(Hostile, AnOddFrameIsReadToItsEndOrDropped)
 {
     const auto longer = [](const std::string& end) { return peer::rawFrame(1, ship(5).substr(3) + end); };
     const std::pair<std::string, std::uint64_t> cases[] = {
-        {"\x15\x03\x01", 6},                                               // TLS
+        {"\x15\x03\x01", 6},  // TLS
+        {"GET / HTTP/1.1\r\n", 6},
         {std::string({'\0', ship(5)[0]}) + ship(5).substr(2), 6},          // the length's bytes are swapped
         {longer("\x7A\x80\xFC\x03" + std::string(65024, 'x')), 5},         // an unknown field
         {longer(std::string(100, '\x7B') + std::string(100, '\x7C')), 5},  // nested groups
