@@ -3,6 +3,8 @@
 #include "network/MessageSerializer.h"
 #include "network/Messages.h"
 #include "network/NetworkEvent.h"
+#include "peer/ProtocolChecker.h"
+#include "peer/ScriptedServer.h"
 
 #include <google/protobuf/text_format.h>
 #include <gtest/gtest.h>
@@ -73,8 +75,18 @@ TEST(ProtocolDocument, ShowsWhatTheProgramsSend)
         {"server tcp ", destroyFrame(shot.id)},
         {"client udp ", steeringFrame(4660, {turned, 0x40000001})}};
     std::vector<std::string> sent;
+    peer::ProtocolChecker checker;
     for (const auto& [way, frame] : frames) {
         sent.push_back(dumpOf(way, frame));
+        if (way == "server tcp ") {
+            std::string stream = frame;
+            checker.receiveStream(stream);
+        } else if (way == "server udp ") {
+            checker.receiveDatagram({{}, {}, frame});
+        } else {
+            EXPECT_TRUE(peer::parseSteering(frame));
+        }
     }
     EXPECT_EQ(documentedDumps(), sent);
+    EXPECT_TRUE(checker.faults().empty() && checker.positions.count(id) == 1);
 }
